@@ -1,0 +1,18 @@
+#ifndef KVCART_GEODESY_KVCARTDEF_H
+#define KVCART_GEODESY_KVCARTDEF_H
+
+// Enumerations shared by the geodetic classes.
+class CKvCartDef
+{
+public:
+    enum ETypeOfDatumShift
+    {
+        eNoDatumShift = 0,
+        eThreeParameters = 1,  // translation only
+        eSevenParameters = 2   // Helmert: translation, rotation, scale
+    };
+
+    virtual ~CKvCartDef() = default;
+};
+
+#endif

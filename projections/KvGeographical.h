@@ -1,0 +1,22 @@
+#ifndef KVCART_PROJECTIONS_KVGEOGRAPHICAL_H
+#define KVCART_PROJECTIONS_KVGEOGRAPHICAL_H
+
+#include "projections/KvProjectionEngine.h"
+
+#include <string>
+
+// Longitude/latitude: the identity. Nothing is wrapped or clamped.
+class CKvGeographical : public CKvEngine<CKvGeographical>
+{
+public:
+    CKvGeographical(const std::string& name, const CKvEllipsoid& ellipsoid);
+
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    bool IsGeographical() const override { return true; }
+    // Longitude -180..180, latitude -60..81: the far south is deliberately left
+    // out of the default view while the north reaches 81 degrees.
+    void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
+};
+
+#endif

@@ -1,0 +1,37 @@
+#ifndef KVCART_PROJECTIONS_KVPROJECTION_H
+#define KVCART_PROJECTIONS_KVPROJECTION_H
+
+#include "catalogue/KvEllipsoid.h"
+
+// The interface of every projection engine. Geographic coordinates cross it in
+// decimal degrees, longitude first; projected coordinates are in the unit of the
+// ellipsoid's semi-major axis (metres). Engines are immutable after
+// construction, so one engine may serve any number of threads at once.
+class CKvProjection
+{
+public:
+    virtual ~CKvProjection();
+
+    virtual const char* GetName() const = 0;
+    virtual void Geo2Proj(double lon, double lat, double* x, double* y) const = 0;
+    virtual void Proj2Geo(double x, double y, double* lon, double* lat) const = 0;
+    // Defaults: origin (0, 0), convergence 0, area (0, 0, 0, 0), neither local nor
+    // geographical, no derived parameters, no anonymous ellipsoid.
+    virtual void GetOrigin(double* x, double* y) const;
+    virtual double GetConvergence(double lon, double lat) const;
+    // (x1, y1) the lower-left corner, (x2, y2) the upper-right one.
+    virtual void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const;
+    virtual bool IsLocal() const;
+    virtual bool IsGeographical() const;
+    // Destroys and deallocates the engine.
+    virtual void free();
+    virtual void GetDerivedParameters(double* values) const;
+    virtual bool GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const;
+    // A new engine of the same class with every member copied; the caller owns it.
+    virtual CKvProjection* Clone() const = 0;
+
+    // Releases an engine the way free() does, and does nothing for a null one.
+    static void Release(CKvProjection* engine);
+};
+
+#endif

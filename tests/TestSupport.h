@@ -1,0 +1,72 @@
+#ifndef KVCART_TESTS_TESTSUPPORT_H
+#define KVCART_TESTS_TESTSUPPORT_H
+
+#include <clocale>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <unistd.h>
+
+namespace kvtest {
+
+// A fresh directory under /tmp, removed with its files when the object goes.
+class TempDir
+{
+public:
+    TempDir()
+    {
+        char pattern[] = "/tmp/kvcart-test-XXXXXX";
+        const char* made = mkdtemp(pattern);
+        m_path = made != nullptr ? std::string(made) + "/" : std::string();
+    }
+    ~TempDir()
+    {
+        if (!m_path.empty())
+            std::system(("rm -rf '" + m_path + "'").c_str());
+    }
+    TempDir(const TempDir&) = delete;
+    TempDir& operator=(const TempDir&) = delete;
+    const std::string& Path() const { return m_path; }
+    std::string File(const std::string& name) const { return m_path + name; }
+
+private:
+    std::string m_path;
+};
+
+inline void WriteFile(const std::string& path, const std::string& text)
+{
+    std::ofstream out(path, std::ios::binary);
+    out << text;
+}
+
+inline std::string ReadFile(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+// Switches the process to a German locale, whose decimal separator is a comma,
+// for the lifetime of the object. The locale is compiled into the build tree.
+class CommaLocale
+{
+public:
+    CommaLocale()
+    {
+        setenv("LOCPATH", KVCART_TEST_LOCPATH, 1);
+        m_active = std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr;
+    }
+    ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
+    CommaLocale(const CommaLocale&) = delete;
+    CommaLocale& operator=(const CommaLocale&) = delete;
+    bool Active() const { return m_active; }
+
+private:
+    bool m_active = false;
+};
+
+} // namespace kvtest
+
+#endif

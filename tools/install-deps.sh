@@ -1,0 +1,16 @@
+#!/bin/sh
+# Installs the Debian packages the build needs, when they are missing.
+# Only the compiler, CMake and the test/benchmark frameworks: the library itself
+# depends on the C++ standard library and libm alone.
+set -e
+need=""
+for pkg in g++ cmake make libgtest-dev libbenchmark-dev locales; do
+  dpkg -s "$pkg" >/dev/null 2>&1 || need="$need $pkg"
+done
+[ -z "$need" ] && exit 0
+echo "installing:$need"
+if [ "$(id -u)" -ne 0 ]; then
+  command -v sudo >/dev/null 2>&1 && SUDO=sudo || { echo "please install:$need" >&2; exit 1; }
+fi
+${SUDO:-} apt-get update -q
+DEBIAN_FRONTEND=noninteractive ${SUDO:-} apt-get install -y -q $need
