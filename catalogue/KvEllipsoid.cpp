@@ -4,9 +4,7 @@
 
 #include <cmath>
 
-CKvEllipsoid::CKvEllipsoid() : m_semiMajorAxis(1.0), m_inverseFlattening(1.0)
-{
-}
+CKvEllipsoid::CKvEllipsoid() : m_semiMajorAxis(1.0), m_inverseFlattening(1.0) {}
 
 CKvEllipsoid::CKvEllipsoid(const std::string& name, const std::string& id, double semiMajorAxis,
                            double inverseFlattening)

@@ -4,6 +4,7 @@
 #include "paramfile/ParamFileReader.h"
 #include "paramfile/ParamFileWriter.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <cmath>
@@ -13,28 +14,34 @@
 
 namespace {
 
+// Trivially destructible on purpose: the catalogue writes itself back from a
+// static destructor at process exit, after thread-local objects with destructors
+// are gone. Messages longer than the buffer are truncated.
 struct GxrErrorState
 {
-    int code = GXR_OK;
-    std::string message;
+    int code;
+    char message[1024];
 };
 
 GxrErrorState& ErrorState()
 {
-    thread_local GxrErrorState state;
+    thread_local GxrErrorState state = {GXR_OK, {0}};
     return state;
 }
 
 void ClearError()
 {
     ErrorState().code = GXR_OK;
-    ErrorState().message.clear();
+    ErrorState().message[0] = '\0';
 }
 
 void SetError(int code, const std::string& message)
 {
-    ErrorState().code = code;
-    ErrorState().message = message;
+    GxrErrorState& state = ErrorState();
+    state.code = code;
+    const size_t length = std::min(message.size(), sizeof state.message - 1);
+    std::memcpy(state.message, message.data(), length);
+    state.message[length] = '\0';
 }
 
 bool IsName(const char* name)
@@ -209,7 +216,7 @@ int gxrPeekErrorGlb()
 
 const char* gxrGetErrorMessageGlb()
 {
-    return ErrorState().message.c_str();
+    return ErrorState().message;
 }
 
 int gxrGetNoTargets(GxrFile* file, const char* name)

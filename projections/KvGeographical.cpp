@@ -1,5 +1,7 @@
 #include "projections/KvGeographical.h"
 
+CKvGeographical::CKvGeographical(const CKvGeographicalProjection* definition) : CKvEngine(*definition) {}
+
 CKvGeographical::CKvGeographical(const std::string& name, const CKvEllipsoid& ellipsoid)
     : CKvEngine(name.c_str(), ellipsoid)
 {

@@ -1,14 +1,16 @@
 #ifndef KVCART_PROJECTIONS_KVGEOGRAPHICAL_H
 #define KVCART_PROJECTIONS_KVGEOGRAPHICAL_H
 
+#include "catalogue/KvGeographicalProjection.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
 
 // Longitude/latitude: the identity. Nothing is wrapped or clamped.
-class CKvGeographical : public CKvEngine<CKvGeographical>
+class CKvGeographical : public CKvEngine<CKvGeographical, CKvGeographicalProjection>
 {
 public:
+    explicit CKvGeographical(const CKvGeographicalProjection* definition);
     CKvGeographical(const std::string& name, const CKvEllipsoid& ellipsoid);
 
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;

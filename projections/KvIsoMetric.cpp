@@ -24,9 +24,7 @@ CKvIsoMetric::CKvIsoMetric(double x0, double y0, double xA, double yA, double xB
     m_sv = (YB - Y0) / lengthB;
 }
 
-void CKvIsoMetric::Geo2Proj(double, double, double*, double*) const
-{
-}
+void CKvIsoMetric::Geo2Proj(double, double, double*, double*) const {}
 
 void CKvIsoMetric::Proj2Geo(double x, double y, double* out1, double* out2) const
 {

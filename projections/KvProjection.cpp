@@ -36,9 +36,7 @@ void CKvProjection::free()
     delete this;
 }
 
-void CKvProjection::GetDerivedParameters(double*) const
-{
-}
+void CKvProjection::GetDerivedParameters(double*) const {}
 
 bool CKvProjection::GetAnonymousEllipsoid(CKvEllipsoid&) const
 {

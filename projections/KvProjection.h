@@ -3,6 +3,8 @@
 
 #include "catalogue/KvEllipsoid.h"
 
+class CKvPRJParser;
+
 // The interface of every projection engine. Geographic coordinates cross it in
 // decimal degrees, longitude first; projected coordinates are in the unit of the
 // ellipsoid's semi-major axis (metres). Engines are immutable after
@@ -29,6 +31,8 @@ public:
     virtual bool GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const;
     // A new engine of the same class with every member copied; the caller owns it.
     virtual CKvProjection* Clone() const = 0;
+    // Describes the engine to the WKT record: names, ellipsoid, type, parameters.
+    virtual void TransferParameters(CKvPRJParser& parser) const = 0;
 
     // Releases an engine the way free() does, and does nothing for a null one.
     static void Release(CKvProjection* engine);

@@ -1,6 +1,8 @@
 #ifndef KVCART_PROJECTIONS_KVPROJECTIONENGINE_H
 #define KVCART_PROJECTIONS_KVPROJECTIONENGINE_H
 
+#include "catalogue/KvMapProjData.h"
+#include "coordsys/KvMapProjection.h"
 #include "projections/KvProjection.h"
 
 // What every engine built for a named coordinate system has in common: its name
@@ -15,10 +17,15 @@ public:
     const char* GetName() const override { return m_szName; }
     // Sets the figure when the engine has one (semi-major axis > 0).
     bool GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const override;
+    // The catalogue ellipsoid of the projection that bears this engine's name.
+    bool GetEllipsoid(CKvEllipsoid& ellipsoid) const;
 
 protected:
     // The name is copied with truncation at NameSize - 1 characters.
     CKvProjectionEngine(const char* name, const CKvEllipsoid& ellipsoid);
+    // Name and ellipsoid of a definition. An unknown or empty ellipsoid
+    // identifier leaves every ellipsoid number at 0, without a report.
+    explicit CKvProjectionEngine(const CKvMapProjData& definition);
 
     double _a() const { return m_dA; }
     double _invF() const { return m_dInvF; }
@@ -26,6 +33,9 @@ protected:
     double _e2() const { return m_dE2; }
 
 private:
+    void _setName(const char* name);
+    void _setEllipsoid(const CKvEllipsoid& ellipsoid);
+
     char m_szName[NameSize];
     double m_dA;    // semi-major axis, 0 when the ellipsoid is unknown
     double m_dInvF; // inverse flattening, 0 for a sphere
@@ -33,12 +43,33 @@ private:
     double m_dE2;   // e * e
 };
 
-// The clone operation of the pattern: a member-for-member copy of the engine.
-template <class TEngine>
-class CKvEngine : public CKvProjectionEngine
+// The rest of the pattern, for an engine class and its definition class:
+// cloning, finding the catalogue definition of the engine's name, and describing
+// the engine to the WKT record from that definition.
+template <class TEngine, class TDefinition> class CKvEngine : public CKvProjectionEngine
 {
 public:
     CKvProjection* Clone() const override { return new TEngine(static_cast<const TEngine&>(*this)); }
+
+    // Copies the catalogue definition of the engine's name into definition;
+    // false, leaving it untouched, when there is none of this definition class.
+    bool GetMapProjection(TDefinition& definition) const
+    {
+        const TDefinition* found = dynamic_cast<const TDefinition*>(CKvMapProjection::MapProjection(GetName()));
+        if (found == nullptr)
+            return false;
+        definition.CopyFieldsFrom(*found);
+        return true;
+    }
+
+    void TransferParameters(CKvPRJParser& parser) const override
+    {
+        TDefinition definition;
+        GetMapProjection(definition);
+        CKvEllipsoid ellipsoid;
+        const bool found = GetEllipsoid(ellipsoid);
+        definition.TransferWith(parser, ellipsoid, found, true);
+    }
 
 protected:
     using CKvProjectionEngine::CKvProjectionEngine;

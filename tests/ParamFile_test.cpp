@@ -5,11 +5,11 @@
 #include <cmath>
 #include <csignal>
 #include <cstring>
+#include <dirent.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <dirent.h>
 
 namespace {
 
@@ -48,24 +48,23 @@ bool SameBits(double a, double b)
 
 TEST(ParamFile, ReadsTheDocumentedSyntax)
 {
-    const char* text =
-        "# a comment runs to the end of the line\r\n"
-        "TARGET ELLIPSOID_DEFINITION   # trailing comment\r\n"
-        "\r\n"
-        "  SECTION REF_ELLIPSOID\n"
-        "    Ellipsoid_Name   \"WGS 84 # not a comment\"\n"
-        "    ID_Code          \"WE\"\n"
-        "    Semi_Major_Axis  6378137\n"
-        "    Inverse_Flatness 298.257223563\n"
-        "    Centre_dms       -3 30 0.5\n"
-        "  END_SECTION\n"
-        "  SECTION REF_ELLIPSOID\n"
-        "    ID_Code \"RF\"\n"
-        "  END_SECTION\n"
-        "  SECTION OTHER\n"
-        "    ID_Code \"XX\"\n"
-        "  END_SECTION\n"
-        "END_TARGET";
+    const char* text = "# a comment runs to the end of the line\r\n"
+                       "TARGET ELLIPSOID_DEFINITION   # trailing comment\r\n"
+                       "\r\n"
+                       "  SECTION REF_ELLIPSOID\n"
+                       "    Ellipsoid_Name   \"WGS 84 # not a comment\"\n"
+                       "    ID_Code          \"WE\"\n"
+                       "    Semi_Major_Axis  6378137\n"
+                       "    Inverse_Flatness 298.257223563\n"
+                       "    Centre_dms       -3 30 0.5\n"
+                       "  END_SECTION\n"
+                       "  SECTION REF_ELLIPSOID\n"
+                       "    ID_Code \"RF\"\n"
+                       "  END_SECTION\n"
+                       "  SECTION OTHER\n"
+                       "    ID_Code \"XX\"\n"
+                       "  END_SECTION\n"
+                       "END_TARGET";
     GxrFile* file = gxrLoadText("sample.gxr", text);
     ASSERT_NE(file, nullptr) << gxrGetErrorMessageGlb();
     EXPECT_EQ(gxrPeekErrorGlb(), GXR_OK);
@@ -104,9 +103,9 @@ TEST(ParamFile, ReadsTheDocumentedSyntax)
 
 TEST(ParamFile, LookupsAnswerAbsenceWithoutTouchingOutputs)
 {
-    GxrFile* file = gxrLoadText("t.gxr",
-                                "TARGET T\nSECTION S\nName \"text\"\nValue 2.75\nValue -7.9\nBig 1e300\nNan nan\n"
-                                "END_SECTION\nEND_TARGET\n");
+    GxrFile* file =
+        gxrLoadText("t.gxr", "TARGET T\nSECTION S\nName \"text\"\nValue 2.75\nValue -7.9\nBig 1e300\nNan nan\n"
+                             "END_SECTION\nEND_TARGET\n");
     ASSERT_NE(file, nullptr) << gxrGetErrorMessageGlb();
     GxrSection* s = gxrSectionByNameNum(gxrTargetByNameNum(file, "T", 1), "S", 1);
     double d = 123.0;
@@ -149,11 +148,31 @@ TEST(ParamFile, EveryValueKindRoundTripsExactly)
 {
     kvtest::TempDir dir;
     const std::string path = dir.File("roundtrip.gxr");
-    const double numbers[] = {0.0,  -0.0, 1.0, -1.0, 6378137.0, 298.257223563, 0.1, 1.0 / 3.0,
-                              0.017453292519943295, 1e-300, 4.9406564584124654e-324, 1.7976931348623157e308,
-                              -2.5e-8, 12.0 / 39.37, HUGE_VAL, -HUGE_VAL, std::nan("")};
-    const char* strings[] = {"", "WGS 84", "quote \" inside", "back\\slash \\\" both", "tab\tand\nnewline\r",
-                             "# not a comment", "Zürich – Ørsted", "END_SECTION"};
+    const double numbers[] = {0.0,
+                              -0.0,
+                              1.0,
+                              -1.0,
+                              6378137.0,
+                              298.257223563,
+                              0.1,
+                              1.0 / 3.0,
+                              0.017453292519943295,
+                              1e-300,
+                              4.9406564584124654e-324,
+                              1.7976931348623157e308,
+                              -2.5e-8,
+                              12.0 / 39.37,
+                              HUGE_VAL,
+                              -HUGE_VAL,
+                              std::nan("")};
+    const char* strings[] = {"",
+                             "WGS 84",
+                             "quote \" inside",
+                             "back\\slash \\\" both",
+                             "tab\tand\nnewline\r",
+                             "# not a comment",
+                             "Zürich – Ørsted",
+                             "END_SECTION"};
     {
         GxrFile* file = gxrCreate(path.c_str());
         for (int t = 0; t < 2; ++t) {
@@ -269,6 +288,11 @@ TEST(ParamFile, MalformedFilesAreRejectedWithFileLineAndReason)
 
     EXPECT_EQ(gxrLoadFile(dir.File("missing.gxr").c_str()), nullptr);
     EXPECT_EQ(gxrGetErrorGlb(), GXR_ERR_OPEN);
+    // An overlong message is cut to the error buffer, never overflowing it.
+    const std::string longName = dir.File(std::string(3000, 'n'));
+    EXPECT_EQ(gxrLoadFile(longName.c_str()), nullptr);
+    EXPECT_EQ(std::strlen(gxrGetErrorMessageGlb()), 1023u);
+    EXPECT_EQ(std::string(gxrGetErrorMessageGlb()), longName.substr(0, 1023));
     // A successful load leaves no error pending.
     kvtest::WriteFile(path, "");
     GxrFile* empty = gxrLoadFile(path.c_str());
@@ -343,8 +367,7 @@ TEST(ParamFile, FailedWriteKeepsTheOldFile)
     std::signal(SIGXFSZ, previous);
 
     EXPECT_EQ(status, GXR_ERR_WRITE);
-    EXPECT_NE(std::string(gxrGetErrorMessageGlb()).find("write failed"), std::string::npos)
-        << gxrGetErrorMessageGlb();
+    EXPECT_NE(std::string(gxrGetErrorMessageGlb()).find("write failed"), std::string::npos) << gxrGetErrorMessageGlb();
     EXPECT_EQ(kvtest::ReadFile(path), original);
     EXPECT_EQ(CountFilesIn(dir.Path()), 1) << "the temporary file is removed";
 

@@ -21,6 +21,7 @@ public:
     void Geo2Proj(double, double, double*, double*) const override {}
     void Proj2Geo(double, double, double*, double*) const override {}
     CKvProjection* Clone() const override { return new BareEngine(*this); }
+    void TransferParameters(CKvPRJParser&) const override {}
 };
 
 // The grid engine leaves cloning to whoever uses it.
@@ -29,12 +30,14 @@ class IsoGrid : public CKvIsoMetric
 public:
     using CKvIsoMetric::CKvIsoMetric;
     CKvProjection* Clone() const override { return new IsoGrid(*this); }
+    void TransferParameters(CKvPRJParser&) const override {}
 };
 
 class GnomicProbe : public CKvGnomic
 {
 public:
     CKvProjection* Clone() const override { return nullptr; }
+    void TransferParameters(CKvPRJParser&) const override {}
 };
 
 } // namespace

@@ -70,3 +70,27 @@ private:
 } // namespace kvtest
 
 #endif
+
+#include "catalogue/KvCartSetup.h"
+#include "interface/KvCart.h"
+
+namespace kvtest {
+
+// Loads the shipped catalogue into the process-wide setup once per process, with
+// a private user directory that is removed after the setup has written back.
+inline const std::string& ShippedCatalogue()
+{
+    static const std::string userDirectory = [] {
+        char pattern[] = "/tmp/kvcart-user-XXXXXX";
+        const std::string dir = std::string(mkdtemp(pattern)) + "/";
+        static std::string toRemove;
+        toRemove = dir;
+        // Registered before the setup exists, so it runs after the setup's write-back.
+        std::atexit([] { std::system(("rm -rf '" + toRemove + "'").c_str()); });
+        CARTSETUPLINUX(KVCART_SHIPPED_DATA_DIR, dir.c_str());
+        return dir;
+    }();
+    return userDirectory;
+}
+
+} // namespace kvtest

@@ -90,8 +90,8 @@ TEST(KvVincenty, BoundaryCases)
     EXPECT_EQ(sphere.PolyB(0.0), 0.0);
     const double lat1 = 40.0 * kDeg, az1 = 60.0 * kDeg, d = 5000000.0 / R;
     const double lat2 = std::asin(std::sin(lat1) * std::cos(d) + std::cos(lat1) * std::sin(d) * std::cos(az1));
-    const double dlon = std::atan2(std::sin(az1) * std::sin(d) * std::cos(lat1),
-                                   std::cos(d) - std::sin(lat1) * std::sin(lat2));
+    const double dlon =
+        std::atan2(std::sin(az1) * std::sin(d) * std::cos(lat1), std::cos(d) - std::sin(lat1) * std::sin(lat2));
     sphere.GetPoint(5.0, 40.0, 60.0, 5000000.0, lon, lat, azimuth);
     EXPECT_NEAR(lat, lat2 / kDeg, 1e-11);
     EXPECT_NEAR(lon, 5.0 + dlon / kDeg, 1e-11);

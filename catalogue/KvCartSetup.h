@@ -1,0 +1,43 @@
+#ifndef KVCART_CATALOGUE_KVCARTSETUP_H
+#define KVCART_CATALOGUE_KVCARTSETUP_H
+
+#include "catalogue/KvEllipsoidList.h"
+#include "catalogue/KvMapProjectionList.h"
+
+#include <string>
+
+// The process-wide catalogue: ellipsoids and projection definitions, read once
+// from the system and user directories. At process exit the user's custom
+// catalogues are written back when they were changed.
+class CKvCartSetup
+{
+public:
+    // The one instance, created on first use (thread-safe) and destroyed at exit.
+    static CKvCartSetup* Instance();
+
+    CKvCartSetup(const CKvCartSetup&) = delete;
+    CKvCartSetup& operator=(const CKvCartSetup&) = delete;
+    virtual ~CKvCartSetup();
+
+    // Directories are prefixes and must end with the path separator.
+    void ReadData(const std::string& systemDirectory, const std::string& userDirectory);
+    void SetEllipsoidListModified() { m_bEllipsoidListModified = true; }
+    void SetMapProjectionListModified() { m_bMapProjectionListModified = true; }
+    // Writes the changed custom catalogues now (the destructor does it at exit).
+    void WriteBack();
+
+    CKvEllipsoidList& GetEllipsoidList() { return m_ellipsoids; }
+    CKvMapProjectionList& GetMapProjectionList() { return m_projections; }
+
+private:
+    CKvCartSetup() = default;
+
+    CKvEllipsoidList m_ellipsoids;
+    CKvMapProjectionList m_projections;
+    bool m_bEllipsoidListModified = false;
+    bool m_bMapProjectionListModified = false;
+    std::string m_userDirectory;
+    bool m_bHasUserDirectory = false; // nothing is written back before ReadData named one
+};
+
+#endif

@@ -1,0 +1,51 @@
+#ifndef KVCART_CATALOGUE_KVELLIPSOIDLIST_H
+#define KVCART_CATALOGUE_KVELLIPSOIDLIST_H
+
+#include "catalogue/KvEllipsoid.h"
+
+#include <string>
+#include <vector>
+
+// The ellipsoid catalogue: the system entries and the user's custom entries,
+// each list owning its ellipsoids, and the complete list (system entries, then
+// custom ones) that look-ups search.
+class CKvEllipsoidList
+{
+public:
+    enum EEllipsoidTypes
+    {
+        eComplete = 0,
+        eSystem = 1,
+        eCustom = 2
+    };
+    using Iterator = std::vector<CKvEllipsoid*>::const_iterator;
+
+    CKvEllipsoidList() = default;
+    CKvEllipsoidList(const CKvEllipsoidList&) = delete;
+    CKvEllipsoidList& operator=(const CKvEllipsoidList&) = delete;
+    virtual ~CKvEllipsoidList();
+
+    // Appends every REF_ELLIPSOID section of the file; returns the parameter-file
+    // status (0 when read). A missing or malformed file changes nothing.
+    int ReadEllipsoids(const std::string& fileName, bool custom);
+    int WriteCustomEllipsoids(const std::string& fileName) const;
+    void GenerateCompleteList();
+
+    const CKvEllipsoid* GetEllipsoid(const std::string& id) const;
+    const CKvEllipsoid* GetEllipsoidFromName(const std::string& name) const;
+    void AddEllipsoid(CKvEllipsoid* ellipsoid);
+    void DeleteEllipsoid(CKvEllipsoid* ellipsoid);
+    void EditEllipsoid(CKvEllipsoid* ellipsoid);
+
+    Iterator GetIteratorBegin(EEllipsoidTypes type) const { return _list(type).begin(); }
+    Iterator GetIteratorEnd(EEllipsoidTypes type) const { return _list(type).end(); }
+
+private:
+    const std::vector<CKvEllipsoid*>& _list(EEllipsoidTypes type) const;
+
+    std::vector<CKvEllipsoid*> m_system;   // owned
+    std::vector<CKvEllipsoid*> m_custom;   // owned
+    std::vector<CKvEllipsoid*> m_complete; // refers to the two above
+};
+
+#endif

@@ -1,0 +1,39 @@
+#ifndef KVCART_CATALOGUE_KVHOTINEOBLIQUEMERCATORPROJECTION_H
+#define KVCART_CATALOGUE_KVHOTINEOBLIQUEMERCATORPROJECTION_H
+
+#include "catalogue/KvMapProjData.h"
+
+// Hotine oblique Mercator with its natural origin; the grid is rectified by the azimuth.
+class CKvHotineObliqueMercatorProjection : public CKvMapProjData
+{
+public:
+    static const STypeInfo TypeInfo;
+
+    CKvHotineObliqueMercatorProjection();
+    CKvHotineObliqueMercatorProjection(const std::string& name, const std::string& branch,
+                                       const std::string& ellipsoidID);
+    CKvHotineObliqueMercatorProjection(const std::string& name, const std::string& branch,
+                                       const std::string& ellipsoidID, double scale, double centerLongitude,
+                                       double centerLatitude, double azimuth, double falseEasting,
+                                       double falseNorthing);
+    // parameters: 6 values in stored order, or null for zeros
+    CKvHotineObliqueMercatorProjection(const std::string& name, const std::string& branch,
+                                       const std::string& ellipsoidID, const double* parameters);
+
+    CKvProjection* CreateProjection() const override;
+
+    double GetScale() const { return _param(0); }
+    void SetScale(double value) { _setParam(0, value); }
+    double GetCenterLongitude() const { return _param(1); }
+    void SetCenterLongitude(double value) { _setParam(1, value); }
+    double GetCenterLatitude() const { return _param(2); }
+    void SetCenterLatitude(double value) { _setParam(2, value); }
+    double GetAzimuth() const { return _param(3); }
+    void SetAzimuth(double value) { _setParam(3, value); }
+    double GetFalseEasting() const { return _param(4); }
+    void SetFalseEasting(double value) { _setParam(4, value); }
+    double GetFalseNorthing() const { return _param(5); }
+    void SetFalseNorthing(double value) { _setParam(5, value); }
+};
+
+#endif

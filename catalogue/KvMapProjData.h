@@ -1,0 +1,153 @@
+#ifndef KVCART_CATALOGUE_KVMAPPROJDATA_H
+#define KVCART_CATALOGUE_KVMAPPROJDATA_H
+
+#include "catalogue/KvEllipsoid.h"
+
+#include <string>
+
+class CKvPRJParser;
+class CKvProjection;
+struct GxrSection;
+
+// A projection definition: name, branch (the group a catalogue lists it under,
+// also written as the datum name), ellipsoid identification code and the
+// parameters of its projection type. One subclass per type holds the type's
+// descriptor (section ID, keywords, labels, WKT names) and typed accessors; the
+// reading, writing, display and transfer of parameters live here, once.
+class CKvMapProjData
+{
+public:
+    enum EProjectionType
+    {
+        eTransverseMercator = 1,
+        eLambert2SP = 2,
+        eLambert1SP = 3,
+        eStereographic = 4,
+        eNewZealandMapGrid = 5,
+        eHotineObliqueMercator = 6,
+        eObliqueMercator = 7,
+        eRectifiedSkewOrthomorphic = 8,
+        eRotatedLongitudeLatitude = 9,
+        eMercator2SP = 10,
+        eMercator1SP = 11,
+        eStereographicNorthPole = 12,
+        eStereographicSouthPole = 13,
+        eGeographical = 14,
+        eKrovak = 15,
+        eAlbersEqualArea = 16,
+        eLambertAzimuthalEqualArea = 17,
+        eCassiniSoldner = 18,
+        eEquidistantConic = 19,
+        ePolarStereographic = 20,
+        eNonProjected = 21, // a system that is not projected ("Non_Projected" in WKT)
+        eNoProjection = 22  // nothing parsed, or a failed parse
+    };
+
+    enum EParamType
+    {
+        eDimensionless = 0, // scale factors
+        eLength = 1,        // metres
+        eAngle = 2          // decimal degrees
+    };
+
+    static constexpr int MaxParameters = 10;
+
+    // One parameter of a type: its keyword in parameter files, its display label
+    // and kind, and the WKT record field it is handed to.
+    struct SParameter
+    {
+        const char* keyword;
+        const char* label;
+        EParamType kind;
+        void (CKvPRJParser::*wktSetter)(double);
+    };
+
+    struct STypeInfo
+    {
+        EProjectionType type;
+        const char* sectionID;
+        const char* sectionAlias; // also accepted when reading, or null
+        const char* title;
+        const char* wktName;
+        int noOfParameters;
+        SParameter parameters[MaxParameters];
+        // What CreateDefaultParameterProjection makes of the type.
+        const char* defaultName;
+        const char* defaultEllipsoidID;
+        double defaults[MaxParameters];
+    };
+
+    virtual ~CKvMapProjData();
+
+    virtual std::string GetName() const { return m_name; }
+    virtual void SetName(const std::string& name) { m_name = name; }
+    virtual std::string GetBranchName() const { return m_branchName; }
+    virtual void SetBranchName(const std::string& name) { m_branchName = name; }
+    virtual std::string GetEllipsoidID() const { return m_ellipsoidID; }
+    virtual void SetEllipsoidID(const std::string& id) { m_ellipsoidID = id; }
+    // handle: the GxrSection of this type. Returns false for a null handle.
+    virtual bool ReadFromHandle(void* handle, bool custom);
+    // handle: the GxrTarget to which the section is added.
+    virtual bool WriteToHandle(void* handle) const;
+    virtual bool IsSectionID(const std::string& id) const;
+    virtual bool CanDelete() const { return m_bCanDelete; }
+    virtual bool CanEdit() const { return m_bCanEdit; }
+    // A new engine for this definition, owned by the caller; null when the
+    // library has no engine for the method.
+    virtual CKvProjection* CreateProjection() const = 0;
+    virtual void TransferParameters(CKvPRJParser& parser) const;
+    virtual std::string GetProjectionTypeTitle() const { return m_pInfo->title; }
+    virtual EProjectionType GetProjectionType() const { return m_pInfo->type; }
+    virtual int GetNoOfParameters() const { return m_pInfo->noOfParameters; }
+    virtual bool GetParameter(int index, std::string& label, double& value, EParamType& kind) const;
+    virtual void SetParameters(const double* values);
+
+    // Only the name, branch, ellipsoid and parameters; the flags stay as they are.
+    void CopyFieldsFrom(const CKvMapProjData& other);
+    void SetPermissions(bool canDelete, bool canEdit);
+    const STypeInfo& GetTypeInfo() const { return *m_pInfo; }
+
+    // Hands the WKT record the names, the ellipsoid, the type and the parameters.
+    // found: whether the ellipsoid is known; without it the system is written as
+    // not projected. writeUnknownEllipsoid: write the ellipsoid even when unknown.
+    void TransferWith(CKvPRJParser& parser, const CKvEllipsoid& ellipsoid, bool found,
+                      bool writeUnknownEllipsoid) const;
+
+    static int GetNoOfProjections() { return 20; }
+    static EProjectionType Enum2ProjectionType(int index) { return static_cast<EProjectionType>(index + 1); }
+    static int ProjectionType2Enum(EProjectionType type) { return static_cast<int>(type) - 1; }
+    // Bit 1 (value 2) selects the geographic-like types 9 and 14, bit 0 (value 1)
+    // every other projected type; 21 and 22 never match.
+    static bool IsEquivalent(int flags, EProjectionType type);
+    // Degrees, minutes, seconds from a keyword of up to three numbers.
+    static bool gxrGetParamDMS(GxrSection* handle, const char* keyword, int* degrees, int* minutes, double* seconds);
+    // A new definition of the type with these strings and parameters (in stored
+    // order); null for types outside 1..20.
+    static CKvMapProjData* CreateProjection(EProjectionType type, const std::string& name, const std::string& branch,
+                                            const std::string& ellipsoidID, const double* parameters);
+    static CKvMapProjData* CreateDefaultParameterProjection(EProjectionType type);
+    // Coefficients of the auxiliary-latitude series of the engines.
+    static void ComputeFourierCoefficients(EProjectionType type, bool forward, double x, double* c);
+
+protected:
+    CKvMapProjData(const STypeInfo& info, const std::string& name, const std::string& branch,
+                   const std::string& ellipsoidID, const double* parameters);
+    CKvMapProjData(const CKvMapProjData& other) = default;
+    CKvMapProjData& operator=(const CKvMapProjData& other) = default;
+
+    double _param(int index) const { return m_adParams[index]; }
+    void _setParam(int index, double value) { m_adParams[index] = value; }
+
+private:
+    double _readParameter(GxrSection* section, const char* keyword) const;
+
+    const STypeInfo* m_pInfo;
+    std::string m_name;
+    std::string m_branchName;
+    std::string m_ellipsoidID;
+    bool m_bCanDelete;
+    bool m_bCanEdit;
+    double m_adParams[MaxParameters];
+};
+
+#endif

@@ -1,0 +1,144 @@
+#ifndef KVCART_WKT_KVPRJPARSER_H
+#define KVCART_WKT_KVPRJPARSER_H
+
+#include "catalogue/KvMapProjData.h"
+#include "geodesy/KvDatumShift.h"
+#include "paramfile/String.h"
+
+#include <map>
+
+class CKvProjection;
+
+// One coordinate system in the shape of a WKT description: names, ellipsoid,
+// datum shift, prime meridian, units, two axes, the projection type and its
+// parameters. Numeric fields that were never given hold the undefined marker
+// Undefined (-1e-35), compared exactly. Angles are kept in the WKT's own units.
+class CKvPRJParser
+{
+public:
+    static constexpr double Undefined = -1.0e-35;
+
+    enum EAxisType
+    {
+        eFirstAxis = 1, // easting or longitude
+        eSecondAxis = 2 // northing or latitude
+    };
+
+    explicit CKvPRJParser(const CString& text);
+    explicit CKvPRJParser(const char* text);
+    // Filled by the engine's or the definition's TransferParameters.
+    explicit CKvPRJParser(const CKvProjection* engine);
+    explicit CKvPRJParser(const CKvMapProjData* definition);
+    virtual ~CKvPRJParser() = default;
+
+    // The quoted name that follows the first occurrence of keyword, e.g.
+    // GetName("PROJCS[\"RD New\",...", "PROJCS") is "RD New"; "" when absent.
+    static CString GetName(const CString& text, const char* keyword);
+    // The name a coordinate-system string goes by: the COMPD_CS, PROJCS or GEOGCS
+    // name, "Local Coordinates" for the local system, else the text itself.
+    static CString ShortName(const CString& text);
+
+    CKvMapProjData::EProjectionType LookUpProjectionName(const CString& wktName) const;
+
+    CString GetProjCSname() const { return m_projCSName; }
+    void SetProjCSname(const CString& name) { m_projCSName = name; }
+    CString GetGeoCSname() const { return m_geoCSName; }
+    void SetGeoCSname(const CString& name) { m_geoCSName = name; }
+    CString GetDatum() const { return m_datum; }
+    void SetDatum(const CString& name) { m_datum = name; }
+    void GetPrimeMeridian(CString& name, double& longitude) const;
+    void SetPrimeMeridian(const CString& name, double longitude);
+    void GetAngularUnit(CString& name, double& factor) const;
+    void SetAngularUnit(const CString& name, double factor);
+    void GetEllipsoid(CString& name, double& semiMajorAxis, double& inverseFlattening) const;
+    void SetEllipsoid(const CString& name, double semiMajorAxis, double inverseFlattening);
+    void GetDatumShift(CKvDatumShift& shift) const { shift = m_datumShift; }
+    void SetDatumShift(const CKvDatumShift& shift) { m_datumShift = shift; }
+    CKvMapProjData::EProjectionType GetProjectionType() const { return m_type; }
+    void SetProjectionType(CKvMapProjData::EProjectionType type) { m_type = type; }
+    CString GetProjectionTypeName() const { return m_typeName; }
+    void SetProjectionTypeName(const CString& name) { m_typeName = name; }
+
+    double GetFalseEasting() const { return m_falseEasting; }
+    void SetFalseEasting(double v) { m_falseEasting = v; }
+    double GetFalseNorthing() const { return m_falseNorthing; }
+    void SetFalseNorthing(double v) { m_falseNorthing = v; }
+    double GetCentralMeridian() const { return m_centralMeridian; }
+    void SetCentralMeridian(double v) { m_centralMeridian = v; }
+    double GetStandardParallel1() const { return m_standardParallel1; }
+    void SetStandardParallel1(double v) { m_standardParallel1 = v; }
+    double GetStandardParallel2() const { return m_standardParallel2; }
+    void SetStandardParallel2(double v) { m_standardParallel2 = v; }
+    double GetLatitudeOfOrigin() const { return m_latitudeOfOrigin; }
+    void SetLatitudeOfOrigin(double v) { m_latitudeOfOrigin = v; }
+    double GetLongitudeOfCenter() const { return m_longitudeOfCenter; }
+    void SetLongitudeOfCenter(double v) { m_longitudeOfCenter = v; }
+    double GetLatitudeOfCenter() const { return m_latitudeOfCenter; }
+    void SetLatitudeOfCenter(double v) { m_latitudeOfCenter = v; }
+    double GetAzimuth() const { return m_azimuth; }
+    void SetAzimuth(double v) { m_azimuth = v; }
+    double GetXYPlaneRotation() const { return m_xyPlaneRotation; }
+    void SetXYPlaneRotation(double v) { m_xyPlaneRotation = v; }
+    double GetScaleFactor() const { return m_scaleFactor; }
+    void SetScaleFactor(double v) { m_scaleFactor = v; }
+    double GetLongitudeOfSouthPole() const { return m_longitudeOfSouthPole; }
+    void SetLongitudeOfSouthPole(double v) { m_longitudeOfSouthPole = v; }
+    double GetLatitudeOfSouthPole() const { return m_latitudeOfSouthPole; }
+    void SetLatitudeOfSouthPole(double v) { m_latitudeOfSouthPole = v; }
+    double GetAngleOfRotation() const { return m_angleOfRotation; }
+    void SetAngleOfRotation(double v) { m_angleOfRotation = v; }
+    double GetPseudoParallel() const { return m_pseudoParallel; }
+    void SetPseudoParallel(double v) { m_pseudoParallel = v; }
+    double GetXScale() const { return m_xScale; }
+    void SetXScale(double v) { m_xScale = v; }
+    double GetYScale() const { return m_yScale; }
+    void SetYScale(double v) { m_yScale = v; }
+
+    void GetProjUnit(CString& name, double& factor) const;
+    void SetProjUnit(const CString& name, double factor);
+    void GetAxisInfo(EAxisType axis, CString& name, CString& direction) const;
+    void SetAxisInfo(EAxisType axis, const CString& name, const CString& direction);
+
+protected:
+    void _initialize();
+
+private:
+    std::map<CString, CKvMapProjData::EProjectionType> m_projectionNames; // lower-cased WKT names
+    CString m_text;
+    CString m_projCSName;
+    CString m_geoCSName;
+    CString m_datum;
+    CString m_primeMeridianName;
+    double m_primeMeridian;
+    CString m_angularUnitName;
+    double m_angularUnit;
+    CString m_ellipsoidName;
+    double m_semiMajorAxis;
+    double m_inverseFlattening;
+    CKvDatumShift m_datumShift;
+    CKvMapProjData::EProjectionType m_type;
+    CString m_typeName;
+    double m_falseEasting;
+    double m_falseNorthing;
+    double m_centralMeridian;
+    double m_standardParallel1;
+    double m_standardParallel2;
+    double m_latitudeOfOrigin;
+    double m_longitudeOfCenter;
+    double m_latitudeOfCenter;
+    double m_azimuth;
+    double m_xyPlaneRotation;
+    double m_scaleFactor;
+    double m_longitudeOfSouthPole;
+    double m_latitudeOfSouthPole;
+    double m_angleOfRotation;
+    double m_pseudoParallel;
+    double m_xScale;
+    double m_yScale;
+    CString m_projUnitName;
+    double m_projUnit;
+    CString m_axisName[2];
+    CString m_axisDirection[2];
+};
+
+#endif
