@@ -388,3 +388,46 @@ TEST(KvCartSetup, CrashDuringWriteBackKeepsThePreviousCatalogue)
     EXPECT_EQ(kvtest::ReadFile(user.File("custom_projection.gxr")), before);
     EXPECT_EQ(RunSession(system, user.Path(), "list"), "projection Kept Grid\n");
 }
+
+TEST(KvMapProjectionList, ReadsTheAlternativeKeywordsFromAUserFile)
+{
+    kvtest::TempDir dir;
+    kvtest::WriteFile(dir.File("custom_projection.gxr"),
+                      "TARGET MAP_PROJECTION_DEFINITION\n"
+                      "  SECTION MERCATOR_PROJECTION\n"
+                      "    Projection_Name \"Old Mercator\"\n    Ellipsoid \"WE\"\n"
+                      "    Parallel_1_dms 0 -30 0\n    Centre_dms -3 30 0\n"
+                      "    Feast_ft_us 1000\n    Feast 1\n    Fnorth 2\n"
+                      "  END_SECTION\n"
+                      "  SECTION UNKNOWN_PROJECTION\n    Projection_Name \"Skipped\"\n  END_SECTION\n"
+                      "  SECTION UTM_PROJECTION\n"
+                      "    Projection_Name \"Reduced\"\n    Scale_Reduction 2500\n    Scale 1\n"
+                      "  END_SECTION\n"
+                      "END_TARGET\n");
+    CKvMapProjectionList list;
+    list.InitMapProjections(dir.Path() + "no-system/", dir.Path());
+    ASSERT_EQ(list.GetCount(), 64u);
+    EXPECT_EQ(list.GetMapProjection("Skipped"), nullptr);
+
+    CKvMapProjData* mercator = list.GetMapProjection("Old Mercator");
+    ASSERT_NE(mercator, nullptr);
+    EXPECT_EQ(mercator->GetProjectionType(), CKvMapProjData::eMercator2SP);
+    EXPECT_TRUE(mercator->CanDelete());
+    EXPECT_TRUE(mercator->CanEdit());
+    EXPECT_EQ(Parameters(*mercator), (std::vector<double>{-0.5, -3.5, 1000 * kFoot, 2.0}));
+    CKvMapProjData* reduced = list.GetMapProjection("Reduced");
+    ASSERT_NE(reduced, nullptr);
+    EXPECT_DOUBLE_EQ(Parameters(*reduced)[0], 0.9996);
+
+    // Written back under the current section name and plain keywords, custom entries only.
+    ASSERT_EQ(list.WriteCustomMapProjections(dir.File("out.gxr"), true), GXR_OK);
+    const std::string text = kvtest::ReadFile(dir.File("out.gxr"));
+    EXPECT_NE(text.find("SECTION MERCATOR_2SP_PROJECTION"), std::string::npos);
+    EXPECT_EQ(text.find("_dms"), std::string::npos);
+    EXPECT_EQ(text.find("_ft_us"), std::string::npos);
+    EXPECT_EQ(text.find("UTM-1\""), std::string::npos);
+    CKvMapProjectionList reread;
+    reread.ReadMapProjections(dir.File("out.gxr"), true);
+    ASSERT_EQ(reread.GetCount(), 2u);
+    EXPECT_EQ(Parameters(**reread.GetIteratorBegin()), Parameters(*mercator));
+}
