@@ -1,5 +1,6 @@
 #include "catalogue/KvAlbersEqualAreaProjection.h"
 
+#include "projections/KvAlbersEqualArea.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvAlbersEqualAreaProjection::TypeInfo = {
@@ -52,6 +53,5 @@ CKvAlbersEqualAreaProjection::CKvAlbersEqualAreaProjection(const std::string& na
 
 CKvProjection* CKvAlbersEqualAreaProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvAlbersEqualArea(this);
 }

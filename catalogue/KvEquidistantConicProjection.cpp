@@ -1,5 +1,6 @@
 #include "catalogue/KvEquidistantConicProjection.h"
 
+#include "projections/KvEquidistantConic.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvEquidistantConicProjection::TypeInfo = {
@@ -52,6 +53,5 @@ CKvEquidistantConicProjection::CKvEquidistantConicProjection(const std::string& 
 
 CKvProjection* CKvEquidistantConicProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvEquidistantConic(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvLambert1SPProjection.h"
 
+#include "projections/KvLambert1SP.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvLambert1SPProjection::TypeInfo = {
@@ -49,6 +50,5 @@ CKvLambert1SPProjection::CKvLambert1SPProjection(const std::string& name, const 
 
 CKvProjection* CKvLambert1SPProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvLambert1SP(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvLambert2SPProjection.h"
 
+#include "projections/KvLambert2SP.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvLambert2SPProjection::TypeInfo = {
@@ -51,6 +52,5 @@ CKvLambert2SPProjection::CKvLambert2SPProjection(const std::string& name, const 
 
 CKvProjection* CKvLambert2SPProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvLambert2SP(this);
 }

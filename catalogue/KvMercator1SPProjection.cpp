@@ -1,5 +1,6 @@
 #include "catalogue/KvMercator1SPProjection.h"
 
+#include "projections/KvMercator1SP.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvMercator1SPProjection::TypeInfo = {
@@ -48,6 +49,5 @@ CKvMercator1SPProjection::CKvMercator1SPProjection(const std::string& name, cons
 
 CKvProjection* CKvMercator1SPProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvMercator1SP(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvMercator2SPProjection.h"
 
+#include "projections/KvMercator2SP.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvMercator2SPProjection::TypeInfo = {
@@ -48,6 +49,5 @@ CKvMercator2SPProjection::CKvMercator2SPProjection(const std::string& name, cons
 
 CKvProjection* CKvMercator2SPProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvMercator2SP(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvRotatedLongitudeLatitudeProjection.h"
 
+#include "projections/KvRotatedLongitudeLatitude.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvRotatedLongitudeLatitudeProjection::TypeInfo = {
@@ -50,6 +51,5 @@ CKvRotatedLongitudeLatitudeProjection::CKvRotatedLongitudeLatitudeProjection(con
 
 CKvProjection* CKvRotatedLongitudeLatitudeProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvRotatedLongitudeLatitude(this);
 }

@@ -27,6 +27,10 @@ public:
     void SetLatitudeOfSouthPole(double value) { _setParam(1, value); }
     double GetAngleOfRotation() const { return _param(2); }
     void SetAngleOfRotation(double value) { _setParam(2, value); }
+    // The same three under the names the engine reads them by.
+    double GetSouthPoleLongitude() const { return _param(0); }
+    double GetSouthPoleLatitude() const { return _param(1); }
+    double GetRotationAngle() const { return _param(2); }
 };
 
 #endif

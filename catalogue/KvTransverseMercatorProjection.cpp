@@ -1,5 +1,6 @@
 #include "catalogue/KvTransverseMercatorProjection.h"
 
+#include "projections/KvTransverseMercatorJHS.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvTransverseMercatorProjection::TypeInfo = {
@@ -51,6 +52,6 @@ CKvTransverseMercatorProjection::CKvTransverseMercatorProjection(const std::stri
 
 CKvProjection* CKvTransverseMercatorProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    // Deliberately the JHS engine, not the complex-series one.
+    return new CKvTransverseMercatorJHS(this);
 }

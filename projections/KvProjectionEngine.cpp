@@ -2,6 +2,8 @@
 
 #include "catalogue/KvCartSetup.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 
 CKvProjectionEngine::CKvProjectionEngine(const char* name, const CKvEllipsoid& ellipsoid)
@@ -53,4 +55,21 @@ bool CKvProjectionEngine::GetEllipsoid(CKvEllipsoid& ellipsoid) const
         return false;
     ellipsoid = *found;
     return true;
+}
+
+double CKvProjectionEngine::_numericConvergence(double lon, double lat) const
+{
+    double x1, y1, x2, y2;
+    Geo2Proj(lon, lat, &x1, &y1);
+    Geo2Proj(lon, lat + 1.0 / 60.0, &x2, &y2);
+    return std::atan2(x1 - x2, y2 - y1) * 180.0 / 3.141592653589793;
+}
+
+void CKvProjectionEngine::_boxAround(double lon, double lat, bool clampLongitude, double* x1, double* y1, double* x2,
+                                     double* y2) const
+{
+    const double west = clampLongitude ? std::max(lon - 3.0, -180.0) : lon - 3.0;
+    const double east = clampLongitude ? std::min(lon + 3.0, 180.0) : lon + 3.0;
+    Geo2Proj(west, std::max(lat - 3.0, -90.0), x1, y1);
+    Geo2Proj(east, std::min(lat + 3.0, 90.0), x2, y2);
 }

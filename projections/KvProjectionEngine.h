@@ -31,9 +31,18 @@ protected:
     double _invF() const { return m_dInvF; }
     double _e() const { return m_dE; }
     double _e2() const { return m_dE2; }
+    double _f() const { return m_dInvF > 0.0 ? 1.0 / m_dInvF : 0.0; }
+    double _b() const { return m_dInvF > 0.0 ? m_dA * (m_dInvF - 1.0) / m_dInvF : m_dA; }
+    void _setName(const char* name);
+
+    // Grid convergence measured on the map: the direction of a step of one minute
+    // of latitude northwards from the point, in degrees from grid north.
+    double _numericConvergence(double lon, double lat) const;
+    // The projected box of 3 degrees on each side of (lon, lat), latitudes clamped
+    // at the poles and, when clampLongitude, longitudes at +-180.
+    void _boxAround(double lon, double lat, bool clampLongitude, double* x1, double* y1, double* x2, double* y2) const;
 
 private:
-    void _setName(const char* name);
     void _setEllipsoid(const CKvEllipsoid& ellipsoid);
 
     char m_szName[NameSize];

@@ -1,0 +1,28 @@
+#ifndef KVCART_PROJECTIONS_KVALBERSEQUALAREAELLIPSOID_H
+#define KVCART_PROJECTIONS_KVALBERSEQUALAREAELLIPSOID_H
+
+#include "projections/KvConicVariant.h"
+
+// Albers conic equal-area on the ellipsoid (IOGP Guidance Note 7-2, method 9822;
+// Snyder, eqs. 14-9 to 14-21). The inverse goes through the authalic latitude and
+// its series to geodetic latitude.
+class CKvAlbersEqualAreaEllipsoid : public CKvConicVariant
+{
+public:
+    CKvAlbersEqualAreaEllipsoid(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
+                                double falseNorthing, const CKvEllipsoid& ellipsoid);
+    CKvConicVariant* Clone() const override { return new CKvAlbersEqualAreaEllipsoid(*this); }
+
+private:
+    double _rho(double phi) const override;
+    double _latitude(double rho) const override;
+    bool _signedRho() const override { return false; }
+    double _q(double phi) const;
+
+    double m_e, m_e2;
+    double m_c[4]; // authalic to geodetic latitude, three terms used
+    double m_C;
+    double m_qPole; // q at the pole, which scales the authalic latitude
+};
+
+#endif

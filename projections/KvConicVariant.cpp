@@ -1,0 +1,58 @@
+#include "projections/KvConicVariant.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+constexpr double kPi = 3.141592653589793;
+constexpr double kDeg = kPi / 180.0;
+} // namespace
+
+CKvConicVariant::CKvConicVariant(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
+                                 double falseNorthing, const CKvEllipsoid& ellipsoid)
+    : m_a(ellipsoid.GetMajor()), m_invF(ellipsoid.GetInvFlatness()), m_phi1(phi1 * kDeg), m_phi2(phi2 * kDeg),
+      m_lambda0(lambda0 * kDeg), m_phi0(phi0 * kDeg), m_FE(falseEasting), m_FN(falseNorthing)
+{
+}
+
+void CKvConicVariant::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    const double rho = _rho(lat * kDeg);
+    const double theta = m_n * (lon * kDeg - m_lambda0);
+    *x = m_FE + rho * std::sin(theta);
+    *y = m_FN + m_rho0 - rho * std::cos(theta);
+}
+
+void CKvConicVariant::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    // On a cone opening southwards (n < 0) the polar coordinates turn round.
+    const double X = m_n >= 0.0 ? x - m_FE : m_FE - x;
+    const double Y = m_n >= 0.0 ? m_rho0 - (y - m_FN) : (y - m_FN) - m_rho0;
+    const double theta = std::atan2(X, Y);
+    double rho = std::sqrt(X * X + Y * Y);
+    if (m_n < 0.0 && _signedRho())
+        rho = -rho;
+    *lon = (m_lambda0 + theta / m_n) / kDeg;
+    *lat = _latitude(rho) / kDeg;
+}
+
+void CKvConicVariant::GetOrigin(double* x, double* y) const
+{
+    *x = m_lambda0 / kDeg;
+    *y = m_phi0 / kDeg;
+}
+
+void CKvConicVariant::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
+{
+    const double lon = m_lambda0 / kDeg, lat = m_phi0 / kDeg;
+    Geo2Proj(lon - 3.0, std::max(lat - 3.0, -90.0), x1, y1);
+    Geo2Proj(lon + 3.0, std::min(lat + 3.0, 90.0), x2, y2);
+}
+
+bool CKvConicVariant::GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const
+{
+    if (!(m_a > 0.0))
+        return false;
+    ellipsoid.SetParams(m_a, m_invF);
+    return true;
+}

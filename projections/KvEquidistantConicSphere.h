@@ -1,0 +1,22 @@
+#ifndef KVCART_PROJECTIONS_KVEQUIDISTANTCONICSPHERE_H
+#define KVCART_PROJECTIONS_KVEQUIDISTANTCONICSPHERE_H
+
+#include "projections/KvConicVariant.h"
+
+// Equidistant conic on the sphere (Snyder, eqs. 16-1 to 16-4).
+class CKvEquidistantConicSphere : public CKvConicVariant
+{
+public:
+    CKvEquidistantConicSphere(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
+                              double falseNorthing, const CKvEllipsoid& ellipsoid);
+    CKvConicVariant* Clone() const override { return new CKvEquidistantConicSphere(*this); }
+
+private:
+    double _rho(double phi) const override { return m_a * (m_G - phi); }
+    double _latitude(double rho) const override { return m_G - rho / m_a; }
+    bool _signedRho() const override { return true; }
+
+    double m_G;
+};
+
+#endif

@@ -1,0 +1,76 @@
+#include "projections/KvLambert1SP.h"
+
+#include "projections/KvLambertConic.h"
+
+#include <cmath>
+
+namespace {
+constexpr double kPi = 3.141592653589793;
+constexpr double kDeg = kPi / 180.0;
+} // namespace
+
+CKvLambert1SP::CKvLambert1SP(const CKvLambert1SPProjection* definition) : CKvEngine(*definition)
+{
+    _init(definition->GetScale(), definition->GetOriginLongitude(), definition->GetOriginLatitude(),
+          definition->GetFalseEasting(), definition->GetFalseNorthing());
+}
+
+CKvLambert1SP::CKvLambert1SP(const std::string& name, double k0, double lambda0, double phi0, double falseEasting,
+                             double falseNorthing, const CKvEllipsoid& ellipsoid)
+    : CKvEngine(name.c_str(), ellipsoid)
+{
+    _init(k0, lambda0, phi0, falseEasting, falseNorthing);
+}
+
+void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing)
+{
+    m_lambda0 = lambda0 * kDeg;
+    m_phi0 = phi0 * kDeg;
+    m_FE = falseEasting;
+    m_FN = falseNorthing;
+    m_k0 = k0;
+    const double s = std::sin(m_phi0);
+    m_nu0 = _a() / std::sqrt(1.0 - _e2() * s * s);
+    m_n = s;
+    m_cotPhi0 = 1.0 / std::tan(m_phi0);
+    // The guidance note's F t0^n folded into the radius of the origin parallel.
+    m_r0 = m_k0 * m_nu0 * m_cotPhi0;
+    m_C0 = CKvLambertConic::C(_e(), m_phi0);
+    m_T0 = CKvLambertConic::T(m_phi0) * m_C0;
+}
+
+void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    const double phi = lat * kDeg;
+    const double t = CKvLambertConic::T(phi) * CKvLambertConic::C(_e(), phi);
+    const double rho = m_r0 * std::pow(t / m_T0, m_n);
+    const double theta = m_n * (lon * kDeg - m_lambda0);
+    *x = m_FE + rho * std::sin(theta);
+    *y = m_FN + m_r0 - rho * std::cos(theta);
+}
+
+void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    const double dx = x - m_FE;
+    const double dy = m_r0 - (y - m_FN);
+    const double theta = std::atan(dx / dy);
+    // The sine form only from 0.1 rad upwards, the cosine form below, negative
+    // angles included: kept as the catalogue's engines have always done.
+    const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);
+    const double Q = std::pow(rho / m_r0, 1.0 / m_n);
+    *lat = CKvLambertConic::InverseLatitude(_e(), m_T0 * Q) / kDeg;
+    *lon = (theta / m_n + m_lambda0) / kDeg;
+}
+
+void CKvLambert1SP::GetOrigin(double* x, double* y) const
+{
+    *x = m_lambda0 / kDeg;
+    *y = m_phi0 / kDeg;
+}
+
+void CKvLambert1SP::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
+{
+    double lon, lat;
+    GetOrigin(&lon, &lat);
+    _boxAround(lon, lat, false, x1, y1, x2, y2);
+}

@@ -1,0 +1,33 @@
+#ifndef KVCART_PROJECTIONS_KVLAMBERT1SP_H
+#define KVCART_PROJECTIONS_KVLAMBERT1SP_H
+
+#include "catalogue/KvLambert1SPProjection.h"
+#include "projections/KvProjectionEngine.h"
+
+#include <string>
+
+// Lambert conformal conic with one standard parallel, the latitude of the natural
+// origin, and a scale factor there (EPSG method 9801).
+class CKvLambert1SP : public CKvEngine<CKvLambert1SP, CKvLambert1SPProjection>
+{
+public:
+    explicit CKvLambert1SP(const CKvLambert1SPProjection* definition);
+    // k0, then the natural origin's longitude and latitude in degrees, FE, FN.
+    CKvLambert1SP(const std::string& name, double k0, double lambda0, double phi0, double falseEasting,
+                  double falseNorthing, const CKvEllipsoid& ellipsoid);
+
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    void GetOrigin(double* x, double* y) const override;
+    double GetConvergence(double lon, double lat) const override { return _numericConvergence(lon, lat); }
+    void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
+
+private:
+    void _init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing);
+
+    double m_lambda0, m_phi0, m_FE, m_FN;
+    double m_nu0, m_n, m_cotPhi0, m_r0, m_k0, m_C0;
+    double m_T0; // t(phi0) * C0, the isometric term at the origin
+};
+
+#endif

@@ -1,0 +1,89 @@
+#include "projections/KvLambert2SP.h"
+
+#include "catalogue/KvFloatCompareRel.h"
+#include "projections/KvLambertConic.h"
+
+#include <cmath>
+
+namespace {
+constexpr double kPi = 3.141592653589793;
+constexpr double kDeg = kPi / 180.0;
+} // namespace
+
+CKvLambert2SP::CKvLambert2SP(const CKvLambert2SPProjection* definition) : CKvEngine(*definition)
+{
+    _init(definition->GetParallel1(), definition->GetParallel2(), definition->GetOriginLongitude(),
+          definition->GetOriginLatitude(), definition->GetFalseEasting(), definition->GetFalseNorthing());
+}
+
+CKvLambert2SP::CKvLambert2SP(const std::string& name, double phi1, double phi2, double lambdaF, double phiF,
+                             double falseEasting, double falseNorthing, const CKvEllipsoid& ellipsoid)
+    : CKvEngine(name.c_str(), ellipsoid)
+{
+    _init(phi1, phi2, lambdaF, phiF, falseEasting, falseNorthing);
+}
+
+void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting,
+                          double falseNorthing)
+{
+    m_phi1 = phi1 * kDeg;
+    m_phi2 = phi2 * kDeg;
+    m_lambdaF = lambdaF * kDeg;
+    m_phiF = phiF * kDeg;
+    m_FE = falseEasting;
+    m_FN = falseNorthing;
+    const double e = _e(), e2 = _e2(), a = _a();
+    const double s1 = std::sin(m_phi1), s2 = std::sin(m_phi2);
+    m_nu1 = a / std::sqrt(1.0 - e2 * s1 * s1);
+    m_nu2 = a / std::sqrt(1.0 - e2 * s2 * s2);
+    m_C1 = CKvLambertConic::C(e, m_phi1);
+    m_C2 = CKvLambertConic::C(e, m_phi2);
+    m_CF = CKvLambertConic::C(e, m_phiF);
+    const double m1 = m_nu1 * std::cos(m_phi1) / a, m2 = m_nu2 * std::cos(m_phi2) / a;
+    m_T1 = m_C1 * CKvLambertConic::T(m_phi1);
+    const double T2 = m_C2 * CKvLambertConic::T(m_phi2);
+    // Equal parallels make the tangent cone.
+    m_n = m_phi1 == m_phi2 ? s1 : (std::log(m1) - std::log(m2)) / (std::log(m_T1) - std::log(T2));
+    m_K = m_nu1 * std::cos(m_phi1) / m_n;
+    const double TF = m_CF * CKvLambertConic::T(m_phiF);
+    m_rF = m_K * std::pow(TF / m_T1, m_n);
+}
+
+void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    const double phi = lat * kDeg;
+    const double t = CKvLambertConic::T(phi) * CKvLambertConic::C(_e(), phi);
+    const double rho = m_K * std::pow(t / m_T1, m_n);
+    const double theta = m_n * (lon * kDeg - m_lambdaF);
+    *x = m_FE + rho * std::sin(theta);
+    *y = m_FN + m_rF - rho * std::cos(theta);
+}
+
+void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    const double dx = x - m_FE;
+    const double dy = m_rF - (y - m_FN);
+    const double theta = std::atan(dx / dy);
+    // The sine form only from 0.1 rad upwards, the cosine form below, negative
+    // angles included: kept as the catalogue's engines have always done.
+    const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);
+    const double Q = std::pow(rho * m_n / (std::cos(m_phi1) * m_nu1), 1.0 / m_n);
+    *lat = CKvLambertConic::InverseLatitude(_e(), m_T1 * Q) / kDeg;
+    *lon = (theta / m_n + m_lambdaF) / kDeg;
+}
+
+void CKvLambert2SP::GetOrigin(double* x, double* y) const
+{
+    *x = m_lambdaF / kDeg;
+    *y = m_phiF / kDeg;
+}
+
+void CKvLambert2SP::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
+{
+    double lon, lat;
+    GetOrigin(&lon, &lat);
+    // A false origin at a pole centres the box on the mean standard parallel.
+    if (CKvFloatCompareRel::Close(lat, 90.0) || CKvFloatCompareRel::Close(lat, -90.0))
+        lat = (m_phi1 + m_phi2) / 2.0 / kDeg;
+    _boxAround(lon, lat, false, x1, y1, x2, y2);
+}

@@ -1,0 +1,33 @@
+#ifndef KVCART_PROJECTIONS_KVLAMBERT2SP_H
+#define KVCART_PROJECTIONS_KVLAMBERT2SP_H
+
+#include "catalogue/KvLambert2SPProjection.h"
+#include "projections/KvProjectionEngine.h"
+
+#include <string>
+
+// Lambert conformal conic with two standard parallels and a false origin (EPSG
+// method 9802).
+class CKvLambert2SP : public CKvEngine<CKvLambert2SP, CKvLambert2SPProjection>
+{
+public:
+    explicit CKvLambert2SP(const CKvLambert2SPProjection* definition);
+    // first and second parallel, false origin longitude and latitude (degrees), FE, FN.
+    CKvLambert2SP(const std::string& name, double phi1, double phi2, double lambdaF, double phiF, double falseEasting,
+                  double falseNorthing, const CKvEllipsoid& ellipsoid);
+
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    void GetOrigin(double* x, double* y) const override;
+    double GetConvergence(double lon, double lat) const override { return _numericConvergence(lon, lat); }
+    void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
+
+private:
+    void _init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting, double falseNorthing);
+
+    double m_phi1, m_phi2, m_lambdaF, m_phiF, m_FE, m_FN;
+    double m_nu1, m_nu2, m_n, m_rF, m_CF, m_C1, m_C2, m_K;
+    double m_T1; // t(phi1) * C1
+};
+
+#endif

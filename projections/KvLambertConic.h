@@ -1,0 +1,19 @@
+#ifndef KVCART_PROJECTIONS_KVLAMBERTCONIC_H
+#define KVCART_PROJECTIONS_KVLAMBERTCONIC_H
+
+// The functions of latitude that both Lambert conformal conic engines use
+// (IOGP Guidance Note 7-2, methods 9801 and 9802).
+class CKvLambertConic
+{
+public:
+    // t(phi) = tan(pi/4 - phi/2)
+    static double T(double phi);
+    // c(phi) = ((1 + e sin phi) / (1 - e sin phi))^(e/2); t(phi) * c(phi) is the
+    // guidance note's t of the ellipsoid.
+    static double C(double e, double phi);
+    // The latitude whose t(phi) * c(phi) equals target, by fixed-point iteration
+    // from the spherical value (at most 100 evaluations, to 1e-12 radians).
+    static double InverseLatitude(double e, double target);
+};
+
+#endif

@@ -1,0 +1,89 @@
+#ifndef KVCART_PROJECTIONS_KVMERCATORENGINE_H
+#define KVCART_PROJECTIONS_KVMERCATORENGINE_H
+
+#include "catalogue/KvFloatCompareRel.h"
+#include "projections/KvProjectionEngine.h"
+
+#include <cmath>
+
+// The normal-aspect Mercator on the ellipsoid (IOGP Guidance Note 7-2, methods
+// 9804 and 9805), shared by the engine that takes the scale on the equator and the
+// one that derives it from a standard parallel. The inverse is closed-form: the
+// conformal latitude from the northing, then the series to geodetic latitude.
+template <class TEngine, class TDefinition> class CKvMercatorEngine : public CKvEngine<TEngine, TDefinition>
+{
+public:
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override
+    {
+        const double phi = lat * kDeg;
+        const double es = this->_e() * std::sin(phi);
+        *x = m_FE + m_ak0 * (lon * kDeg - m_lambda0);
+        *y = m_FN + m_ak0 * std::log(std::tan(kPi / 4 + phi / 2) * std::pow((1.0 - es) / (1.0 + es), this->_e() / 2));
+    }
+
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override
+    {
+        const double t = std::exp((m_FN - y) / m_ak0);
+        const double chi = kPi / 2 - 2.0 * std::atan(t);
+        const double phi = chi + m_c[0] * std::sin(2 * chi) + m_c[1] * std::sin(4 * chi) + m_c[2] * std::sin(6 * chi) +
+                           m_c[3] * std::sin(8 * chi);
+        *lon = ((x - m_FE) / m_ak0 + m_lambda0) / kDeg;
+        *lat = phi / kDeg;
+    }
+
+    void GetOrigin(double* x, double* y) const override
+    {
+        *x = m_lambda0 / kDeg;
+        *y = 0.0;
+    }
+
+    double GetConvergence(double lon, double lat) const override { return this->_numericConvergence(lon, lat); }
+
+    // A map centred on the Greenwich meridian and the equator gets a world view
+    // without the far south; any other origin a box of 3 degrees around it.
+    void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override
+    {
+        double lon, lat;
+        GetOrigin(&lon, &lat);
+        if (CKvFloatCompareRel::Close(lon, 0.0) && CKvFloatCompareRel::Close(lat, 0.0)) {
+            this->Geo2Proj(-180.0, -60.0, x1, y1);
+            this->Geo2Proj(180.0, 81.0, x2, y2);
+        } else {
+            this->_boxAround(lon, lat, false, x1, y1, x2, y2);
+        }
+    }
+
+    // Always hands out the stored figure, even a zero one.
+    bool GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const override
+    {
+        ellipsoid.SetParams(this->_a(), this->_invF());
+        return true;
+    }
+
+    double GetScale() const { return m_k0; }
+
+protected:
+    static constexpr double kPi = 3.141592653589793;
+    static constexpr double kDeg = kPi / 180.0;
+
+    using CKvEngine<TEngine, TDefinition>::CKvEngine;
+
+    void _init(CKvMapProjData::EProjectionType type, double k0, double lambda0, double falseEasting,
+               double falseNorthing)
+    {
+        m_lambda0 = lambda0 * kDeg;
+        m_FE = falseEasting;
+        m_FN = falseNorthing;
+        CKvMapProjData::ComputeFourierCoefficients(type, false, this->_e2(), m_c);
+        m_k0 = k0;
+        m_ak0 = this->_a() * m_k0;
+    }
+
+private:
+    double m_lambda0 = 0.0, m_FE = 0.0, m_FN = 0.0;
+    double m_c[4] = {};
+    double m_k0 = 0.0;
+    double m_ak0 = 0.0;
+};
+
+#endif

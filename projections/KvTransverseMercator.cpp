@@ -1,0 +1,210 @@
+#include "projections/KvTransverseMercator.h"
+
+#include "projections/KvTransverseMercatorSeries.h"
+
+#include <cmath>
+
+namespace {
+constexpr double kPi = 3.141592653589793;
+constexpr double kDeg = kPi / 180.0;
+// Half a meridian, in round metres, as the northing ranges below use it.
+constexpr double kHalfMeridian = 20000000.0;
+constexpr double kQuarterMeridian = 10000000.0;
+} // namespace
+
+CKvTransverseMercator::CKvTransverseMercator(const CKvTransverseMercatorProjection* definition) : CKvEngine(*definition)
+{
+    _init(definition->GetScale(), definition->GetCentre(), definition->GetOriginLatitude(),
+          definition->GetFalseEasting(), definition->GetFalseNorthing());
+}
+
+CKvTransverseMercator::CKvTransverseMercator(const std::string& name, double k0, double centralMeridian,
+                                             double originLatitude, double falseEasting, double falseNorthing,
+                                             const CKvEllipsoid& ellipsoid)
+    : CKvEngine(name.c_str(), ellipsoid)
+{
+    _init(k0, centralMeridian, originLatitude, falseEasting, falseNorthing);
+}
+
+void CKvTransverseMercator::_init(double k0, double centralMeridian, double originLatitude, double falseEasting,
+                                  double falseNorthing)
+{
+    m_a = _a();
+    m_b = _b();
+    m_k0 = k0;
+    m_f = _f();
+    m_FE = falseEasting;
+    m_FN = falseNorthing;
+    m_lambda0 = centralMeridian;
+    m_phi0 = originLatitude;
+    _Coeffs();
+    if (GetName()[0] == '\0')
+        _setName(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM));
+    m_bLocal = CKvMapProjection::IsLocal(GetName());
+}
+
+void CKvTransverseMercator::_Coeffs()
+{
+    const double n = m_f / (2.0 - m_f);
+    m_n = n;
+    m_Q = n * n * (0.25 + n * n / 64.0);
+    m_cbg[0] = m_cgb[0] = m_gtu[0] = m_gut[0] = 0.0;
+    // Geodetic to Gaussian latitude and back.
+    m_cbg[1] = n * (-2.0 + n * (2.0 / 3.0 + n * (4.0 / 3.0 - n * 82.0 / 45.0)));
+    m_cbg[2] = n * n * (5.0 / 3.0 + n * (-16.0 / 15.0 - n * 13.0 / 9.0));
+    m_cbg[3] = n * n * n * (-26.0 / 15.0 + n * 34.0 / 21.0);
+    m_cbg[4] = n * n * n * n * 1237.0 / 630.0;
+    m_cgb[1] = n * (2.0 + n * (-2.0 / 3.0 + n * (-2.0 + n * 116.0 / 45.0)));
+    m_cgb[2] = n * n * (7.0 / 3.0 + n * (-8.0 / 5.0 - n * 227.0 / 45.0));
+    m_cgb[3] = n * n * n * (56.0 / 15.0 - n * 136.0 / 35.0);
+    m_cgb[4] = n * n * n * n * 4279.0 / 630.0;
+    // Gaussian to projected (Krüger's alpha) and back (beta, with the sign folded in).
+    m_gtu[1] = n * (0.5 + n * (-2.0 / 3.0 + n * (5.0 / 16.0 + n * 41.0 / 180.0)));
+    m_gtu[2] = n * n * (13.0 / 48.0 + n * (-3.0 / 5.0 + n * 557.0 / 1440.0));
+    m_gtu[3] = n * n * n * (61.0 / 240.0 - n * 103.0 / 140.0);
+    m_gtu[4] = n * n * n * n * 49561.0 / 161280.0;
+    m_gut[1] = n * (-0.5 + n * (2.0 / 3.0 + n * (-37.0 / 96.0 + n / 360.0)));
+    m_gut[2] = n * n * (-1.0 / 48.0 + n * (-1.0 / 15.0 + n * 437.0 / 1440.0));
+    m_gut[3] = n * n * n * (-17.0 / 480.0 + n * 37.0 / 840.0);
+    m_gut[4] = -n * n * n * n * 4397.0 / 161280.0;
+}
+
+double CKvTransverseMercator::_Csin(const double* c, int count, double x)
+{
+    const double twoCos = 2.0 * std::cos(x);
+    double b1 = 0.0, b2 = 0.0;
+    for (int k = count; k >= 1; --k) {
+        const double b = c[k] + twoCos * b1 - b2;
+        b2 = b1;
+        b1 = b;
+    }
+    return b1 * std::sin(x);
+}
+
+void CKvTransverseMercator::_Cksin(const double* c, int count, double u, double v, double& du, double& dv)
+{
+    const double sinU = std::sin(u), cosU = std::cos(u), sinhV = std::sinh(v), coshV = std::cosh(v);
+    // 2 cos(u + iv) = 2 cos u cosh v - 2i sin u sinh v
+    const double r = 2.0 * cosU * coshV, i = -2.0 * sinU * sinhV;
+    double b1r = 0.0, b1i = 0.0, b2r = 0.0, b2i = 0.0;
+    for (int k = count; k >= 1; --k) {
+        const double br = c[k] + r * b1r - i * b1i - b2r;
+        const double bi = r * b1i + i * b1r - b2i;
+        b2r = b1r;
+        b2i = b1i;
+        b1r = br;
+        b1i = bi;
+    }
+    // times sin(u + iv) = sin u cosh v + i cos u sinh v
+    const double sr = sinU * coshV, si = cosU * sinhV;
+    du = b1r * sr - b1i * si;
+    dv = b1r * si + b1i * sr;
+}
+
+double CKvTransverseMercator::_radius() const
+{
+    return m_a + m_a * (m_k0 - (1.0 + m_n) + m_k0 * m_Q) / (1.0 + m_n);
+}
+
+void CKvTransverseMercator::_Geo2Proj(double lon, double lat, double X0, double Y0, double* x, double* y) const
+{
+    if (m_bLocal) {
+        *x = lon;
+        *y = lat;
+        return;
+    }
+    const double R = _radius();
+    // The southern hemisphere by symmetry: work on |lat| and mirror the northing.
+    const double phi = std::fabs(lat) * kDeg;
+    const double chi = phi + _Csin(m_cbg, 4, 2.0 * phi);
+    const double dLambda = (lon - m_lambda0) * kDeg;
+    const double u = std::atan2(std::sin(chi), std::cos(dLambda) * std::cos(chi));
+    const double v = std::atanh(std::sin(dLambda) * std::cos(chi));
+    double du, dv;
+    _Cksin(m_gtu, 4, 2.0 * u, 2.0 * v, du, dv);
+    const double yP = R * (u + du);
+    *x = X0 + R * (v + dv);
+    double t = lat > 90.0 ? kHalfMeridian - yP : yP;
+    if (lat >= -90.0 && lat < 0.0)
+        t = -t;
+    if (lat < -90.0)
+        t = t - kHalfMeridian;
+    *y = Y0 + t;
+}
+
+void CKvTransverseMercator::_Proj2Geo(double x, double y, double X0, double Y0, double* lon, double* lat) const
+{
+    if (m_bLocal) {
+        *lon = x;
+        *lat = y;
+        return;
+    }
+    const double R = _radius();
+    const double dy = y - Y0;
+    double u = std::fabs(dy) / R;
+    double v = (x - X0) / R;
+    double du, dv;
+    _Cksin(m_gut, 4, 2.0 * u, 2.0 * v, du, dv);
+    u += du;
+    v += dv;
+    const double dLambda = std::atan2(std::sinh(v), std::cos(u));
+    const double chi = std::atan2(std::sin(u) * std::cos(dLambda), std::cos(u));
+    const double phi = (chi + _Csin(m_cgb, 4, 2.0 * chi)) / kDeg;
+    if (dy >= kQuarterMeridian)
+        *lat = phi + 180.0;
+    else if (dy >= 0.0)
+        *lat = phi;
+    else if (dy > -kQuarterMeridian)
+        *lat = -phi;
+    else
+        *lat = -180.0 - phi;
+    *lon = m_lambda0 + dLambda / kDeg;
+}
+
+void CKvTransverseMercator::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    _Geo2Proj(lon, lat, m_FE, m_FN, x, y);
+    if (m_phi0 != 0.0) {
+        double x0, y0;
+        _Geo2Proj(m_lambda0, m_phi0, m_FE, 0.0, &x0, &y0);
+        *y -= y0;
+    }
+}
+
+void CKvTransverseMercator::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    if (m_phi0 != 0.0) {
+        double x0, y0;
+        _Geo2Proj(m_lambda0, m_phi0, m_FE, 0.0, &x0, &y0);
+        y += y0;
+    }
+    _Proj2Geo(x, y, m_FE, m_FN, lon, lat);
+}
+
+void CKvTransverseMercator::GetOrigin(double* x, double* y) const
+{
+    *x = m_lambda0;
+    *y = m_phi0;
+}
+
+double CKvTransverseMercator::GetConvergence(double lon, double lat) const
+{
+    if (m_bLocal)
+        return 0.0;
+    return CKvTransverseMercatorSeries::Convergence(m_k0 * m_a, m_k0 * m_b, (lon - m_lambda0) * kDeg, lat * kDeg);
+}
+
+double CKvTransverseMercator::GetScaleFactor(double lon, double lat) const
+{
+    return CKvTransverseMercatorSeries::ScaleFactor(m_k0, m_k0 * m_a, m_k0 * m_b, (lon - m_lambda0) * kDeg, lat * kDeg);
+}
+
+void CKvTransverseMercator::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
+{
+    if (m_bLocal) {
+        *x1 = *y1 = 0.0;
+        *x2 = *y2 = 10000.0;
+        return;
+    }
+    _boxAround(m_lambda0, m_phi0, false, x1, y1, x2, y2);
+}

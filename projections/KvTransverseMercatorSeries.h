@@ -1,0 +1,23 @@
+#ifndef KVCART_PROJECTIONS_KVTRANSVERSEMERCATORSERIES_H
+#define KVCART_PROJECTIONS_KVTRANSVERSEMERCATORSERIES_H
+
+// What the two transverse Mercator engines share: Krüger's trigonometric series
+// in (xi, eta) and the closed-form convergence and scale of a point.
+class CKvTransverseMercatorSeries
+{
+public:
+    // sum over k = 1..4 of h[k-1] sin(2k x)
+    static double SumSin(const double* h, double x);
+    // outXi = xi + sign * sum h[k-1] sin(2k xi) cosh(2k eta),
+    // outEta = eta + sign * sum h[k-1] cos(2k xi) sinh(2k eta); the multiple angles
+    // come from one evaluation of sin, cos, sinh and cosh by the addition formulas.
+    static void Apply(const double* h, double xi, double eta, double sign, double& outXi, double& outEta);
+    // Grid convergence in degrees from the series in the longitude difference
+    // dLambda (radians) at latitude phi (radians), for axes a and b scaled by k0.
+    static double Convergence(double scaledA, double scaledB, double dLambda, double phi);
+    // Point scale factor by the series the catalogue has always used (kept as is:
+    // its fourth-order term has no division by 24 and takes tan of c * phi).
+    static double ScaleFactor(double k0, double scaledA, double scaledB, double dLambda, double phi);
+};
+
+#endif
