@@ -1,10 +1,11 @@
 #include "projections/KvLambertConic.h"
 
+#include "projections/KvConformalLatitude.h"
+
 #include <cmath>
 
 namespace {
 constexpr double kQuarterPi = 0.7853981633974483;
-constexpr double kHalfPi = 1.5707963267948966;
 } // namespace
 
 double CKvLambertConic::T(double phi)
@@ -20,13 +21,10 @@ double CKvLambertConic::C(double e, double phi)
 
 double CKvLambertConic::InverseLatitude(double e, double target)
 {
-    double phi = kHalfPi - 2.0 * std::atan(target);
-    double next = phi;
-    for (int i = 0; i < 100; ++i) {
-        next = kHalfPi - 2.0 * std::atan(target / C(e, phi));
-        if (std::fabs(next - phi) < 1e-12)
-            break;
-        phi = next;
-    }
-    return next;
+    // t(phi) c(phi) = exp(-psi) with psi the isometric latitude, and sinh psi is the
+    // tangent of the conformal latitude: the latitude is the root of the conformal
+    // latitude equation, found by Newton's method (the same root as the guidance
+    // note's fixed-point iteration, to full precision in fewer steps).
+    const double tanChi = (1.0 / target - target) / 2.0; // sinh(-ln target)
+    return std::atan(CKvConformalLatitude::Tau(tanChi, e));
 }

@@ -11,8 +11,7 @@ public:
     // c(phi) = ((1 + e sin phi) / (1 - e sin phi))^(e/2); t(phi) * c(phi) is the
     // guidance note's t of the ellipsoid.
     static double C(double e, double phi);
-    // The latitude whose t(phi) * c(phi) equals target, by fixed-point iteration
-    // from the spherical value (at most 100 evaluations, to 1e-12 radians).
+    // The latitude whose t(phi) * c(phi) equals target.
     static double InverseLatitude(double e, double target);
 };
 

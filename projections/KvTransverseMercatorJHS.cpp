@@ -1,6 +1,7 @@
 #include "projections/KvTransverseMercatorJHS.h"
 
 #include "catalogue/KvFloatCompareRel.h"
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvTransverseMercatorSeries.h"
 
 #include <cmath>
@@ -74,16 +75,24 @@ void CKvTransverseMercatorJHS::Geo2Proj(double lon, double lat, double* x, doubl
         lambda -= 2.0 * kPi;
     const double dLambda = lambda - m_lambda0;
 
-    // Conformal latitude, then the transverse coordinates on the conformal sphere.
-    const double Q = std::asinh(std::tan(phi)) - m_e * std::atanh(m_e * std::sin(phi));
-    const double beta = std::atan(std::sinh(Q));
-    const double etaP = std::atanh(std::cos(beta) * std::sin(dLambda));
-    double xiP = std::asin(std::sin(beta) * std::cosh(etaP));
-    if (dLambda > kPi / 2 || dLambda < -kPi / 2) // beyond a quarter turn from the central meridian
-        xiP = phi > 0.0 ? kPi - xiP : -kPi - xiP;
+    // The JHS steps through exact identities, to spare transcendental functions:
+    // tan beta = sinh Q (the conformal latitude), eta' = atanh(cos beta sin dl) =
+    // asinh(sin dl / D) and xi' = asin(sin beta cosh eta') = atan2(tan beta, cos dl)
+    // with D = sqrt(tan^2 beta + cos^2 dl); the atan2 form carries the rule for
+    // points more than a quarter turn from the central meridian.
+    const double tanBeta = CKvConformalLatitude::TauPrime(std::tan(phi), m_e);
+    const double sdl = std::sin(dLambda), cdl = std::cos(dLambda);
+    const double D = std::sqrt(tanBeta * tanBeta + cdl * cdl);
+    double xiP = std::atan2(tanBeta, cdl);
+    if (tanBeta == 0.0 && cdl < 0.0)
+        xiP = -kPi; // on the equator beyond a quarter turn the rule takes the southern side
+    const double sinhEta = sdl / D, coshEta = std::sqrt(1.0 + tanBeta * tanBeta) / D;
+    const double etaP = std::asinh(sinhEta);
+    const double sinXi = tanBeta / D, cosXi = cdl / D;
 
     double xi, eta;
-    CKvTransverseMercatorSeries::Apply(m_h, xiP, etaP, 1.0, xi, eta);
+    CKvTransverseMercatorSeries::Apply(m_h, xiP, etaP, 2.0 * sinXi * cosXi, cosXi * cosXi - sinXi * sinXi,
+                                       2.0 * sinhEta * coshEta, coshEta * coshEta + sinhEta * sinhEta, 1.0, xi, eta);
     *x = m_FE + m_k0 * m_A1 * eta;
     *y = m_FN + m_k0 * (m_A1 * xi - m_M0);
 }
@@ -97,23 +106,21 @@ void CKvTransverseMercatorJHS::Proj2Geo(double x, double y, double* lon, double*
     }
     const double eta = (x - m_FE) / (m_k0 * m_A1);
     const double xi = (y - m_FN + m_k0 * m_M0) / (m_k0 * m_A1);
+    const double E = std::exp(2.0 * eta);
     double xiP, etaP;
-    CKvTransverseMercatorSeries::Apply(m_hp, xi, eta, -1.0, xiP, etaP);
+    CKvTransverseMercatorSeries::Apply(m_hp, xi, eta, std::sin(2.0 * xi), std::cos(2.0 * xi), (E - 1.0 / E) / 2.0,
+                                       (E + 1.0 / E) / 2.0, -1.0, xiP, etaP);
 
-    const double beta = std::asin(std::sin(xiP) / std::cosh(etaP));
-    const double Q = std::asinh(std::tan(beta));
-    // Geodetic from conformal latitude by fixed-point iteration on the isometric latitude.
-    double Qp = Q + m_e * std::atanh(m_e * std::tanh(Q));
-    for (int i = 0; i < 100; ++i) {
-        const double next = Q + m_e * std::atanh(m_e * std::tanh(Qp));
-        const bool done = std::fabs(next - Qp) < 1e-12;
-        Qp = next;
-        if (done)
-            break;
-    }
-    const double phi = std::atan(std::sinh(Qp));
+    // beta = asin(sin xi' / cosh eta'), so tan beta = sin xi' / sqrt(sinh^2 eta' + cos^2 xi');
+    // the geodetic latitude follows from the conformal one by Newton's method on
+    // the same equation that the JHS formulas iterate.
+    const double sinXi = std::sin(xiP), cosXi = std::cos(xiP), sinhEta = std::sinh(etaP);
+    const double r = std::sqrt(sinhEta * sinhEta + cosXi * cosXi);
+    const double tanBeta = sinXi / r;
+    const double phi = std::atan(CKvConformalLatitude::Tau(tanBeta, m_e));
 
-    const double s = std::asin(std::tanh(etaP) / std::cos(beta));
+    // asin(tanh eta' / cos beta) = asin(sinh eta' / r)
+    const double s = std::asin(sinhEta / r);
     double lambda;
     if (xi >= -kPi / 2 && xi <= kPi / 2)
         lambda = m_lambda0 + s;

@@ -18,8 +18,13 @@ double CKvTransverseMercatorSeries::SumSin(const double* h, double x)
 void CKvTransverseMercatorSeries::Apply(const double* h, double xi, double eta, double sign, double& outXi,
                                         double& outEta)
 {
-    const double s1 = std::sin(2.0 * xi), c1 = std::cos(2.0 * xi);
-    const double sh1 = std::sinh(2.0 * eta), ch1 = std::cosh(2.0 * eta);
+    Apply(h, xi, eta, std::sin(2.0 * xi), std::cos(2.0 * xi), std::sinh(2.0 * eta), std::cosh(2.0 * eta), sign, outXi,
+          outEta);
+}
+
+void CKvTransverseMercatorSeries::Apply(const double* h, double xi, double eta, double s1, double c1, double sh1,
+                                        double ch1, double sign, double& outXi, double& outEta)
+{
     double s = s1, c = c1, sh = sh1, ch = ch1;
     double sumXi = h[0] * s * ch, sumEta = h[0] * c * sh;
     for (int k = 1; k < 4; ++k) {

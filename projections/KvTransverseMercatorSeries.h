@@ -12,6 +12,9 @@ public:
     // outEta = eta + sign * sum h[k-1] cos(2k xi) sinh(2k eta); the multiple angles
     // come from one evaluation of sin, cos, sinh and cosh by the addition formulas.
     static void Apply(const double* h, double xi, double eta, double sign, double& outXi, double& outEta);
+    // The same, given sin 2xi, cos 2xi, sinh 2eta and cosh 2eta already.
+    static void Apply(const double* h, double xi, double eta, double s2, double c2, double sh2, double ch2, double sign,
+                      double& outXi, double& outEta);
     // Grid convergence in degrees from the series in the longitude difference
     // dLambda (radians) at latitude phi (radians), for axes a and b scaled by k0.
     static double Convergence(double scaledA, double scaledB, double dLambda, double phi);

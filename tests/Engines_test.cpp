@@ -1,0 +1,389 @@
+#include "catalogue/KvLambert2SPProjection.h"
+#include "catalogue/KvTransverseMercatorProjection.h"
+#include "coordsys/KvMapProjection.h"
+#include "projections/KvAlbersEqualArea.h"
+#include "projections/KvEquidistantConic.h"
+#include "projections/KvLambert1SP.h"
+#include "projections/KvLambert2SP.h"
+#include "projections/KvMercator1SP.h"
+#include "projections/KvMercator2SP.h"
+#include "projections/KvRotatedLongitudeLatitude.h"
+#include "projections/KvTransverseMercator.h"
+#include "projections/KvTransverseMercatorJHS.h"
+#include "wkt/KvPRJParser.h"
+
+#include "TestSupport.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <memory>
+
+namespace {
+
+const CKvEllipsoid kWgs84("WGS 84", "WE", 6378137.0, 298.257223563);
+const CKvEllipsoid kGrs80("GRS 1980", "RF", 6378137.0, 298.257222101);
+const CKvEllipsoid kSphere("Sphere", "XY", 6371229.0, 0.0);
+
+struct Area
+{
+    double x1, y1, x2, y2;
+};
+
+Area DefaultArea(const CKvProjection& engine)
+{
+    Area a{};
+    engine.GetDefaultArea(&a.x1, &a.y1, &a.x2, &a.y2);
+    return a;
+}
+
+void ExpectProjects(const CKvProjection& engine, double lon, double lat, double x, double y, double tol = 1e-6)
+{
+    double px, py;
+    engine.Geo2Proj(lon, lat, &px, &py);
+    EXPECT_NEAR(px, x, tol) << engine.GetName() << " " << lon << "," << lat;
+    EXPECT_NEAR(py, y, tol) << engine.GetName() << " " << lon << "," << lat;
+}
+
+} // namespace
+
+TEST(TransverseMercator, LocalGridsNamesAndLongitudeWrapping)
+{
+    for (bool complexSeries : {false, true}) {
+        std::unique_ptr<CKvProjection> local, unnamed;
+        if (complexSeries) {
+            local.reset(new CKvTransverseMercator(" NON-UTM ", 0.9996, 9, 0, 500000, 0, kWgs84));
+            unnamed.reset(new CKvTransverseMercator("", 0.9996, 9, 0, 500000, 0, kWgs84));
+        } else {
+            local.reset(new CKvTransverseMercatorJHS(" NON-UTM ", 0.9996, 9, 0, 500000, 0, kWgs84));
+            unnamed.reset(new CKvTransverseMercatorJHS("", 0.9996, 9, 0, 500000, 0, kWgs84));
+        }
+        EXPECT_TRUE(local->IsLocal());
+        ExpectProjects(*local, 1234.5, -678.25, 1234.5, -678.25, 0.0);
+        double lon, lat;
+        local->Proj2Geo(10.0, 20.0, &lon, &lat);
+        EXPECT_EQ(lon, 10.0);
+        EXPECT_EQ(lat, 20.0);
+        EXPECT_EQ(local->GetConvergence(12.0, 50.0), 0.0);
+        const Area area = DefaultArea(*local);
+        EXPECT_EQ(area.x1, 0.0);
+        EXPECT_EQ(area.y2, 10000.0);
+        // An empty name is the local grid's name, and makes the engine local.
+        EXPECT_STREQ(unnamed->GetName(), "NON-UTM");
+        EXPECT_TRUE(unnamed->IsLocal());
+    }
+
+    const CKvTransverseMercatorJHS utm("UTM-32", 0.9996, 9, 0, 500000, 0, kWgs84);
+    EXPECT_FALSE(utm.IsLocal());
+    double x1, y1, x2, y2;
+    utm.Geo2Proj(9.0 + 350.0, 50.0, &x1, &y1); // the same as 10 degrees west
+    utm.Geo2Proj(-1.0, 50.0, &x2, &y2);
+    EXPECT_NEAR(x1, x2, 1e-6);
+    EXPECT_NEAR(y1, y2, 1e-6);
+    // Origin on the central meridian maps to the false origin; GetOrigin in degrees.
+    ExpectProjects(utm, 9.0, 0.0, 500000.0, 0.0);
+    utm.GetOrigin(&x1, &y1);
+    EXPECT_EQ(x1, 9.0);
+    EXPECT_EQ(y1, 0.0);
+}
+
+TEST(TransverseMercator, OriginLatitudeAreasConvergenceAndScale)
+{
+    // A latitude of origin at the pole: the origin maps onto the false northing.
+    const CKvTransverseMercatorJHS polar("polar", 1.0, 0, 90.0, 0, 0, kWgs84);
+    ExpectProjects(polar, 0.0, 90.0, 0.0, 0.0, 1e-6);
+    const CKvTransverseMercatorJHS bng("BNG", 0.9996012717, -2, 49, 400000, -100000, kWgs84);
+    ExpectProjects(bng, -2.0, 49.0, 400000.0, -100000.0, 1e-6);
+    const CKvTransverseMercator bngComplex("BNG", 0.9996012717, -2, 49, 400000, -100000, kWgs84);
+    ExpectProjects(bngComplex, -2.0, 49.0, 400000.0, -100000.0, 1e-6);
+
+    // The complex engine mirrors the southern hemisphere.
+    const CKvTransverseMercator utm("UTM-33", 0.9996, 15, 0, 500000, 1000, kWgs84);
+    double xn, yn, xs, ys;
+    utm.Geo2Proj(17.0, 35.0, &xn, &yn);
+    utm.Geo2Proj(17.0, -35.0, &xs, &ys);
+    EXPECT_NEAR(xn, xs, 1e-9);
+    EXPECT_NEAR(yn - 1000, -(ys - 1000), 1e-6);
+
+    // Default areas: 3 degrees around the origin, clamped at the pole.
+    const CKvTransverseMercatorJHS north("north", 1.0, 0, 89, 0, 0, kWgs84);
+    const Area area = DefaultArea(north);
+    double x, y;
+    north.Geo2Proj(-3.0, 86.0, &x, &y);
+    EXPECT_NEAR(area.x1, x, 1e-6);
+    EXPECT_NEAR(area.y1, y, 1e-6);
+    north.Geo2Proj(3.0, 90.0, &x, &y);
+    EXPECT_NEAR(area.x2, x, 1e-6);
+    EXPECT_NEAR(area.y2, y, 1e-6);
+
+    // The series convergence agrees with the direction of grid north measured on
+    // the map, and vanishes on the central meridian and the equator.
+    const CKvTransverseMercatorJHS zone("UTM-32", 0.9996, 9, 0, 500000, 0, kWgs84);
+    EXPECT_EQ(zone.GetConvergence(9.0, 50.0), 0.0);
+    EXPECT_EQ(zone.GetConvergence(12.0, 0.0), 0.0);
+    for (double lon : {6.0, 10.5, 12.0})
+        for (double lat : {-60.0, 20.0, 55.0}) {
+            double x1, y1, x2, y2;
+            zone.Geo2Proj(lon, lat, &x1, &y1);
+            zone.Geo2Proj(lon, lat + 1e-6, &x2, &y2);
+            const double measured = std::atan2(x1 - x2, y2 - y1) * 180 / M_PI;
+            EXPECT_NEAR(zone.GetConvergence(lon, lat), measured, 2e-6) << lon << "," << lat;
+        }
+    // Scale: k0 on the central meridian, growing away from it.
+    EXPECT_DOUBLE_EQ(zone.GetScaleFactor(9.0, 45.0), 0.9996);
+    EXPECT_GT(zone.GetScaleFactor(12.0, 45.0), zone.GetScaleFactor(10.0, 45.0));
+    // Near the central meridian the series agrees with the scale measured on the
+    // map: grid distance of a short step east over its length on the ellipsoid.
+    for (double lat : {0.0, 30.0, 60.0}) {
+        const double lon = 10.0, step = 1e-5;
+        double xa, ya, xb, yb;
+        zone.Geo2Proj(lon, lat, &xa, &ya);
+        zone.Geo2Proj(lon + step, lat, &xb, &yb);
+        const double phi = lat * M_PI / 180, e2 = 0.00669437999014;
+        const double N = 6378137.0 / std::sqrt(1 - e2 * std::sin(phi) * std::sin(phi));
+        const double measured = std::hypot(xb - xa, yb - ya) / (N * std::cos(phi) * step * M_PI / 180);
+        EXPECT_NEAR(zone.GetScaleFactor(lon + step / 2, lat), measured, 1e-6) << lat;
+    }
+
+    // No ellipsoid in the catalogue: offsets collapse forward, the inverse is not finite.
+    kvtest::ShippedCatalogue();
+    const CKvTransverseMercatorProjection orphan("orphan", "", "??", 1.0, 0, 0, 100, 200);
+    const CKvTransverseMercatorJHS none(&orphan);
+    ExpectProjects(none, 3.0, 40.0, 100.0, 200.0, 0.0);
+    double lon, lat;
+    none.Proj2Geo(150.0, 250.0, &lon, &lat);
+    EXPECT_FALSE(std::isfinite(lon) && std::isfinite(lat));
+    CKvEllipsoid figure;
+    EXPECT_FALSE(none.GetAnonymousEllipsoid(figure));
+}
+
+TEST(LambertConformalConic, ConesBranchesAndAreas)
+{
+    // Equal parallels are the tangent cone: the 1SP engine at that latitude with k0 = 1.
+    const CKvLambert2SP tangent("tangent", 45, 45, 3, 45, 1000, 2000, kGrs80);
+    const CKvLambert1SP oneParallel("one", 1.0, 3, 45, 1000, 2000, kGrs80);
+    for (double lon : {-5.0, 3.0, 11.0})
+        for (double lat : {38.0, 45.0, 52.0}) {
+            double x1, y1, x2, y2;
+            tangent.Geo2Proj(lon, lat, &x1, &y1);
+            oneParallel.Geo2Proj(lon, lat, &x2, &y2);
+            EXPECT_NEAR(x1, x2, 1e-6);
+            EXPECT_NEAR(y1, y2, 1e-6);
+        }
+
+    // The inverse's two branches: west of the meridian (cosine form) and just past
+    // theta = 0.1 rad east of it (sine form) both invert exactly.
+    const CKvLambert2SP l93("Lambert-93", 49, 44, 3, 46.5, 700000, 6600000, kGrs80);
+    for (double lon : {-4.0, 3.0, 3.0 + 0.1 / std::sin(46.5 * M_PI / 180) * 180 / M_PI + 0.01, 10.0}) {
+        double x, y, back, lat;
+        l93.Geo2Proj(lon, 47.0, &x, &y);
+        l93.Proj2Geo(x, y, &back, &lat);
+        EXPECT_NEAR(back, lon, 1e-10);
+        EXPECT_NEAR(lat, 47.0, 1e-10);
+    }
+    EXPECT_NEAR(l93.GetConvergence(3.0, 46.0), 0.0, 1e-12);
+    // On a conformal cone the convergence is n (lon - lon0); Lambert-93's cone
+    // constant is published by IGN as n = 0.7256077650532670.
+    EXPECT_NEAR(l93.GetConvergence(8.0, 46.0), 5.0 * 0.7256077650532670, 1e-6);
+
+    // A false origin at the pole centres the default area on the mean parallel.
+    const CKvLambert2SP polarOrigin("polar", 60, 70, 0, 90, 0, 0, kWgs84);
+    const Area area = DefaultArea(polarOrigin);
+    double x, y;
+    polarOrigin.Geo2Proj(-3.0, 62.0, &x, &y);
+    EXPECT_NEAR(area.x1, x, 1e-6);
+    EXPECT_NEAR(area.y1, y, 1e-6);
+    polarOrigin.GetOrigin(&x, &y);
+    EXPECT_EQ(y, 90.0);
+}
+
+TEST(Mercator, ScalesDerivedParametersAndAreas)
+{
+    const CKvMercator2SP equator("eq", 0.0, 0.0, 0, 0, kWgs84);
+    EXPECT_DOUBLE_EQ(equator.GetScale(), 1.0);
+    const CKvMercator2SP north("n", 60.0, 0.0, 0, 0, kWgs84), south("s", -60.0, 0.0, 0, 0, kWgs84);
+    EXPECT_EQ(north.GetScale(), south.GetScale());
+    double derived[1] = {-1.0};
+    north.GetDerivedParameters(derived);
+    EXPECT_EQ(derived[0], north.GetScale());
+    const CKvMercator1SP world("World Mercator", 1.0, 0.0, 0, 0, kWgs84);
+    derived[0] = -1.0;
+    world.GetDerivedParameters(derived);
+    EXPECT_EQ(derived[0], 0.0);
+
+    // No wrapping: one turn east is a full equator further.
+    double x0, y0, x1, y1;
+    world.Geo2Proj(0.0, 10.0, &x0, &y0);
+    world.Geo2Proj(360.0, 10.0, &x1, &y1);
+    EXPECT_NEAR(x1 - x0, 2 * M_PI * 6378137.0, 1e-6);
+    EXPECT_NEAR(world.GetConvergence(40.0, 30.0), 0.0, 1e-9);
+
+    Area area = DefaultArea(world);
+    world.Geo2Proj(-180.0, -60.0, &x0, &y0);
+    EXPECT_EQ(area.x1, x0);
+    EXPECT_EQ(area.y1, y0);
+    const CKvMercator1SP shifted("shifted", 1.0, 10.0, 0, 0, kWgs84);
+    area = DefaultArea(shifted);
+    shifted.Geo2Proj(7.0, -3.0, &x0, &y0);
+    EXPECT_EQ(area.x1, x0);
+    EXPECT_EQ(area.y1, y0);
+
+    // The figure is always handed out, even a zero one.
+    const CKvMercator1SP none("none", 1.0, 0.0, 0, 0, CKvEllipsoid("", "", 0.0, 0.0));
+    CKvEllipsoid figure;
+    EXPECT_TRUE(none.GetAnonymousEllipsoid(figure));
+    EXPECT_EQ(figure.GetMajor(), 0.0);
+}
+
+TEST(ConicVariants, SelectionCloningAndDegenerateCases)
+{
+    const CKvAlbersEqualArea onSphere("a", 29.5, 45.5, -96, 23, 100, 200, kSphere);
+    const CKvAlbersEqualArea onEllipsoid("a", 29.5, 45.5, -96, 23, 100, 200, kGrs80);
+    EXPECT_EQ(onSphere.GetVariant(), CKvAlbersEqualArea::eSphereVariant);
+    EXPECT_EQ(onEllipsoid.GetVariant(), CKvAlbersEqualArea::eEllipsoidVariant);
+    ExpectProjects(onSphere, -96.0, 23.0, 100.0, 200.0);
+    ExpectProjects(onEllipsoid, -96.0, 23.0, 100.0, 200.0);
+    const CKvEquidistantConic eqdc("e", 33, 45, -96, 39, 100, 200, kGrs80);
+    ExpectProjects(eqdc, -96.0, 39.0, 100.0, 200.0);
+
+    // Equal parallels of the equidistant conic: n = sin(phi1), no division by zero.
+    const CKvEquidistantConic tangent("t", 40, 40, 0, 40, 0, 0, kSphere);
+    double x, y;
+    tangent.Geo2Proj(10.0, 40.0, &x, &y);
+    EXPECT_TRUE(std::isfinite(x) && std::isfinite(y));
+    // On the tangent parallel the sphere's arc is R cos(phi1) times the longitude.
+    EXPECT_NEAR(std::atan2(x, 6371229.0 * std::cos(40 * M_PI / 180) / std::sin(40 * M_PI / 180) - y),
+                std::sin(40 * M_PI / 180) * 10 * M_PI / 180, 1e-12);
+
+    // A clone owns its own variant.
+    CKvProjection* copy = onEllipsoid.Clone();
+    double cx, cy, ox, oy;
+    copy->Geo2Proj(-80.0, 40.0, &cx, &cy);
+    onEllipsoid.Geo2Proj(-80.0, 40.0, &ox, &oy);
+    EXPECT_EQ(cx, ox);
+    EXPECT_EQ(cy, oy);
+    CKvEllipsoid figure;
+    EXPECT_TRUE(copy->GetAnonymousEllipsoid(figure));
+    EXPECT_TRUE(figure.IsEquivalent(kGrs80));
+    copy->free();
+
+    // Albers with opposite parallels has n = 0: not finite, not a crash.
+    const CKvAlbersEqualArea opposite("o", 30, -30, 0, 0, 0, 0, kWgs84);
+    opposite.Geo2Proj(5.0, 5.0, &x, &y);
+    EXPECT_FALSE(std::isfinite(x) && std::isfinite(y));
+}
+
+TEST(ConicVariants, DefinitionWithoutKnownEllipsoidLeavesOutputsAlone)
+{
+    kvtest::ShippedCatalogue();
+    CKvAlbersEqualAreaProjection unknown("u", "", "??", 29.5, 45.5, -96, 23, 0, 0);
+    std::unique_ptr<CKvProjection> engine(unknown.CreateProjection());
+    auto* albers = dynamic_cast<CKvAlbersEqualArea*>(engine.get());
+    ASSERT_NE(albers, nullptr);
+    EXPECT_EQ(albers->GetVariant(), CKvAlbersEqualArea::eNoVariant);
+    double x = 7.0, y = 8.0;
+    engine->Geo2Proj(-96.0, 23.0, &x, &y);
+    EXPECT_EQ(x, 7.0);
+    EXPECT_EQ(y, 8.0);
+    engine->Proj2Geo(0.0, 0.0, &x, &y);
+    EXPECT_EQ(x, 7.0);
+    CKvEllipsoid figure;
+    EXPECT_FALSE(engine->GetAnonymousEllipsoid(figure));
+
+    CKvEquidistantConicProjection sphere("s", "", "XY", 33, 45, -96, 39, 0, 0);
+    std::unique_ptr<CKvProjection> onSphere(sphere.CreateProjection());
+    EXPECT_EQ(dynamic_cast<CKvEquidistantConic*>(onSphere.get())->GetVariant(), CKvEquidistantConic::eSphereVariant);
+}
+
+TEST(RotatedLongitudeLatitude, PolesOriginAndIdentity)
+{
+    const CKvRotatedLongitudeLatitude identity("identity", 0, -90, 0, kSphere);
+    EXPECT_TRUE(identity.IsGeographical());
+    ExpectProjects(identity, 37.5, -12.25, 37.5, -12.25, 1e-12);
+
+    const CKvRotatedLongitudeLatitude cosmo("COSMO-EU", 10, -40, 0, kSphere);
+    double x, y;
+    cosmo.Geo2Proj(10.0, -40.0, &x, &y);
+    EXPECT_NEAR(y, -90.0, 1e-9) << "the grid's south pole";
+    cosmo.Geo2Proj(-170.0, 40.0, &x, &y);
+    EXPECT_NEAR(y, 90.0, 1e-9) << "the grid's north pole";
+    cosmo.GetOrigin(&x, &y);
+    EXPECT_EQ(x, 10.0);
+    EXPECT_EQ(y, 50.0);
+
+    // The rotation angle shifts the rotated longitude only, without wrapping.
+    const CKvRotatedLongitudeLatitude turned("turned", 10, -40, 200, kSphere);
+    double x0, y0;
+    cosmo.Geo2Proj(20.0, 50.0, &x0, &y0);
+    turned.Geo2Proj(20.0, 50.0, &x, &y);
+    EXPECT_NEAR(x, x0 - 200.0, 1e-9);
+    EXPECT_NEAR(y, y0, 1e-12);
+
+    // The two rotations are each other's inverse.
+    const CMatrix product = cosmo.GetForwardRotation() * cosmo.GetInverseRotation();
+    for (int k = 0; k < 3; ++k)
+        for (int j = 0; j < 3; ++j)
+            EXPECT_NEAR(product(j, k), j == k ? 1.0 : 0.0, 1e-15);
+
+    // On the sphere the round trip is exact to rounding. On an ellipsoid a turned
+    // surface vector no longer lies on the surface and its height is dropped, so
+    // the round trip is only good to about 1e-4 degree: rotated grids belong on spheres.
+    const CKvRotatedLongitudeLatitude onWgs("w", 10, -40, 5, kWgs84);
+    for (double lat = -70; lat <= 70; lat += 35) {
+        double lon, back;
+        cosmo.Geo2Proj(25.0, lat, &x, &y);
+        cosmo.Proj2Geo(x, y, &lon, &back);
+        EXPECT_NEAR(lon, 25.0, 1e-12);
+        EXPECT_NEAR(back, lat, 1e-12);
+        onWgs.Geo2Proj(25.0, lat, &x, &y);
+        onWgs.Proj2Geo(x, y, &lon, &back);
+        EXPECT_NEAR(lon, 25.0, 5e-4);
+        EXPECT_NEAR(back, lat, 5e-4);
+    }
+}
+
+TEST(EngineCatalogue, DefinitionsCreateTheirEnginesAndEnginesDescribeThemselves)
+{
+    kvtest::ShippedCatalogue();
+    struct Expected
+    {
+        const char* name;
+        CKvMapProjData::EProjectionType type;
+        const char* wkt;
+    };
+    const Expected expected[] = {
+        {"UTM-32", CKvMapProjData::eTransverseMercator, "Transverse_Mercator"},
+        {"Lambert-93", CKvMapProjData::eLambert2SP, "Lambert_Conformal_Conic_2SP"},
+        {"Jamaica National Grid", CKvMapProjData::eLambert1SP, "Lambert_Conformal_Conic_1SP"},
+        {"Caspian Sea Mercator", CKvMapProjData::eMercator2SP, "Mercator_2SP"},
+        {"World Mercator", CKvMapProjData::eMercator1SP, "Mercator_1SP"},
+        {"Conus Albers", CKvMapProjData::eAlbersEqualArea, "Albers_Conic_Equal_Area"},
+        {"USA Contiguous Equidistant Conic", CKvMapProjData::eEquidistantConic, "Equidistant_Conic"},
+        {"COSMO-EU Rotated Pole", CKvMapProjData::eRotatedLongitudeLatitude, "Rotated_Longitude_Latitude"},
+    };
+    for (const Expected& e : expected) {
+        CKvMapProjData* definition = CKvMapProjection::MapProjection(e.name);
+        ASSERT_NE(definition, nullptr) << e.name;
+        std::unique_ptr<CKvProjection> engine(definition->CreateProjection());
+        ASSERT_NE(engine, nullptr) << e.name;
+        EXPECT_STREQ(engine->GetName(), e.name);
+        CKvEllipsoid figure;
+        EXPECT_TRUE(engine->GetAnonymousEllipsoid(figure)) << e.name;
+        const CKvPRJParser fromEngine(engine.get()), fromDefinition(definition);
+        EXPECT_EQ(fromEngine.GetProjectionType(), e.type) << e.name;
+        EXPECT_EQ(fromEngine.GetProjectionTypeName(), e.wkt) << e.name;
+        EXPECT_EQ(fromEngine.GetFalseEasting(), fromDefinition.GetFalseEasting()) << e.name;
+        EXPECT_EQ(fromEngine.GetCentralMeridian(), fromDefinition.GetCentralMeridian()) << e.name;
+        EXPECT_EQ(fromEngine.GetStandardParallel1(), fromDefinition.GetStandardParallel1()) << e.name;
+    }
+    // UTM-32 through the catalogue is the JHS engine on WGS 84.
+    std::unique_ptr<CKvProjection> utm(CKvMapProjection::MapProjection("UTM-32")->CreateProjection());
+    ASSERT_NE(dynamic_cast<CKvTransverseMercatorJHS*>(utm.get()), nullptr);
+    ExpectProjects(*utm, 9.0, 0.0, 500000.0, 0.0);
+    auto* jhs = dynamic_cast<CKvTransverseMercatorJHS*>(utm.get());
+    CKvTransverseMercatorProjection copy;
+    ASSERT_TRUE(jhs->GetMapProjection(copy));
+    EXPECT_EQ(copy.GetCentre(), 9.0);
+    // The built-in NON-UTM definition makes a local grid.
+    std::unique_ptr<CKvProjection> local(CKvMapProjection::MapProjection("NON-UTM")->CreateProjection());
+    EXPECT_TRUE(local->IsLocal());
+}
