@@ -245,15 +245,40 @@ CKvMapProjData* CKvMapProjData::CreateProjection(EProjectionType type, const std
     }
 }
 
+const CKvMapProjData::STypeInfo* CKvMapProjData::GetTypeInfo(EProjectionType type)
+{
+    static const STypeInfo* const infos[] = {
+        &CKvTransverseMercatorProjection::TypeInfo,
+        &CKvLambert2SPProjection::TypeInfo,
+        &CKvLambert1SPProjection::TypeInfo,
+        &CKvStereographicProjection::TypeInfo,
+        &CKvNewZealandMapGridProjection::TypeInfo,
+        &CKvHotineObliqueMercatorProjection::TypeInfo,
+        &CKvObliqueMercatorProjection::TypeInfo,
+        &CKvRectifiedSkewOrthomorphicProjection::TypeInfo,
+        &CKvRotatedLongitudeLatitudeProjection::TypeInfo,
+        &CKvMercator2SPProjection::TypeInfo,
+        &CKvMercator1SPProjection::TypeInfo,
+        &CKvStereographicNorthPoleProjection::TypeInfo,
+        &CKvStereographicSouthPoleProjection::TypeInfo,
+        &CKvGeographicalProjection::TypeInfo,
+        &CKvKrovakProjection::TypeInfo,
+        &CKvAlbersEqualAreaProjection::TypeInfo,
+        &CKvLambertAzimuthalEqualAreaProjection::TypeInfo,
+        &CKvCassiniSoldnerProjection::TypeInfo,
+        &CKvEquidistantConicProjection::TypeInfo,
+        &CKvPolarStereographicProjection::TypeInfo,
+    };
+    const int index = ProjectionType2Enum(type);
+    return index >= 0 && index < GetNoOfProjections() ? infos[index] : nullptr;
+}
+
 CKvMapProjData* CKvMapProjData::CreateDefaultParameterProjection(EProjectionType type)
 {
-    // Build any definition of the type to reach its descriptor, then the default one.
-    CKvMapProjData* probe = CreateProjection(type, std::string(), std::string(), std::string(), nullptr);
-    if (probe == nullptr)
+    const STypeInfo* info = GetTypeInfo(type);
+    if (info == nullptr)
         return nullptr;
-    const STypeInfo& info = probe->GetTypeInfo();
-    delete probe;
-    return CreateProjection(type, info.defaultName, std::string(), info.defaultEllipsoidID, info.defaults);
+    return CreateProjection(type, info->defaultName, std::string(), info->defaultEllipsoidID, info->defaults);
 }
 
 void CKvMapProjData::ComputeFourierCoefficients(EProjectionType type, bool forward, double x, double* c)

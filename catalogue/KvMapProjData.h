@@ -126,6 +126,8 @@ public:
     static CKvMapProjData* CreateProjection(EProjectionType type, const std::string& name, const std::string& branch,
                                             const std::string& ellipsoidID, const double* parameters);
     static CKvMapProjData* CreateDefaultParameterProjection(EProjectionType type);
+    // The descriptor of a type 1..20; null for any other value.
+    static const STypeInfo* GetTypeInfo(EProjectionType type);
     // Coefficients of the auxiliary-latitude series of the engines.
     static void ComputeFourierCoefficients(EProjectionType type, bool forward, double x, double* c);
 

@@ -67,7 +67,7 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
     // The sine form only from 0.1 rad upwards, the cosine form below, negative
     // angles included: kept as the catalogue's engines have always done.
     const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);
-    const double Q = std::pow(rho * m_n / (std::cos(m_phi1) * m_nu1), 1.0 / m_n);
+    const double Q = std::pow(rho / m_K, 1.0 / m_n); // rho n / (nu1 cos phi1), K folded in at construction
     *lat = CKvLambertConic::InverseLatitude(_e(), m_T1 * Q) / kDeg;
     *lon = (theta / m_n + m_lambdaF) / kDeg;
 }
