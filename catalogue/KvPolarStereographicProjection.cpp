@@ -1,5 +1,6 @@
 #include "catalogue/KvPolarStereographicProjection.h"
 
+#include "projections/KvPolarStereographic.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvPolarStereographicProjection::TypeInfo = {
@@ -51,6 +52,5 @@ CKvPolarStereographicProjection::CKvPolarStereographicProjection(const std::stri
 
 CKvProjection* CKvPolarStereographicProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvPolarStereographic(this);
 }

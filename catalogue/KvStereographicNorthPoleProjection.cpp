@@ -1,5 +1,6 @@
 #include "catalogue/KvStereographicNorthPoleProjection.h"
 
+#include "projections/KvStereographicNorthPole.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvStereographicNorthPoleProjection::TypeInfo = {
@@ -53,6 +54,5 @@ CKvStereographicNorthPoleProjection::CKvStereographicNorthPoleProjection(const s
 
 CKvProjection* CKvStereographicNorthPoleProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvStereographicNorthPole(this);
 }

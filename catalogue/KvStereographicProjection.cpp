@@ -1,5 +1,6 @@
 #include "catalogue/KvStereographicProjection.h"
 
+#include "projections/KvStereographic.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvStereographicProjection::TypeInfo = {
@@ -49,6 +50,5 @@ CKvStereographicProjection::CKvStereographicProjection(const std::string& name, 
 
 CKvProjection* CKvStereographicProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvStereographic(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvStereographicSouthPoleProjection.h"
 
+#include "projections/KvStereographicSouthPole.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvStereographicSouthPoleProjection::TypeInfo = {
@@ -53,6 +54,5 @@ CKvStereographicSouthPoleProjection::CKvStereographicSouthPoleProjection(const s
 
 CKvProjection* CKvStereographicSouthPoleProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvStereographicSouthPole(this);
 }

@@ -1,0 +1,34 @@
+#ifndef KVCART_PROJECTIONS_KVSTEREOGRAPHIC_H
+#define KVCART_PROJECTIONS_KVSTEREOGRAPHIC_H
+
+#include "catalogue/KvStereographicProjection.h"
+#include "projections/KvProjectionEngine.h"
+
+#include <string>
+
+// Oblique stereographic on the conformal sphere: the "double" stereographic of
+// the Netherlands and New Brunswick (IOGP Guidance Note 7-2, method 9809).
+class CKvStereographic : public CKvEngine<CKvStereographic, CKvStereographicProjection>
+{
+public:
+    explicit CKvStereographic(const CKvStereographicProjection* definition);
+    // scale at the origin, central meridian, latitude of origin (degrees), FE, FN.
+    CKvStereographic(const std::string& name, double k0, double centralMeridian, double originLatitude,
+                     double falseEasting, double falseNorthing, const CKvEllipsoid& ellipsoid);
+
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    void GetOrigin(double* x, double* y) const override;
+    double GetConvergence(double lon, double lat) const override { return _numericConvergence(lon, lat); }
+    void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
+
+private:
+    void _init(double k0, double centralMeridian, double originLatitude, double falseEasting, double falseNorthing);
+    double _w(double phi) const; // the conformal sphere's w of a latitude, without c
+
+    double m_k0, m_lambda0, m_phi0, m_FE, m_FN;
+    double m_R, m_n, m_c, m_chi0, m_sinChi0, m_cosChi0;
+    double m_g, m_h; // the inverse's constants, 2 R k0 tan(pi/4 - chi0/2) and 4 R k0 tan chi0 + g
+};
+
+#endif
