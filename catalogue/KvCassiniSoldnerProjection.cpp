@@ -1,5 +1,6 @@
 #include "catalogue/KvCassiniSoldnerProjection.h"
 
+#include "projections/KvCassiniSoldner.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvCassiniSoldnerProjection::TypeInfo = {
@@ -49,6 +50,5 @@ CKvCassiniSoldnerProjection::CKvCassiniSoldnerProjection(const std::string& name
 
 CKvProjection* CKvCassiniSoldnerProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvCassiniSoldner(this);
 }

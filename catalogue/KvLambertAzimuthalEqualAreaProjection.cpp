@@ -1,5 +1,6 @@
 #include "catalogue/KvLambertAzimuthalEqualAreaProjection.h"
 
+#include "projections/KvLambertAzimuthalEqualArea.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvLambertAzimuthalEqualAreaProjection::TypeInfo = {
@@ -51,6 +52,5 @@ CKvLambertAzimuthalEqualAreaProjection::CKvLambertAzimuthalEqualAreaProjection(c
 
 CKvProjection* CKvLambertAzimuthalEqualAreaProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvLambertAzimuthalEqualArea(this);
 }

@@ -11,7 +11,7 @@ class CKvAlbersEqualAreaEllipsoid : public CKvConicVariant
 public:
     CKvAlbersEqualAreaEllipsoid(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                                 double falseNorthing, const CKvEllipsoid& ellipsoid);
-    CKvConicVariant* Clone() const override { return new CKvAlbersEqualAreaEllipsoid(*this); }
+    CKvVariant* Clone() const override { return new CKvAlbersEqualAreaEllipsoid(*this); }
 
 private:
     double _rho(double phi) const override;

@@ -9,7 +9,7 @@ class CKvAlbersEqualAreaSphere : public CKvConicVariant
 public:
     CKvAlbersEqualAreaSphere(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                              double falseNorthing, const CKvEllipsoid& ellipsoid);
-    CKvConicVariant* Clone() const override { return new CKvAlbersEqualAreaSphere(*this); }
+    CKvVariant* Clone() const override { return new CKvAlbersEqualAreaSphere(*this); }
 
 private:
     double _rho(double phi) const override;

@@ -1,13 +1,13 @@
 #ifndef KVCART_PROJECTIONS_KVCONICVARIANT_H
 #define KVCART_PROJECTIONS_KVCONICVARIANT_H
 
-#include "projections/KvProjInterface.h"
+#include "projections/KvVariant.h"
 
 // What the sphere and ellipsoid variants of the conic engines share: the cone
 // (constant n, radius rho0 of the origin parallel) and the mapping between the
 // polar coordinates (rho, theta) on it and the grid. Each variant supplies the
 // radius of a latitude and its inverse. Angles are held in radians.
-class CKvConicVariant : public CKvProjInterface
+class CKvConicVariant : public CKvVariant
 {
 public:
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
@@ -16,7 +16,6 @@ public:
     // A box of 3 degrees around the origin, latitudes clamped at the poles.
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
     bool GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const override;
-    virtual CKvConicVariant* Clone() const = 0;
 
 protected:
     // Parallels, central meridian and origin latitude in degrees; FE and FN in metres.

@@ -10,7 +10,7 @@ class CKvEquidistantConicEllipsoid : public CKvConicVariant
 public:
     CKvEquidistantConicEllipsoid(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                                  double falseNorthing, const CKvEllipsoid& ellipsoid);
-    CKvConicVariant* Clone() const override { return new CKvEquidistantConicEllipsoid(*this); }
+    CKvVariant* Clone() const override { return new CKvEquidistantConicEllipsoid(*this); }
 
 private:
     double _rho(double phi) const override { return m_a * m_G - _meridian(phi); }

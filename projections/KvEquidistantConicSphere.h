@@ -9,7 +9,7 @@ class CKvEquidistantConicSphere : public CKvConicVariant
 public:
     CKvEquidistantConicSphere(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                               double falseNorthing, const CKvEllipsoid& ellipsoid);
-    CKvConicVariant* Clone() const override { return new CKvEquidistantConicSphere(*this); }
+    CKvVariant* Clone() const override { return new CKvEquidistantConicSphere(*this); }
 
 private:
     double _rho(double phi) const override { return m_a * (m_G - phi); }

@@ -1,16 +1,16 @@
-#ifndef KVCART_PROJECTIONS_KVCONICENGINE_H
-#define KVCART_PROJECTIONS_KVCONICENGINE_H
+#ifndef KVCART_PROJECTIONS_KVVARIANTENGINE_H
+#define KVCART_PROJECTIONS_KVVARIANTENGINE_H
 
 #include "coordsys/KvMapProjection.h"
-#include "projections/KvConicVariant.h"
 #include "projections/KvProjectionEngine.h"
+#include "projections/KvVariant.h"
 
 // An engine that keeps its mathematics in a sphere and an ellipsoid variant and
 // forwards to the one its ellipsoid selects: an inverse flattening of exactly 0
 // takes the sphere. Without a known ellipsoid there is no variant, and the
-// conversions leave their outputs as they were.
-template <class TEngine, class TDefinition, class TSphere, class TEllipsoid>
-class CKvConicEngine : public CKvEngine<TEngine, TDefinition>
+// conversions leave their outputs as they were. TEngine provides
+//   static CKvVariant* _makeVariant(const TDefinition&, const CKvEllipsoid&);
+template <class TEngine, class TDefinition> class CKvVariantEngine : public CKvEngine<TEngine, TDefinition>
 {
 public:
     enum EVariant
@@ -20,13 +20,13 @@ public:
         eSphereVariant = 2
     };
 
-    CKvConicEngine(const CKvConicEngine& other)
+    CKvVariantEngine(const CKvVariantEngine& other)
         : CKvEngine<TEngine, TDefinition>(other), m_pVariant(other.m_pVariant ? other.m_pVariant->Clone() : nullptr),
           m_nVariant(other.m_nVariant)
     {
     }
-    CKvConicEngine& operator=(const CKvConicEngine&) = delete;
-    ~CKvConicEngine() override { delete m_pVariant; }
+    CKvVariantEngine& operator=(const CKvVariantEngine&) = delete;
+    ~CKvVariantEngine() override { delete m_pVariant; }
 
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
@@ -60,37 +60,30 @@ public:
 
 protected:
     // From a definition: the ellipsoid comes from the catalogue by its identifier.
-    explicit CKvConicEngine(const TDefinition& definition) : CKvEngine<TEngine, TDefinition>(definition)
+    explicit CKvVariantEngine(const TDefinition& definition) : CKvEngine<TEngine, TDefinition>(definition)
     {
         const std::string id = definition.GetEllipsoidID();
-        const CKvEllipsoid* ellipsoid = CKvMapProjection::EllipsoidFromID(id.c_str());
-        if (ellipsoid != nullptr)
-            _createVariant(definition.GetParallel1(), definition.GetParallel2(), definition.GetCentralMeridian(),
-                           definition.GetOriginLatitude(), definition.GetFalseEasting(), definition.GetFalseNorthing(),
-                           *ellipsoid);
+        if (const CKvEllipsoid* ellipsoid = CKvMapProjection::EllipsoidFromID(id.c_str()))
+            _adopt(TEngine::_makeVariant(definition, *ellipsoid), *ellipsoid);
     }
 
-    CKvConicEngine(const char* name, double phi1, double phi2, double lambda0, double phi0, double falseEasting,
-                   double falseNorthing, const CKvEllipsoid& ellipsoid)
+    // From explicit values: the definition carries the parameters only.
+    CKvVariantEngine(const char* name, const TDefinition& parameters, const CKvEllipsoid& ellipsoid)
         : CKvEngine<TEngine, TDefinition>(name, ellipsoid)
     {
-        _createVariant(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid);
+        _adopt(TEngine::_makeVariant(parameters, ellipsoid), ellipsoid);
     }
+
+    static bool _isSphere(const CKvEllipsoid& ellipsoid) { return ellipsoid.GetInvFlatness() == 0.0; }
 
 private:
-    void _createVariant(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
-                        double falseNorthing, const CKvEllipsoid& ellipsoid)
+    void _adopt(CKvVariant* variant, const CKvEllipsoid& ellipsoid)
     {
-        if (ellipsoid.GetInvFlatness() == 0.0) {
-            m_pVariant = new TSphere(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid);
-            m_nVariant = eSphereVariant;
-        } else {
-            m_pVariant = new TEllipsoid(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid);
-            m_nVariant = eEllipsoidVariant;
-        }
+        m_pVariant = variant;
+        m_nVariant = _isSphere(ellipsoid) ? eSphereVariant : eEllipsoidVariant;
     }
 
-    CKvConicVariant* m_pVariant = nullptr;
+    CKvVariant* m_pVariant = nullptr;
     EVariant m_nVariant = eNoVariant;
 };
 

@@ -1,0 +1,77 @@
+#include "projections/KvLambertAzimuthalEqualAreaEllipsoid.h"
+
+#include "catalogue/KvFloatCompareRel.h"
+#include "catalogue/KvMapProjData.h"
+
+#include <cmath>
+
+namespace {
+constexpr double kDeg = 3.141592653589793 / 180.0;
+} // namespace
+
+CKvLambertAzimuthalEqualAreaEllipsoid::CKvLambertAzimuthalEqualAreaEllipsoid(double lambda0, double phi0,
+                                                                             double falseEasting, double falseNorthing,
+                                                                             const CKvEllipsoid& ellipsoid)
+    : CKvPointVariant(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
+{
+    m_pole = CKvFloatCompareRel::Close(phi0, 90.0) ? 1 : (CKvFloatCompareRel::Close(phi0, -90.0) ? -1 : 0);
+    m_qP = _q(3.141592653589793 / 2);
+    m_beta0 = std::asin(_q(m_phi0) / m_qP);
+    m_sinBeta0 = std::sin(m_beta0);
+    m_cosBeta0 = std::cos(m_beta0);
+    m_Rq = m_a * std::sqrt(m_qP / 2.0);
+    const double s0 = std::sin(m_phi0);
+    m_D = m_a * (std::cos(m_phi0) / std::sqrt(1.0 - m_e2 * s0 * s0)) / (m_Rq * m_cosBeta0);
+    m_c[3] = 0.0;
+    CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eLambertAzimuthalEqualArea, false, m_e2, m_c);
+}
+
+double CKvLambertAzimuthalEqualAreaEllipsoid::_q(double phi) const
+{
+    const double s = std::sin(phi), es = m_e * s;
+    return (1.0 - m_e2) * (s / (1.0 - es * es) - std::log((1.0 - es) / (1.0 + es)) / (2.0 * m_e));
+}
+
+double CKvLambertAzimuthalEqualAreaEllipsoid::_geodetic(double beta) const
+{
+    return beta + m_c[0] * std::sin(2 * beta) + m_c[1] * std::sin(4 * beta) + m_c[2] * std::sin(6 * beta);
+}
+
+void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    const double phi = lat * kDeg, dl = lon * kDeg - m_lambda0;
+    const double q = _q(phi);
+    if (m_pole != 0) {
+        const double rho = m_a * std::sqrt(m_qP - m_pole * q);
+        *x = m_FE + rho * std::sin(dl);
+        *y = m_FN - m_pole * rho * std::cos(dl);
+        return;
+    }
+    const double beta = std::asin(q / m_qP);
+    const double sb = std::sin(beta), cb = std::cos(beta), cdl = std::cos(dl);
+    const double B = m_Rq * std::sqrt(2.0 / (1.0 + m_sinBeta0 * sb + m_cosBeta0 * cb * cdl));
+    *x = m_FE + B * m_D * cb * std::sin(dl);
+    *y = m_FN + (B / m_D) * (m_cosBeta0 * sb - m_sinBeta0 * cb * cdl);
+}
+
+void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    const double dx = x - m_FE, dy = y - m_FN;
+    if (m_pole != 0) {
+        const double rho = std::sqrt(dx * dx + dy * dy);
+        const double beta = m_pole * std::asin(1.0 - rho * rho / (m_a * m_a * m_qP));
+        *lat = _geodetic(beta) / kDeg;
+        *lon = (m_lambda0 + std::atan2(dx, -m_pole * dy)) / kDeg;
+        return;
+    }
+    const double rho = std::sqrt(dx * dx / (m_D * m_D) + m_D * m_D * dy * dy);
+    if (rho == 0.0) {
+        GetOrigin(lon, lat);
+        return;
+    }
+    const double C = 2.0 * std::asin(rho / (2.0 * m_Rq));
+    const double sc = std::sin(C), cc = std::cos(C);
+    const double beta = std::asin(cc * m_sinBeta0 + m_D * dy * sc * m_cosBeta0 / rho);
+    *lat = _geodetic(beta) / kDeg;
+    *lon = (m_lambda0 + std::atan2(dx * sc, m_D * rho * m_cosBeta0 * cc - m_D * m_D * dy * m_sinBeta0 * sc)) / kDeg;
+}

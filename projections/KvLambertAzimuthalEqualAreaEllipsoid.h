@@ -1,0 +1,27 @@
+#ifndef KVCART_PROJECTIONS_KVLAMBERTAZIMUTHALEQUALAREAELLIPSOID_H
+#define KVCART_PROJECTIONS_KVLAMBERTAZIMUTHALEQUALAREAELLIPSOID_H
+
+#include "projections/KvPointVariant.h"
+
+// Lambert azimuthal equal-area on the ellipsoid (IOGP Guidance Note 7-2, method
+// 9820), oblique and polar aspects, through the authalic latitude; the inverse
+// returns from it with the series of ComputeFourierCoefficients.
+class CKvLambertAzimuthalEqualAreaEllipsoid : public CKvPointVariant
+{
+public:
+    CKvLambertAzimuthalEqualAreaEllipsoid(double lambda0, double phi0, double falseEasting, double falseNorthing,
+                                          const CKvEllipsoid& ellipsoid);
+    CKvVariant* Clone() const override { return new CKvLambertAzimuthalEqualAreaEllipsoid(*this); }
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+
+private:
+    double _q(double phi) const;
+    double _geodetic(double beta) const;
+
+    int m_pole; // 1 or -1 for the polar aspects, 0 for the oblique one
+    double m_qP, m_beta0, m_sinBeta0, m_cosBeta0, m_Rq, m_D;
+    double m_c[4]; // authalic to geodetic latitude, three terms used
+};
+
+#endif
