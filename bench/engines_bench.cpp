@@ -1,12 +1,22 @@
 // Forward and inverse of every engine, in nanoseconds per point, over a fixed
 // set of points inside each engine's default area.
 #include "projections/KvAlbersEqualArea.h"
+#include "projections/KvCassiniSoldner.h"
 #include "projections/KvEquidistantConic.h"
+#include "projections/KvHotineObliqueMercator.h"
+#include "projections/KvKrovak.h"
 #include "projections/KvLambert1SP.h"
 #include "projections/KvLambert2SP.h"
+#include "projections/KvLambertAzimuthalEqualArea.h"
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
+#include "projections/KvNewZealandMapGrid.h"
+#include "projections/KvObliqueMercator.h"
+#include "projections/KvPolarStereographic.h"
+#include "projections/KvRectifiedSkewOrthomorphic.h"
 #include "projections/KvRotatedLongitudeLatitude.h"
+#include "projections/KvStereographic.h"
+#include "projections/KvStereographicNorthPole.h"
 #include "projections/KvTransverseMercator.h"
 #include "projections/KvTransverseMercatorJHS.h"
 
@@ -19,6 +29,8 @@ namespace {
 const CKvEllipsoid kWgs84("WGS 84", "WE", 6378137.0, 298.257223563);
 const CKvEllipsoid kGrs80("GRS 1980", "RF", 6378137.0, 298.257222101);
 const CKvEllipsoid kSphere("Sphere", "XY", 6371229.0, 0.0);
+const CKvEllipsoid kBessel("Bessel 1841", "BR", 6377397.155, 299.1528128);
+const CKvEllipsoid kIntl("International 1924", "IN", 6378388.0, 297.0);
 constexpr int kPoints = 1024;
 
 struct Points
@@ -92,6 +104,30 @@ const std::vector<Engine>& Engines()
         {"EquidistantConic/ellipsoid", new CKvEquidistantConic("eqdc", 33, 45, -96, 39, 0, 0, kGrs80), -96, 39},
         {"EquidistantConic/sphere", new CKvEquidistantConic("eqdc", 33, 45, -96, 39, 0, 0, kSphere), -96, 39},
         {"RotatedLongitudeLatitude", new CKvRotatedLongitudeLatitude("rot", 10, -40, 0, kSphere), 10, 50},
+        {"Stereographic/RDNew",
+         new CKvStereographic("rd", 0.9999079, 5.38763888888889, 52.15616055555555, 155000, 463000, kBessel), 5.4,
+         52.2},
+        {"PolarStereographic/UPSNorth", new CKvPolarStereographic("ups", 0.994, 0, 90, 2000000, 2000000, kWgs84), 0,
+         85},
+        {"StereographicNorthPole", new CKvStereographicNorthPole("np", 70, -45, 0, 0, kWgs84), -45, 80},
+        {"HotineObliqueMercator",
+         new CKvHotineObliqueMercator("mi", 0.9996, -86, 45.3091666666667, 337.25556, 2546731.496, -4354009.816,
+                                      kGrs80),
+         -86, 45},
+        {"ObliqueMercator/LV03",
+         new CKvObliqueMercator("lv03", 1, 7.43958333333333, 46.9524055555556, 90, 600000, 200000, kBessel), 7.4, 46.9},
+        {"RectifiedSkewOrthomorphic",
+         new CKvRectifiedSkewOrthomorphic("rso", 0.99984, 102.25, 4, 323.0257905, 323.130102361111, 804670.24, 0,
+                                          kGrs80),
+         102, 4},
+        {"Krovak", new CKvKrovak("k", 0.9999, 78.5, 24.8333333333333, 49.5, 30.2881397527778, 90, -1, 1, 0, 0, kBessel),
+         17, 49.5},
+        {"NewZealandMapGrid", new CKvNewZealandMapGrid("nz", 173, -41, 2510000, 6023150, kIntl), 173, -41},
+        {"LambertAzimuthalEqualArea/ellipsoid",
+         new CKvLambertAzimuthalEqualArea("laea", 10, 52, 4321000, 3210000, kGrs80), 10, 52},
+        {"LambertAzimuthalEqualArea/sphere", new CKvLambertAzimuthalEqualArea("laea", 10, 52, 0, 0, kSphere), 10, 52},
+        {"CassiniSoldner/ellipsoid", new CKvCassiniSoldner("cass", 13.6, 52.4, 40000, 10000, kBessel), 13.6, 52.4},
+        {"CassiniSoldner/sphere", new CKvCassiniSoldner("cass", 13.6, 52.4, 40000, 10000, kSphere), 13.6, 52.4},
     };
     return engines;
 }

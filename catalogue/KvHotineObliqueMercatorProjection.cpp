@@ -1,5 +1,6 @@
 #include "catalogue/KvHotineObliqueMercatorProjection.h"
 
+#include "projections/KvHotineObliqueMercator.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvHotineObliqueMercatorProjection::TypeInfo = {
@@ -53,6 +54,5 @@ CKvHotineObliqueMercatorProjection::CKvHotineObliqueMercatorProjection(const std
 
 CKvProjection* CKvHotineObliqueMercatorProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvHotineObliqueMercator(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvKrovakProjection.h"
 
+#include "projections/KvKrovak.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvKrovakProjection::TypeInfo = {
@@ -57,6 +58,5 @@ CKvKrovakProjection::CKvKrovakProjection(const std::string& name, const std::str
 
 CKvProjection* CKvKrovakProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvKrovak(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvNewZealandMapGridProjection.h"
 
+#include "projections/KvNewZealandMapGrid.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvNewZealandMapGridProjection::TypeInfo = {
@@ -49,6 +50,5 @@ CKvNewZealandMapGridProjection::CKvNewZealandMapGridProjection(const std::string
 
 CKvProjection* CKvNewZealandMapGridProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvNewZealandMapGrid(this);
 }

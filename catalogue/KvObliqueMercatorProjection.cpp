@@ -1,5 +1,6 @@
 #include "catalogue/KvObliqueMercatorProjection.h"
 
+#include "projections/KvObliqueMercator.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvObliqueMercatorProjection::TypeInfo = {
@@ -51,6 +52,5 @@ CKvObliqueMercatorProjection::CKvObliqueMercatorProjection(const std::string& na
 
 CKvProjection* CKvObliqueMercatorProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvObliqueMercator(this);
 }

@@ -1,5 +1,6 @@
 #include "catalogue/KvRectifiedSkewOrthomorphicProjection.h"
 
+#include "projections/KvRectifiedSkewOrthomorphic.h"
 #include "wkt/KvPRJParser.h"
 
 const CKvMapProjData::STypeInfo CKvRectifiedSkewOrthomorphicProjection::TypeInfo = {
@@ -56,6 +57,5 @@ CKvRectifiedSkewOrthomorphicProjection::CKvRectifiedSkewOrthomorphicProjection(c
 
 CKvProjection* CKvRectifiedSkewOrthomorphicProjection::CreateProjection() const
 {
-    // The library has no engine for this method yet.
-    return nullptr;
+    return new CKvRectifiedSkewOrthomorphic(this);
 }

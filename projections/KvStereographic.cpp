@@ -1,5 +1,7 @@
 #include "projections/KvStereographic.h"
 
+#include "projections/KvConformalLatitude.h"
+
 #include <cmath>
 
 namespace {
@@ -72,19 +74,11 @@ void CKvStereographic::Proj2Geo(double x, double y, double* lon, double* lat) co
     const double dLambda = j + 2.0 * i;
     *lon = (dLambda / m_n + m_lambda0) / kDeg;
     // From the conformal sphere's latitude to the ellipsoid: its isometric latitude
-    // psi = ln((1 + sin chi) / (c (1 - sin chi))) / (2n), solved with Newton's method.
+    // psi = ln((1 + sin chi) / (c (1 - sin chi))) / (2n), whose sinh is the tangent of
+    // the conformal latitude; the geodetic latitude by Newton's method.
     const double s = std::sin(chi);
     const double psi = 0.5 * std::log((1.0 + s) / (m_c * (1.0 - s))) / m_n;
-    double phi = 2.0 * std::atan(std::exp(psi)) - kPi / 2;
-    for (int k = 0; k < 50; ++k) {
-        const double sp = std::sin(phi), es = _e() * sp;
-        const double psiK = std::log(std::tan(phi / 2 + kPi / 4) * std::pow((1.0 - es) / (1.0 + es), _e() / 2));
-        const double next = phi - (psiK - psi) * std::cos(phi) * (1.0 - es * es) / (1.0 - _e2());
-        const bool done = std::fabs(next - phi) < 1e-14;
-        phi = next;
-        if (done)
-            break;
-    }
+    const double phi = std::atan(CKvConformalLatitude::Tau(std::sinh(psi), _e()));
     *lat = phi / kDeg;
 }
 

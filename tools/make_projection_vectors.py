@@ -111,6 +111,79 @@ def main():
             emit("%s %s %r %r %r %r %r %r" % (engine, fig, p1, p2, lon0, lat0, fe, fn), pts,
                  cct("+proj=%s +lat_1=%r +lat_2=%r +lat_0=%r +lon_0=%r +x_0=%r +y_0=%r %s"
                      % (proj, p1, p2, lat0, lon0, fe, fn, pf), pts))
+    # The remaining methods on the figures of their real grids, over each method's
+    # useful domain around the origin.
+    bessel = ("BESSEL", 6377397.155, 299.1528128)
+    intl = ("INTL", 6378388.0, 297.0)
+    grs = ("GRS80", 6378137.0, 298.257222101)
+    wgs = ("WGS84", 6378137.0, 298.257223563)
+    everest = ("EVEREST1969", 6377295.664, 300.8017)
+    sphere = ("SPHERE", 6371229.0, 0.0)
+
+    def figure(f):
+        return "%s %r %r" % f, proj_figure(f[1], f[2])
+
+    rd = (0.9999079, 5.387638888888889, 52.15616055555555, 155000.0, 463000.0)
+    for f in (bessel, wgs, sphere):
+        fig, pf = figure(f)
+        pts = grid(rd[1], rd[2], 15, 1.5)
+        emit("sterea %s %r %r %r %r %r" % ((fig,) + rd), pts,
+             cct("+proj=sterea +k=%r +lon_0=%r +lat_0=%r +x_0=%r +y_0=%r %s" % (rd + (pf,)), pts))
+    for f in (wgs, grs, sphere):
+        fig, pf = figure(f)
+        for lat0, k in ((90.0, 0.994), (-90.0, 0.994)):
+            pts = [(lon, lat) for lat in frange(60, 89, 1.5) for lon in frange(-180, 165, 15)]
+            pts = [(lon, lat * (1 if lat0 > 0 else -1)) for lon, lat in pts]
+            emit("stere %s %r 0.0 %r 2000000.0 2000000.0" % (fig, k, lat0), pts,
+                 cct("+proj=stere +lat_0=%r +lon_0=0 +k=%r +x_0=2000000 +y_0=2000000 %s" % (lat0, k, pf), pts))
+        for engine, lat_ts, lon0 in (("sterenp", 70.0, -45.0), ("stereps", -71.0, 0.0)):
+            pole = 90.0 if lat_ts > 0 else -90.0
+            pts = [(lon, lat * (1 if pole > 0 else -1)) for lat in frange(55, 89, 1.5) for lon in frange(-180, 165, 15)]
+            emit("%s %s %r %r 0.0 0.0" % (engine, fig, lat_ts, lon0), pts,
+                 cct("+proj=stere +lat_0=%r +lat_ts=%r +lon_0=%r %s" % (pole, lat_ts, lon0, pf), pts))
+    # Hotine oblique Mercator: variant A (Michigan), variant B (Swiss LV03), and the
+    # rectified skew orthomorphic grid of Malaya with its own grid angle.
+    cases = [("omerc_a", grs, (0.9996, -86.0, 45.309166666666667, 337.25556, 2546731.496, -4354009.816),
+              "+no_uoff +gamma=337.25556"),
+             ("omerc_b", bessel, (1.0, 7.439583333333333, 46.95240555555556, 90.0, 600000.0, 200000.0),
+              "+gamma=90"),
+             ("rso", everest, (0.99984, 102.25, 4.0, 323.0257905, 323.13010236111114, 804670.24, 0.0), "+no_uoff")]
+    for engine, f, params, extra in cases:
+        for ff in (f, sphere):
+            fig, pf = figure(ff)
+            lonc, latc = params[1], params[2]
+            pts = grid(lonc, latc, 8, 1.0)
+            gamma = ("+gamma=%r" % params[4]) if engine == "rso" else ""
+            emit("%s %s %s" % (engine, fig, " ".join(repr(v) for v in params)), pts,
+                 cct("+proj=omerc %s %s +k=%r +lonc=%r +lat_0=%r +alpha=%r +x_0=%r +y_0=%r %s"
+                     % (extra, gamma, params[0], lonc, latc, params[3], params[-2], params[-1], pf), pts))
+    # Krovak: PROJ writes the east/north form (-Y, -X); the classic pair (X, Y) is its
+    # negation, swapped. PROJ's krovak keeps the Bessel figure whatever it is told, so
+    # only Bessel (the method's own figure) serves as a reference.
+    for f in (bessel,):
+        fig, pf = figure(f)
+        pts = grid(17.0, 49.5, 6, 0.5)
+        xy = cct("+proj=krovak +lat_0=49.5 +lon_0=24.833333333333333 +alpha=30.28813975277778 +k=0.9999 %s" % pf, pts)
+        common = "0.9999 78.5 24.833333333333333 49.5 30.28813975277778"
+        emit("krovak %s %s 0.0 1.0 1.0 0.0 0.0" % (fig, common), pts, [(-y, -x) for x, y in xy])
+        emit("krovak %s %s 90.0 -1.0 1.0 0.0 0.0" % (fig, common), pts, xy)
+    fig, pf = figure(intl)
+    pts = grid(173.0, -41.0, 6, 0.5)
+    emit("nzmg %s 173.0 -41.0 2510000.0 6023150.0" % fig, pts,
+         cct("+proj=nzmg +lat_0=-41 +lon_0=173 +x_0=2510000 +y_0=6023150 %s" % pf, pts))
+    for f in (grs, wgs, sphere):
+        fig, pf = figure(f)
+        pts = grid(10.0, 52.0, 20, 2.0)
+        emit("laea %s 10.0 52.0 4321000.0 3210000.0" % fig, pts,
+             cct("+proj=laea +lat_0=52 +lon_0=10 +x_0=4321000 +y_0=3210000 %s" % pf, pts))
+        pts = [(lon, lat) for lat in frange(50, 89, 3) for lon in frange(-180, 165, 15)]
+        emit("laea %s 0.0 90.0 0.0 0.0" % fig, pts, cct("+proj=laea +lat_0=90 +lon_0=0 %s" % pf, pts))
+    for f in (bessel, grs, sphere):
+        fig, pf = figure(f)
+        # The Cassini series serve a narrow zone about the central meridian.
+        pts = grid(13.627203666666667, 52.41864827777778, 2, 0.25)
+        emit("cass %s 13.627203666666667 52.41864827777778 40000.0 10000.0" % fig, pts,
+             cct("+proj=cass +lat_0=52.41864827777778 +lon_0=13.627203666666667 +x_0=40000 +y_0=10000 %s" % pf, pts))
     # Rotated poles on the model sphere. PROJ's ob_tran is told the north pole of the
     # grid (o_lat_p = -south pole latitude, lon_0 = south pole longitude) and turns
     # the grid the other way round (o_lon_p = -rotation angle).

@@ -1,0 +1,52 @@
+#ifndef KVCART_PROJECTIONS_KVHOTINEENGINE_H
+#define KVCART_PROJECTIONS_KVHOTINEENGINE_H
+
+#include "projections/KvHotineCore.h"
+#include "projections/KvProjectionEngine.h"
+
+// The interface part of the oblique Mercator engines, in degrees.
+template <class TEngine, class TDefinition> class CKvHotineEngine : public CKvEngine<TEngine, TDefinition>
+{
+public:
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override
+    {
+        m_core.Forward(lon * kDeg, lat * kDeg, x, y);
+    }
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override
+    {
+        m_core.Inverse(x, y, lon, lat);
+        *lon /= kDeg;
+        *lat /= kDeg;
+    }
+    // The projection centre.
+    void GetOrigin(double* x, double* y) const override
+    {
+        *x = m_lonC;
+        *y = m_latC;
+    }
+    double GetConvergence(double lon, double lat) const override { return this->_numericConvergence(lon, lat); }
+    void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override
+    {
+        this->_boxAround(m_lonC, m_latC, true, x1, y1, x2, y2);
+    }
+
+protected:
+    static constexpr double kDeg = 3.141592653589793 / 180.0;
+    using CKvEngine<TEngine, TDefinition>::CKvEngine;
+
+    // Degrees in; the grid angle gammaC is the azimuth unless a rotation is given.
+    void _init(double kc, double lonC, double latC, double azimuth, double gridAngle, bool variantB, double fe,
+               double fn)
+    {
+        m_lonC = lonC;
+        m_latC = latC;
+        m_core = CKvHotineCore(this->_a(), this->_e(), kc, lonC * kDeg, latC * kDeg, azimuth * kDeg, gridAngle * kDeg,
+                               variantB, fe, fn);
+    }
+
+private:
+    CKvHotineCore m_core;
+    double m_lonC = 0.0, m_latC = 0.0;
+};
+
+#endif

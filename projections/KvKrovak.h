@@ -1,0 +1,45 @@
+#ifndef KVCART_PROJECTIONS_KVKROVAK_H
+#define KVCART_PROJECTIONS_KVKROVAK_H
+
+#include "catalogue/KvKrovakProjection.h"
+#include "projections/KvProjectionEngine.h"
+
+#include <string>
+
+// Krovak oblique conformal conic (IOGP Guidance Note 7-2, method 9819): the
+// Gaussian sphere, an oblique cone about the point (azimuth of its axis) and the
+// pseudo standard parallel. The method's own axes point south (X) and west (Y).
+// They are turned into the output axes by the axis scales and the XY-plane
+// rotation theta (counter-clockwise):
+//   (p, q) = (xScale * X, yScale * Y)
+//   x = p cos theta - q sin theta + FE,  y = p sin theta + q cos theta + FN
+// so scales (1, 1) with rotation 0 give the classic (southing, westing) pair, and
+// (-1, 1) with rotation 90 give (easting, northing) = (-Y, -X).
+class CKvKrovak : public CKvEngine<CKvKrovak, CKvKrovakProjection>
+{
+public:
+    explicit CKvKrovak(const CKvKrovakProjection* definition);
+    // In the order of the definition: scale at the pseudo parallel, pseudo parallel,
+    // centre longitude and latitude, azimuth, XY-plane rotation (degrees), X and Y
+    // scales, FE, FN.
+    CKvKrovak(const std::string& name, double kp, double pseudoParallel, double centerLongitude, double centerLatitude,
+              double azimuth, double xyPlaneRotation, double xScale, double yScale, double falseEasting,
+              double falseNorthing, const CKvEllipsoid& ellipsoid);
+
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    void GetOrigin(double* x, double* y) const override;
+    double GetConvergence(double lon, double lat) const override { return _numericConvergence(lon, lat); }
+    void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
+
+private:
+    void _init(double kp, double pseudoParallel, double centerLongitude, double centerLatitude, double azimuth,
+               double xyPlaneRotation, double xScale, double yScale, double falseEasting, double falseNorthing);
+
+    double m_lambda0, m_phiC, m_alphaC, m_phiP;
+    double m_B, m_t0, m_n, m_r0, m_rTerm; // rTerm = r0 tan^n(pi/4 + phiP/2)
+    double m_sinAlpha, m_cosAlpha;
+    double m_xScale, m_yScale, m_sinRot, m_cosRot, m_FE, m_FN;
+};
+
+#endif
