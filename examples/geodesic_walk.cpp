@@ -1,20 +1,25 @@
 // Carries points along geodesics from real places on WGS 84 and prints where they
-// arrive, with the forward azimuth at the end point.
+// arrive, with the forward azimuth at the end point; then projects places with
+// grids of the shipped catalogue, named as a host program names them.
+#include "catalogue/KvCartSetup.h"
 #include "catalogue/KvEllipsoid.h"
+#include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumShift.h"
 #include "geodesy/KvVincenty.h"
+#include "interface/KvCart.h"
 #include "projections/KvGeographical.h"
 
 #include <cstdio>
+#include <memory>
 
 namespace {
 
 struct Walk
 {
     const char* from;
-    double lon, lat;     // degrees
-    double azimuth;      // degrees clockwise from north
-    double distance;     // metres
+    double lon, lat; // degrees
+    double azimuth;  // degrees clockwise from north
+    double distance; // metres
 };
 
 } // namespace
@@ -50,7 +55,38 @@ int main()
     // The ED50 to WGS 84 shift published for the North Sea (EPSG:1133).
     const double ed50[7] = {-87.0, -98.0, -121.0, 0.0, 0.0, 0.0, 0.0};
     const CKvDatumShift shift(ed50);
-    std::printf("ED50 -> WGS 84: %s shift (%.0f, %.0f, %.0f) m\n", shift.GetTypeAsText(), shift[0], shift[1],
+    std::printf("ED50 -> WGS 84: %s shift (%.0f, %.0f, %.0f) m\n\n", shift.GetTypeAsText(), shift[0], shift[1],
                 shift[2]);
+
+    // The catalogue: the shipped files, and no user directory of our own to write to.
+    CARTSETUPLINUX(KVCART_DATA_DIR, "/nonexistent-user-directory/");
+    struct Place
+    {
+        const char* grid;
+        const char* place;
+        double lon, lat;
+    };
+    const Place places[] = {
+        {"UTM-32", "Frankfurt cathedral", 8.6853, 50.1106},
+        {"British National Grid", "Greenwich observatory", -0.0014, 51.4778},
+        {"RD New", "Amsterdam Dam square", 4.8932, 52.3731},
+        {"LAEA Europe", "Vienna St. Stephen's", 16.3731, 48.2085},
+        {"S-JTSK / Krovak East North", "Prague castle", 14.4005, 50.0906},
+        {"UPS North", "North Cape", 25.7837, 71.1685},
+        {"NAD83 / California zone 3", "Golden Gate Bridge", -122.4783, 37.8199},
+    };
+    for (const Place& p : places) {
+        CKvMapProjData* definition = CKvMapProjection::MapProjection(p.grid);
+        std::unique_ptr<CKvProjection> engine(definition != nullptr ? definition->CreateProjection() : nullptr);
+        if (!engine) {
+            std::printf("%-28s not in the catalogue\n", p.grid);
+            continue;
+        }
+        double x, y, lon, lat;
+        engine->Geo2Proj(p.lon, p.lat, &x, &y);
+        engine->Proj2Geo(x, y, &lon, &lat);
+        std::printf("%-28s %-24s x %14.3f  y %14.3f  convergence %8.4f  back %.9f %.9f\n", p.grid, p.place, x, y,
+                    engine->GetConvergence(p.lon, p.lat), lon, lat);
+    }
     return 0;
 }
