@@ -2,6 +2,12 @@
 
 #include <cmath>
 
+double CKvConformalLatitude::T(double phi, double e)
+{
+    const double es = e * std::sin(phi);
+    return std::tan(0.7853981633974483 - phi / 2) * std::pow((1.0 + es) / (1.0 - es), e / 2);
+}
+
 double CKvConformalLatitude::TauPrime(double tau, double e)
 {
     const double tau1 = std::sqrt(1.0 + tau * tau);

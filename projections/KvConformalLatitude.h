@@ -11,6 +11,10 @@
 class CKvConformalLatitude
 {
 public:
+    // t = tan(pi/4 - phi/2) ((1 + e sin phi) / (1 - e sin phi))^(e/2) = exp(-psi), with
+    // psi the isometric latitude: the radius function of the conformal conics and
+    // azimuthals (IOGP Guidance Note 7-2's t).
+    static double T(double phi, double e);
     // tan chi from tan phi.
     static double TauPrime(double tau, double e);
     // tan phi from tan chi, by Newton's method on the equation above: the same root

@@ -7,11 +7,6 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 
-double T(double e, double phi)
-{
-    const double es = e * std::sin(phi);
-    return std::tan(kPi / 4 - phi / 2) / std::pow((1.0 - es) / (1.0 + es), e / 2);
-}
 } // namespace
 
 CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, double phiC, double alphaC, double gammaC,
@@ -22,7 +17,7 @@ CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, doub
     const double sign = phiC < 0.0 ? -1.0 : 1.0;
     m_B = std::sqrt(1.0 + e2 * c * c * c * c / (1.0 - e2));
     m_A = a * m_B * kc * std::sqrt(1.0 - e2) / (1.0 - e2 * s * s);
-    const double t0 = T(e, phiC);
+    const double t0 = CKvConformalLatitude::T(phiC, e);
     double D = m_B * std::sqrt(1.0 - e2) / (c * std::sqrt(1.0 - e2 * s * s));
     if (D < 1.0)
         D = 1.0;
@@ -49,7 +44,7 @@ CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, doub
 
 void CKvHotineCore::Forward(double lambda, double phi, double* x, double* y) const
 {
-    const double Q = m_H / std::pow(T(m_e, phi), m_B);
+    const double Q = m_H / std::pow(CKvConformalLatitude::T(phi, m_e), m_B);
     const double S = (Q - 1.0 / Q) / 2.0, Tq = (Q + 1.0 / Q) / 2.0;
     const double dl = m_B * (lambda - m_lambda0);
     const double V = std::sin(dl);

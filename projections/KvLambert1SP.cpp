@@ -1,5 +1,6 @@
 #include "projections/KvLambert1SP.h"
 
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvLambertConic.h"
 
 #include <cmath>
@@ -42,7 +43,7 @@ void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEa
 void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
     const double phi = lat * kDeg;
-    const double t = CKvLambertConic::T(phi) * CKvLambertConic::C(_e(), phi);
+    const double t = CKvConformalLatitude::T(phi, _e());
     const double rho = m_r0 * std::pow(t / m_T0, m_n);
     const double theta = m_n * (lon * kDeg - m_lambda0);
     *x = m_FE + rho * std::sin(theta);

@@ -1,6 +1,7 @@
 #include "projections/KvLambert2SP.h"
 
 #include "catalogue/KvFloatCompareRel.h"
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvLambertConic.h"
 
 #include <cmath>
@@ -52,7 +53,7 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
 void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
     const double phi = lat * kDeg;
-    const double t = CKvLambertConic::T(phi) * CKvLambertConic::C(_e(), phi);
+    const double t = CKvConformalLatitude::T(phi, _e());
     const double rho = m_K * std::pow(t / m_T1, m_n);
     const double theta = m_n * (lon * kDeg - m_lambdaF);
     *x = m_FE + rho * std::sin(theta);

@@ -12,12 +12,6 @@ double EccentricityTerm(double e)
     return std::sqrt(std::pow(1.0 + e, 1.0 + e) * std::pow(1.0 - e, 1.0 - e));
 }
 
-// t of a latitude in the northern form: tan(pi/4 - phi/2) / ((1 - e sin phi) / (1 + e sin phi))^(e/2)
-double T(double e, double phi)
-{
-    const double es = e * std::sin(phi);
-    return std::tan(kPi / 4 - phi / 2) / std::pow((1.0 - es) / (1.0 + es), e / 2);
-}
 } // namespace
 
 CKvPolarStereographicCore CKvPolarStereographicCore::AtPole(double a, double e, int pole, double k0, double lambda0,
@@ -45,14 +39,14 @@ CKvPolarStereographicCore CKvPolarStereographicCore::OnParallel(double a, double
     if (std::fabs(phi - kPi / 2) > 1e-15) {
         const double s = std::sin(phi);
         const double mc = std::cos(phi) / std::sqrt(1.0 - e * e * s * s);
-        k0 = mc * EccentricityTerm(e) / (2.0 * T(e, phi));
+        k0 = mc * EccentricityTerm(e) / (2.0 * CKvConformalLatitude::T(phi, e));
     }
     return AtPole(a, e, pole, k0 * scale, lambda0, falseEasting, falseNorthing);
 }
 
 void CKvPolarStereographicCore::Forward(double lambda, double phi, double* x, double* y) const
 {
-    const double rho = m_scaleTerm * T(m_e, m_pole * phi);
+    const double rho = m_scaleTerm * CKvConformalLatitude::T(m_pole * phi, m_e);
     const double dLambda = lambda - m_lambda0;
     *x = m_FE + rho * std::sin(dLambda);
     *y = m_FN - m_pole * rho * std::cos(dLambda);
