@@ -1,5 +1,7 @@
 #include "catalogue/KvCartSetup.h"
 
+#include <cstdio>
+
 CKvCartSetup* CKvCartSetup::Instance()
 {
     static CKvCartSetup instance;
@@ -8,28 +10,53 @@ CKvCartSetup* CKvCartSetup::Instance()
 
 CKvCartSetup::~CKvCartSetup()
 {
-    WriteBack();
+    // At exit nobody is left to ask for the error, and the user's additions
+    // would vanish without a word: this is the one place the library speaks.
+    if (!WriteBack())
+        std::fprintf(stderr, "kvcart: the user catalogue could not be saved:\n%s", m_lastError.c_str());
 }
 
 void CKvCartSetup::ReadData(const std::string& systemDirectory, const std::string& userDirectory)
 {
     m_userDirectory = userDirectory;
     m_bHasUserDirectory = true;
+    const size_t ellipsoidProblems = m_ellipsoids.GetProblems().size();
+    const size_t projectionProblems = m_projections.GetProblems().size();
     m_ellipsoids.ReadEllipsoids(systemDirectory + "ellipsoid.gxr", false);
     m_ellipsoids.ReadEllipsoids(userDirectory + "custom_ellipsoid.gxr", true);
     m_ellipsoids.GenerateCompleteList();
     m_projections.InitMapProjections(systemDirectory, userDirectory);
+    m_lastError = m_ellipsoids.GetProblems().substr(ellipsoidProblems) +
+                  m_projections.GetProblems().substr(projectionProblems);
 }
 
-void CKvCartSetup::WriteBack()
+bool CKvCartSetup::WriteBack()
 {
     if (!m_bHasUserDirectory)
-        return;
+        return true;
     // Only the user's own definitions go back, so that reading the file again does
-    // not duplicate the system catalogue. Both writes replace the file atomically.
-    if (m_bMapProjectionListModified &&
-        m_projections.WriteCustomMapProjections(m_userDirectory + "custom_projection.gxr", true) == 0)
-        m_bMapProjectionListModified = false;
-    if (m_bEllipsoidListModified && m_ellipsoids.WriteCustomEllipsoids(m_userDirectory + "custom_ellipsoid.gxr") == 0)
-        m_bEllipsoidListModified = false;
+    // not duplicate the system catalogue. Both writes replace the file atomically,
+    // and neither touches a file that did not read cleanly.
+    bool ok = true;
+    std::string message;
+    if (m_bMapProjectionListModified) {
+        const bool saved = m_projections.WriteBackCustom(m_userDirectory + "custom_projection.gxr", message);
+        m_bMapProjectionListModified = !saved;
+        ok = saved && ok;
+        if (!message.empty())
+            m_lastError += message + "\n";
+    }
+    if (m_bEllipsoidListModified) {
+        const bool saved = m_ellipsoids.WriteBackCustom(m_userDirectory + "custom_ellipsoid.gxr", message);
+        m_bEllipsoidListModified = !saved;
+        ok = saved && ok;
+        if (!message.empty())
+            m_lastError += message + "\n";
+    }
+    return ok;
+}
+
+std::string CKvCartSetup::GetLastError() const
+{
+    return m_lastError;
 }

@@ -24,7 +24,13 @@ public:
     void SetEllipsoidListModified() { m_bEllipsoidListModified = true; }
     void SetMapProjectionListModified() { m_bMapProjectionListModified = true; }
     // Writes the changed custom catalogues now (the destructor does it at exit).
-    void WriteBack();
+    // Returns false when something of the session could not be saved; the reason
+    // is in GetLastError().
+    bool WriteBack();
+    // What went wrong in the last ReadData and the write-backs since: one
+    // "file:line: what" per line, empty when all was well. Files that did not
+    // read cleanly are named here and are never written over.
+    std::string GetLastError() const;
 
     CKvEllipsoidList& GetEllipsoidList() { return m_ellipsoids; }
     CKvMapProjectionList& GetMapProjectionList() { return m_projections; }
@@ -38,6 +44,7 @@ private:
     bool m_bMapProjectionListModified = false;
     std::string m_userDirectory;
     bool m_bHasUserDirectory = false; // nothing is written back before ReadData named one
+    std::string m_lastError;
 };
 
 #endif

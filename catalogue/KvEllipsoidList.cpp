@@ -26,44 +26,77 @@ const std::vector<CKvEllipsoid*>& CKvEllipsoidList::_list(EEllipsoidTypes type) 
     }
 }
 
+namespace {
+
+bool WriteEllipsoid(const void* entry, GxrTarget* target)
+{
+    const CKvEllipsoid* e = static_cast<const CKvEllipsoid*>(entry);
+    GxrSection* section = gxrAddSection(target, kSection);
+    bool ok = gxrPutParam(section, "Ellipsoid_Name", CString(e->GetName())) == GXR_OK;
+    ok = gxrPutParam(section, "ID_Code", CString(e->GetID())) == GXR_OK && ok;
+    ok = gxrPutParam(section, "Semi_Major_Axis", e->GetMajor()) == GXR_OK && ok;
+    ok = gxrPutParam(section, "Inverse_Flatness", e->GetInvFlatness()) == GXR_OK && ok;
+    return gxrEndSection(section) == GXR_OK && ok;
+}
+
+} // namespace
+
 int CKvEllipsoidList::ReadEllipsoids(const std::string& fileName, bool custom)
 {
-    GxrFile* file = gxrLoadFile(fileName.c_str());
-    if (file == nullptr)
-        return gxrGetErrorGlb();
-    GxrTarget* target = gxrTargetByNameNum(file, kTarget, 1);
-    const int n = gxrGetNoSections(target, kSection);
-    for (int i = 1; i <= n; ++i) {
-        GxrSection* section = gxrSectionByNameNum(target, kSection, i);
-        // Absent keywords give empty names and zero numbers.
-        CString name, id;
-        double a = 0.0, invf = 0.0;
-        gxrGetParam(section, "Ellipsoid_Name", &name, 1, 1);
-        gxrGetParam(section, "ID_Code", &id, 1, 1);
-        gxrGetParam(section, "Semi_Major_Axis", &a, 1, 1);
-        gxrGetParam(section, "Inverse_Flatness", &invf, 1, 1);
-        CKvEllipsoid* ellipsoid = new CKvEllipsoid(name.GetStdString(), id.GetStdString(), a, invf);
-        (custom ? m_custom : m_system).push_back(ellipsoid);
+    static const std::vector<CKvUserCatalogue::SKeywordRule> rules = {{"Ellipsoid_Name", true, 1, 1},
+                                                                      {"ID_Code", true, 1, 1},
+                                                                      {"Semi_Major_Axis", false, 1, 1},
+                                                                      {"Inverse_Flatness", false, 1, 1}};
+    auto record = std::make_unique<CKvUserCatalogue>(fileName, kTarget, WriteEllipsoid);
+    GxrTarget* target = record->Load();
+    if (target != nullptr) {
+        for (GxrSection& section : target->sections) {
+            const std::string where = fileName + ":" + std::to_string(section.line) + ": ";
+            std::string problem;
+            if (section.name != kSection) {
+                record->KeepSection(section, where + "section '" + section.name +
+                                                 "' is not an ellipsoid; it is kept in the file, not read");
+                continue;
+            }
+            if (!CKvUserCatalogue::CheckSection(section, rules, problem)) {
+                record->Reject(fileName + ":" + problem);
+                continue;
+            }
+            // Absent keywords give empty names and zero numbers.
+            CString name, id;
+            double a = 0.0, invf = 0.0;
+            gxrGetParam(&section, "Ellipsoid_Name", &name, 1, 1);
+            gxrGetParam(&section, "ID_Code", &id, 1, 1);
+            gxrGetParam(&section, "Semi_Major_Axis", &a, 1, 1);
+            gxrGetParam(&section, "Inverse_Flatness", &invf, 1, 1);
+            CKvEllipsoid* ellipsoid = new CKvEllipsoid(name.GetStdString(), id.GetStdString(), a, invf);
+            (custom ? m_custom : m_system).push_back(ellipsoid);
+            record->AddEntry(ellipsoid);
+        }
     }
-    gxrClose(file);
-    return GXR_OK;
+    record->FinishLoad();
+    m_problems += record->GetProblems();
+    const int status = record->GetStatus();
+    if (custom)
+        m_userFiles.push_back(std::move(record));
+    return status;
 }
 
 int CKvEllipsoidList::WriteCustomEllipsoids(const std::string& fileName) const
 {
     GxrFile* file = gxrCreate(fileName.c_str());
     GxrTarget* target = gxrAddTarget(file, kTarget);
-    for (const CKvEllipsoid* e : m_custom) {
-        GxrSection* section = gxrAddSection(target, kSection);
-        gxrPutParam(section, "Ellipsoid_Name", CString(e->GetName()));
-        gxrPutParam(section, "ID_Code", CString(e->GetID()));
-        gxrPutParam(section, "Semi_Major_Axis", e->GetMajor());
-        gxrPutParam(section, "Inverse_Flatness", e->GetInvFlatness());
-        gxrEndSection(section);
-    }
+    for (const CKvEllipsoid* e : m_custom)
+        WriteEllipsoid(e, target);
     const int status = gxrWrite(file);
     gxrClose(file);
     return status;
+}
+
+bool CKvEllipsoidList::WriteBackCustom(const std::string& fileName, std::string& message)
+{
+    const std::vector<const void*> entries(m_custom.begin(), m_custom.end());
+    return CKvUserCatalogue::WriteBackList(m_userFiles, fileName, kTarget, WriteEllipsoid, entries, message);
 }
 
 void CKvEllipsoidList::GenerateCompleteList()
@@ -104,6 +137,8 @@ void CKvEllipsoidList::DeleteEllipsoid(CKvEllipsoid* ellipsoid)
     if (found == m_custom.end())
         return; // not ours to delete: system entries stay
     m_custom.erase(found);
+    for (const auto& record : m_userFiles)
+        record->Forget(ellipsoid);
     delete ellipsoid;
     GenerateCompleteList();
 }

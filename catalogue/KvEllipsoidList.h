@@ -2,7 +2,9 @@
 #define KVCART_CATALOGUE_KVELLIPSOIDLIST_H
 
 #include "catalogue/KvEllipsoid.h"
+#include "catalogue/KvUserCatalogue.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -29,6 +31,11 @@ public:
     // status (0 when read). A missing or malformed file changes nothing.
     int ReadEllipsoids(const std::string& fileName, bool custom);
     int WriteCustomEllipsoids(const std::string& fileName) const;
+    // The write-back of the user's ellipsoids, with the safety rules of
+    // CKvMapProjectionList::WriteBackCustom.
+    bool WriteBackCustom(const std::string& fileName, std::string& message);
+    // Every problem met in the files read so far, one "file:line: what" per line.
+    const std::string& GetProblems() const { return m_problems; }
     void GenerateCompleteList();
 
     const CKvEllipsoid* GetEllipsoid(const std::string& id) const;
@@ -46,6 +53,8 @@ private:
     std::vector<CKvEllipsoid*> m_system;   // owned
     std::vector<CKvEllipsoid*> m_custom;   // owned
     std::vector<CKvEllipsoid*> m_complete; // refers to the two above
+    CKvUserCatalogue::List m_userFiles;
+    std::string m_problems;
 };
 
 #endif

@@ -81,6 +81,23 @@ bool CKvMapProjData::IsSectionID(const std::string& id) const
     return id == m_pInfo->sectionID || (m_pInfo->sectionAlias != nullptr && id == m_pInfo->sectionAlias);
 }
 
+std::vector<CKvUserCatalogue::SKeywordRule> CKvMapProjData::GetKeywordRules() const
+{
+    std::vector<CKvUserCatalogue::SKeywordRule> rules = {
+        {"Projection_Name", true, 1, 1}, {"Branch_Name", true, 1, 1}, {"Ellipsoid", true, 1, 1}};
+    for (int i = 0; i < GetNoOfParameters(); ++i) {
+        const std::string keyword = m_pInfo->parameters[i].keyword;
+        rules.push_back({keyword, false, 1, 1});
+        if (IsDmsKeyword(keyword.c_str()))
+            rules.push_back({keyword + "_dms", false, 1, 3});
+        if (keyword == "Scale")
+            rules.push_back({"Scale_Reduction", false, 1, 1});
+        if (keyword == "Feast" || keyword == "Fnorth")
+            rules.push_back({keyword + "_ft_us", false, 1, 1});
+    }
+    return rules;
+}
+
 bool CKvMapProjData::GetParameter(int index, std::string& label, double& value, EParamType& kind) const
 {
     if (index < 0 || index >= GetNoOfParameters())

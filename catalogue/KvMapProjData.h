@@ -2,8 +2,10 @@
 #define KVCART_CATALOGUE_KVMAPPROJDATA_H
 
 #include "catalogue/KvEllipsoid.h"
+#include "catalogue/KvUserCatalogue.h"
 
 #include <string>
+#include <vector>
 
 class CKvPRJParser;
 class CKvProjection;
@@ -90,6 +92,10 @@ public:
     // handle: the GxrTarget to which the section is added.
     virtual bool WriteToHandle(void* handle) const;
     virtual bool IsSectionID(const std::string& id) const;
+    // Every keyword that a section of this type may hold when it is read: the
+    // strings, the parameters and their alternative forms (_dms, _ft_us,
+    // Scale_Reduction).
+    std::vector<CKvUserCatalogue::SKeywordRule> GetKeywordRules() const;
     virtual bool CanDelete() const { return m_bCanDelete; }
     virtual bool CanEdit() const { return m_bCanEdit; }
     // A new engine for this definition, owned by the caller; null when the

@@ -44,31 +44,57 @@ void CKvMapProjectionList::InitMapProjections(const std::string& systemDirectory
     m_definitions.push_back(local);
 }
 
+namespace {
+
+bool WriteDefinition(const void* entry, GxrTarget* target)
+{
+    return static_cast<const CKvMapProjData*>(entry)->WriteToHandle(target);
+}
+
+} // namespace
+
 int CKvMapProjectionList::ReadMapProjections(const std::string& fileName, bool custom)
 {
-    GxrFile* file = gxrLoadFile(fileName.c_str());
-    if (file == nullptr)
-        return gxrGetErrorGlb();
-    GxrTarget* target = gxrTargetByNameNum(file, kTarget, 1);
+    auto record = std::make_unique<CKvUserCatalogue>(fileName, kTarget, WriteDefinition);
+    GxrTarget* target = record->Load();
     const int n = gxrGetNoSections(target, nullptr);
     for (int i = 1; i <= n; ++i) {
         GxrSection* section = gxrSectionByNum(target, i);
         const std::string id = gxrGetSectionName(section);
-        // The first type, in enumeration order, that knows the section name reads it;
-        // sections of unknown names are skipped.
-        for (int t = 0; t < CKvMapProjData::GetNoOfProjections(); ++t) {
-            CKvMapProjData* definition =
-                CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::Enum2ProjectionType(t));
-            if (definition != nullptr && definition->IsSectionID(id)) {
-                definition->ReadFromHandle(section, custom);
-                m_definitions.push_back(definition);
-                break;
+        const std::string where = fileName + ":" + std::to_string(section->line) + ": ";
+        // The first type, in enumeration order, that knows the section name reads it.
+        CKvMapProjData* definition = nullptr;
+        for (int t = 0; t < CKvMapProjData::GetNoOfProjections() && definition == nullptr; ++t) {
+            definition = CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::Enum2ProjectionType(t));
+            if (definition != nullptr && !definition->IsSectionID(id)) {
+                delete definition;
+                definition = nullptr;
             }
-            delete definition;
         }
+        // A section of a type the library does not know is not read, but it stays
+        // in the file. One it knows but cannot read exactly is not read either, and
+        // the file is not written over.
+        if (definition == nullptr) {
+            record->KeepSection(*section, where + "section '" + id +
+                                              "' is not a known projection type; it is kept in the file, not read");
+            continue;
+        }
+        std::string problem;
+        if (!CKvUserCatalogue::CheckSection(*section, definition->GetKeywordRules(), problem)) {
+            record->Reject(fileName + ":" + problem);
+            delete definition;
+            continue;
+        }
+        definition->ReadFromHandle(section, custom);
+        m_definitions.push_back(definition);
+        record->AddEntry(definition);
     }
-    gxrClose(file);
-    return GXR_OK;
+    record->FinishLoad();
+    m_problems += record->GetProblems();
+    const int status = record->GetStatus();
+    if (custom)
+        m_userFiles.push_back(std::move(record));
+    return status;
 }
 
 int CKvMapProjectionList::WriteCustomMapProjections(const std::string& fileName, bool onlyCustom) const
@@ -81,6 +107,15 @@ int CKvMapProjectionList::WriteCustomMapProjections(const std::string& fileName,
     const int status = gxrWrite(file);
     gxrClose(file);
     return status;
+}
+
+bool CKvMapProjectionList::WriteBackCustom(const std::string& fileName, std::string& message)
+{
+    std::vector<const void*> custom;
+    for (const CKvMapProjData* d : m_definitions)
+        if (d->CanDelete())
+            custom.push_back(d);
+    return CKvUserCatalogue::WriteBackList(m_userFiles, fileName, kTarget, WriteDefinition, custom, message);
 }
 
 CKvMapProjData* CKvMapProjectionList::GetMapProjection(const std::string& name) const
@@ -103,5 +138,7 @@ void CKvMapProjectionList::DeleteMapProjection(CKvMapProjData* definition)
     if (definition == nullptr)
         return;
     m_definitions.erase(std::remove(m_definitions.begin(), m_definitions.end(), definition), m_definitions.end());
+    for (const auto& record : m_userFiles)
+        record->Forget(definition);
     delete definition;
 }

@@ -3,6 +3,7 @@
 
 #include "catalogue/KvMapProjData.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,14 @@ public:
     int ReadMapProjections(const std::string& fileName, bool custom);
     // Writes the definitions in list order; onlyCustom keeps the deletable ones.
     int WriteCustomMapProjections(const std::string& fileName, bool onlyCustom = false) const;
+    // The write-back of the user's catalogue: the file's own definitions and the
+    // sections it could not use, in file order, then the custom definitions added
+    // since. A file that did not read cleanly, or that changed since, is left as
+    // it is and the session's changes go to a rescue file beside it. Returns false,
+    // with message, when anything could not be saved; message also tells of a rescue.
+    bool WriteBackCustom(const std::string& fileName, std::string& message);
+    // Every problem met in the files read so far, one "file:line: what" per line.
+    const std::string& GetProblems() const { return m_problems; }
 
     // Matches names after reducing both to their short form.
     CKvMapProjData* GetMapProjection(const std::string& name) const;
@@ -38,6 +47,8 @@ public:
 
 private:
     std::vector<CKvMapProjData*> m_definitions;
+    CKvUserCatalogue::List m_userFiles;
+    std::string m_problems;
 };
 
 #endif

@@ -14,6 +14,18 @@ extern "C" {
 // written back to userDirectory at process exit.
 void CARTSETUPLINUX(const char* systemDirectory, const char* userDirectory);
 
+// Writes the changed custom catalogues now rather than at exit. Returns 0 when
+// everything of the session is saved, -1 otherwise (CARTGETERRORLINUX tells why).
+int CARTWRITEBACKLINUX(void);
+
+// The catalogue's problems since the last CARTSETUPLINUX, one "file:line: what"
+// per line (a user file that did not read cleanly is named here; it is never
+// written over), and any failure of a write-back. Copied like every string
+// result: when its length len exceeds size, *status = len and buffer is not
+// touched; otherwise the text and its terminator are copied (buffer holds
+// size + 1 bytes) and *status = 0.
+void CARTGETERRORLINUX(char* buffer, int size, int* status);
+
 #ifdef __cplusplus
 }
 #endif

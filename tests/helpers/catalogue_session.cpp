@@ -1,46 +1,108 @@
-// One process's use of the catalogue, for tests of what survives a process exit.
-//   catalogue_session SYSTEM_DIR USER_DIR add NAME      adds a custom definition
-//   catalogue_session SYSTEM_DIR USER_DIR add-many N    adds N custom definitions
-//   catalogue_session SYSTEM_DIR USER_DIR ellipsoid ID  adds a custom ellipsoid
-//   catalogue_session SYSTEM_DIR USER_DIR list          prints the custom entries
+// One host process's use of the catalogue, for tests of what survives a process
+// exit. Usage: catalogue_session SYSTEM_DIR USER_DIR [--nobody] [--twice] STEP...
+//   --nobody          drop root privileges first (uid/gid 65534), so that file
+//                     permissions apply as they do to an ordinary user
+//   --twice           call the set-up twice with the same directories
+// Steps, carried out in order:
+//   add NAME          adds a custom definition
+//   add-many N        adds N custom definitions
+//   ellipsoid ID      adds a custom ellipsoid
+//   lookup NAME       describes a catalogue system (marks the list modified)
+//   delete NAME       deletes a custom definition
+//   list              prints the custom entries
+//   errors            prints the catalogue's error text
+//   writeback         writes back now and prints the status
 // The catalogue writes itself back when the process exits.
 #include "catalogue/KvCartSetup.h"
 #include "catalogue/KvLambert2SPProjection.h"
 #include "coordsys/KvMapProjection.h"
 #include "interface/KvCart.h"
+#include "wkt/KvPRJParser.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <grp.h>
 #include <string>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+CKvMapProjData* NewGrid(const std::string& name)
+{
+    return new CKvLambert2SPProjection(name, "Site grids", "RF", 49.0, 44.0, 3.0, 46.5, 700000.0, 6600000.0);
+}
+
+bool DropPrivileges()
+{
+    if (geteuid() != 0)
+        return true;
+    return setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0;
+}
+
+} // namespace
 
 int main(int argc, char** argv)
 {
     if (argc < 4)
         return 2;
-    CARTSETUPLINUX(argv[1], argv[2]);
-    const std::string command = argv[3];
-    if (command == "add" && argc > 4) {
-        CKvMapProjection::AddMapProjection(
-            new CKvLambert2SPProjection(argv[4], "Site grids", "RF", 49.0, 44.0, 3.0, 46.5, 700000.0, 6600000.0));
-    } else if (command == "add-many" && argc > 4) {
-        for (int i = 0; i < std::atoi(argv[4]); ++i)
-            CKvMapProjection::AddMapProjection(new CKvLambert2SPProjection(
-                "Grid " + std::to_string(i), "Site grids", "RF", 49.0, 44.0, 3.0, 46.5, 700000.0, 6600000.0));
-    } else if (command == "ellipsoid" && argc > 4) {
-        CKvMapProjection::AddEllipsoid(new CKvEllipsoid("Site ellipsoid", argv[4], 6378000.5, 300.25));
-    } else if (command == "list") {
-        CKvCartSetup* setup = CKvCartSetup::Instance();
-        for (auto it = setup->GetMapProjectionList().GetIteratorBegin();
-             it != setup->GetMapProjectionList().GetIteratorEnd(); ++it)
-            if ((*it)->CanDelete())
-                std::printf("projection %s\n", (*it)->GetName().c_str());
-        for (auto it = setup->GetEllipsoidList().GetIteratorBegin(CKvEllipsoidList::eCustom);
-             it != setup->GetEllipsoidList().GetIteratorEnd(CKvEllipsoidList::eCustom); ++it)
-            std::printf("ellipsoid %s %.17g %.17g\n", (*it)->GetID().c_str(), (*it)->GetMajor(),
-                        (*it)->GetInvFlatness());
-    } else {
-        return 2;
+    int i = 3;
+    bool twice = false;
+    for (; i < argc && std::strncmp(argv[i], "--", 2) == 0; ++i) {
+        if (std::strcmp(argv[i], "--nobody") == 0 && !DropPrivileges())
+            return 3;
+        twice = twice || std::strcmp(argv[i], "--twice") == 0;
     }
+    CARTSETUPLINUX(argv[1], argv[2]);
+    if (twice)
+        CARTSETUPLINUX(argv[1], argv[2]);
+
+    for (; i < argc; ++i) {
+        const std::string step = argv[i];
+        const char* arg = i + 1 < argc ? argv[i + 1] : nullptr;
+        CKvCartSetup* setup = CKvCartSetup::Instance();
+        if (step == "add" && arg != nullptr) {
+            CKvMapProjection::AddMapProjection(NewGrid(arg));
+            ++i;
+        } else if (step == "add-many" && arg != nullptr) {
+            for (int k = 0; k < std::atoi(arg); ++k)
+                CKvMapProjection::AddMapProjection(NewGrid("Grid " + std::to_string(k)));
+            ++i;
+        } else if (step == "ellipsoid" && arg != nullptr) {
+            CKvMapProjection::AddEllipsoid(new CKvEllipsoid("Site ellipsoid", arg, 6378000.5, 300.25));
+            ++i;
+        } else if (step == "lookup" && arg != nullptr) {
+            // What a host does to describe a system: the definition, then its WKT record.
+            if (CKvMapProjData* definition = CKvMapProjection::MapProjection(arg))
+                CKvPRJParser parser(definition);
+            ++i;
+        } else if (step == "delete" && arg != nullptr) {
+            CKvMapProjection::DeleteMapProjection(setup->GetMapProjectionList().GetMapProjection(arg));
+            ++i;
+        } else if (step == "list") {
+            for (auto it = setup->GetMapProjectionList().GetIteratorBegin();
+                 it != setup->GetMapProjectionList().GetIteratorEnd(); ++it)
+                if ((*it)->CanDelete())
+                    std::printf("projection %s\n", (*it)->GetName().c_str());
+            for (auto it = setup->GetEllipsoidList().GetIteratorBegin(CKvEllipsoidList::eCustom);
+                 it != setup->GetEllipsoidList().GetIteratorEnd(CKvEllipsoidList::eCustom); ++it)
+                std::printf("ellipsoid %s %.17g %.17g\n", (*it)->GetID().c_str(), (*it)->GetMajor(),
+                            (*it)->GetInvFlatness());
+        } else if (step == "errors") {
+            int status = 0;
+            char small[1];
+            CARTGETERRORLINUX(small, 0, &status);
+            std::vector<char> text(static_cast<size_t>(status) + 1, '\0');
+            if (status > 0)
+                CARTGETERRORLINUX(text.data(), status, &status);
+            std::printf("%s", text.data());
+        } else if (step == "writeback") {
+            std::printf("writeback %d\n", CARTWRITEBACKLINUX());
+        } else {
+            return 2;
+        }
+    }
+    std::fflush(stdout);
     return 0;
 }
