@@ -1,4 +1,5 @@
 #include "projections/KvCassiniSoldnerEllipsoid.h"
+#include "projections/KvAngle.h"
 
 #include "catalogue/KvMapProjData.h"
 
@@ -24,6 +25,8 @@ double CKvCassiniSoldnerEllipsoid::_meridian(double phi) const
 
 void CKvCassiniSoldnerEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg;
     const double s = std::sin(phi), c = std::cos(phi), t = std::tan(phi);
     const double A = (lon * kDeg - m_lambda0) * c;

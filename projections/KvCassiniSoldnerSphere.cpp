@@ -1,4 +1,5 @@
 #include "projections/KvCassiniSoldnerSphere.h"
+#include "projections/KvAngle.h"
 
 #include <cmath>
 
@@ -14,6 +15,8 @@ CKvCassiniSoldnerSphere::CKvCassiniSoldnerSphere(double lambda0, double phi0, do
 
 void CKvCassiniSoldnerSphere::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg, dl = lon * kDeg - m_lambda0;
     *x = m_FE + m_a * std::asin(std::cos(phi) * std::sin(dl));
     *y = m_FN + m_a * (std::atan2(std::tan(phi), std::cos(dl)) - m_phi0);

@@ -1,4 +1,5 @@
 #include "projections/KvConicVariant.h"
+#include "projections/KvAngle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -17,6 +18,8 @@ CKvConicVariant::CKvConicVariant(double phi1, double phi2, double lambda0, doubl
 
 void CKvConicVariant::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double rho = _rho(lat * kDeg);
     const double theta = m_n * (lon * kDeg - m_lambda0);
     *x = m_FE + rho * std::sin(theta);

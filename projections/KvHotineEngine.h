@@ -1,4 +1,5 @@
 #ifndef KVCART_PROJECTIONS_KVHOTINEENGINE_H
+#include "projections/KvAngle.h"
 #define KVCART_PROJECTIONS_KVHOTINEENGINE_H
 
 #include "projections/KvHotineCore.h"
@@ -10,13 +11,16 @@ template <class TEngine, class TDefinition> class CKvHotineEngine : public CKvEn
 public:
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
+        if (!CKvAngle::GuardForward(lat, x, y))
+            return;
         m_core.Forward(lon * kDeg, lat * kDeg, x, y);
     }
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
         m_core.Inverse(x, y, lon, lat);
-        *lon /= kDeg;
+        *lon = CKvAngle::ReduceLongitudeDegrees(*lon / kDeg);
         *lat /= kDeg;
+        CKvAngle::GuardInverse(x, y, lon, lat);
     }
     // The projection centre.
     void GetOrigin(double* x, double* y) const override

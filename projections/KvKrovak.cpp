@@ -1,4 +1,5 @@
 #include "projections/KvKrovak.h"
+#include "projections/KvAngle.h"
 
 #include "projections/KvConformalLatitude.h"
 
@@ -53,6 +54,8 @@ void CKvKrovak::_init(double kp, double pseudoParallel, double centerLongitude, 
 
 void CKvKrovak::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg, e = _e(), es = e * std::sin(phi);
     const double U =
         2.0 *
@@ -88,6 +91,8 @@ void CKvKrovak::Proj2Geo(double x, double y, double* lon, double* lat) const
     const double k = std::pow(m_t0, -1.0 / m_B) * std::pow(std::tan(U / 2 + kPi / 4), 1.0 / m_B);
     const double phi = std::atan(CKvConformalLatitude::Tau((k - 1.0 / k) / 2.0, _e()));
     *lat = phi / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees(*lon);
+    CKvAngle::GuardInverse(x, y, lon, lat);
 }
 
 void CKvKrovak::GetOrigin(double* x, double* y) const

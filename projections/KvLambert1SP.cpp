@@ -1,4 +1,5 @@
 #include "projections/KvLambert1SP.h"
+#include "projections/KvAngle.h"
 
 #include "projections/KvConformalLatitude.h"
 #include "projections/KvLambertConic.h"
@@ -42,6 +43,8 @@ void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEa
 
 void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg;
     const double t = CKvConformalLatitude::T(phi, _e());
     const double rho = m_r0 * std::pow(t / m_T0, m_n);
@@ -61,6 +64,7 @@ void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
     const double Q = std::pow(rho / m_r0, 1.0 / m_n);
     *lat = CKvLambertConic::InverseLatitude(_e(), m_T0 * Q) / kDeg;
     *lon = (theta / m_n + m_lambda0) / kDeg;
+    CKvAngle::GuardInverse(x, y, lon, lat);
 }
 
 void CKvLambert1SP::GetOrigin(double* x, double* y) const

@@ -1,4 +1,5 @@
 #include "projections/KvLambert2SP.h"
+#include "projections/KvAngle.h"
 
 #include "catalogue/KvFloatCompareRel.h"
 #include "projections/KvConformalLatitude.h"
@@ -52,6 +53,8 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
 
 void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg;
     const double t = CKvConformalLatitude::T(phi, _e());
     const double rho = m_K * std::pow(t / m_T1, m_n);
@@ -71,6 +74,7 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
     const double Q = std::pow(rho / m_K, 1.0 / m_n); // rho n / (nu1 cos phi1), K folded in at construction
     *lat = CKvLambertConic::InverseLatitude(_e(), m_T1 * Q) / kDeg;
     *lon = (theta / m_n + m_lambdaF) / kDeg;
+    CKvAngle::GuardInverse(x, y, lon, lat);
 }
 
 void CKvLambert2SP::GetOrigin(double* x, double* y) const

@@ -1,4 +1,5 @@
 #include "projections/KvLambertAzimuthalEqualAreaEllipsoid.h"
+#include "projections/KvAngle.h"
 
 #include "catalogue/KvFloatCompareRel.h"
 #include "catalogue/KvMapProjData.h"
@@ -39,6 +40,8 @@ double CKvLambertAzimuthalEqualAreaEllipsoid::_geodetic(double beta) const
 
 void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg, dl = lon * kDeg - m_lambda0;
     const double q = _q(phi);
     if (m_pole != 0) {

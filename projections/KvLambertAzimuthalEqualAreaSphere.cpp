@@ -1,4 +1,5 @@
 #include "projections/KvLambertAzimuthalEqualAreaSphere.h"
+#include "projections/KvAngle.h"
 
 #include <cmath>
 
@@ -16,6 +17,8 @@ CKvLambertAzimuthalEqualAreaSphere::CKvLambertAzimuthalEqualAreaSphere(double la
 
 void CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg, dl = lon * kDeg - m_lambda0;
     const double s = std::sin(phi), c = std::cos(phi), cdl = std::cos(dl);
     // The antipode of the centre (k' infinite) gives non-finite results.

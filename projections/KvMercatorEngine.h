@@ -1,4 +1,5 @@
 #ifndef KVCART_PROJECTIONS_KVMERCATORENGINE_H
+#include "projections/KvAngle.h"
 #define KVCART_PROJECTIONS_KVMERCATORENGINE_H
 
 #include "catalogue/KvFloatCompareRel.h"
@@ -15,6 +16,10 @@ template <class TEngine, class TDefinition> class CKvMercatorEngine : public CKv
 public:
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
+        // The longitude is deliberately not wrapped: lon0 + 360 lies a whole
+        // equator further east.
+        if (!CKvAngle::GuardForward(lat, x, y))
+            return;
         const double phi = lat * kDeg;
         const double es = this->_e() * std::sin(phi);
         *x = m_FE + m_ak0 * (lon * kDeg - m_lambda0);
@@ -29,6 +34,7 @@ public:
                            m_c[3] * std::sin(8 * chi);
         *lon = ((x - m_FE) / m_ak0 + m_lambda0) / kDeg;
         *lat = phi / kDeg;
+        CKvAngle::GuardInverse(x, y, lon, lat);
     }
 
     void GetOrigin(double* x, double* y) const override

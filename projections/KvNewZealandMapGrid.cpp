@@ -1,4 +1,5 @@
 #include "projections/KvNewZealandMapGrid.h"
+#include "projections/KvAngle.h"
 
 #include <complex>
 
@@ -47,6 +48,8 @@ CKvNewZealandMapGrid::CKvNewZealandMapGrid(const std::string& name, double origi
 
 void CKvNewZealandMapGrid::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double dPhi = (lat - m_phi0) * 3600.0 * 1e-5;
     const Complex zeta(Polynomial(kA, 10, dPhi), (lon - m_lambda0) * kDeg);
     const Complex z = Polynomial(kB, 6, zeta);
@@ -72,6 +75,8 @@ void CKvNewZealandMapGrid::Proj2Geo(double x, double y, double* lon, double* lat
     }
     *lat = m_phi0 + Polynomial(kD, 9, zeta.real()) / (3600.0 * 1e-5);
     *lon = m_lambda0 + zeta.imag() / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees(*lon);
+    CKvAngle::GuardInverse(x, y, lon, lat);
 }
 
 void CKvNewZealandMapGrid::GetOrigin(double* x, double* y) const

@@ -1,4 +1,5 @@
 #ifndef KVCART_PROJECTIONS_KVPOLARSTEREOGRAPHICENGINE_H
+#include "projections/KvAngle.h"
 #define KVCART_PROJECTIONS_KVPOLARSTEREOGRAPHICENGINE_H
 
 #include "projections/KvPolarStereographicCore.h"
@@ -10,13 +11,16 @@ template <class TEngine, class TDefinition> class CKvPolarStereographicEngine : 
 public:
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
+        if (!CKvAngle::GuardForward(lat, x, y))
+            return;
         m_core.Forward(lon * kDeg, lat * kDeg, x, y);
     }
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
         m_core.Inverse(x, y, lon, lat);
-        *lon /= kDeg;
+        *lon = CKvAngle::ReduceLongitudeDegrees(*lon / kDeg);
         *lat /= kDeg;
+        CKvAngle::GuardInverse(x, y, lon, lat);
     }
     void GetOrigin(double* x, double* y) const override
     {
@@ -25,7 +29,8 @@ public:
     }
     double GetConvergence(double lon, double lat) const override
     {
-        (void)lat;
+        if (!CKvAngle::IsLatitude(lat))
+            return std::nan("");
         return m_core.Convergence(lon * kDeg) / kDeg;
     }
     // 3 degrees around the origin, clamped at the poles and at +-180.

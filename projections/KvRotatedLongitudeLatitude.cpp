@@ -1,4 +1,5 @@
 #include "projections/KvRotatedLongitudeLatitude.h"
+#include "projections/KvAngle.h"
 
 #include <algorithm>
 #include <cmath>
@@ -74,6 +75,8 @@ void CKvRotatedLongitudeLatitude::XYZ2Geo(double X, double Y, double Z, double& 
 
 void CKvRotatedLongitudeLatitude::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     double X, Y, Z;
     Geo2XYZ(lon, lat, X, Y, Z);
     _apply(m_fwd, X, Y, Z);

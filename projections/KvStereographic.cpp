@@ -1,4 +1,5 @@
 #include "projections/KvStereographic.h"
+#include "projections/KvAngle.h"
 
 #include "projections/KvConformalLatitude.h"
 
@@ -56,6 +57,8 @@ void CKvStereographic::_init(double k0, double centralMeridian, double originLat
 
 void CKvStereographic::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double dLambda = m_n * (lon * kDeg - m_lambda0); // conformal longitude from the origin's
     const double w = m_c * _w(lat * kDeg);
     const double sinChi = (w - 1.0) / (w + 1.0);
@@ -80,6 +83,8 @@ void CKvStereographic::Proj2Geo(double x, double y, double* lon, double* lat) co
     const double psi = 0.5 * std::log((1.0 + s) / (m_c * (1.0 - s))) / m_n;
     const double phi = std::atan(CKvConformalLatitude::Tau(std::sinh(psi), _e()));
     *lat = phi / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees(*lon);
+    CKvAngle::GuardInverse(x, y, lon, lat);
 }
 
 void CKvStereographic::GetOrigin(double* x, double* y) const

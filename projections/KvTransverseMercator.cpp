@@ -1,4 +1,5 @@
 #include "projections/KvTransverseMercator.h"
+#include "projections/KvAngle.h"
 
 #include "projections/KvTransverseMercatorSeries.h"
 
@@ -113,6 +114,8 @@ void CKvTransverseMercator::_Geo2Proj(double lon, double lat, double X0, double 
         *y = lat;
         return;
     }
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double R = _radius();
     // The southern hemisphere by symmetry: work on |lat| and mirror the northing.
     const double phi = std::fabs(lat) * kDeg;

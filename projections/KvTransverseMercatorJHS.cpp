@@ -1,5 +1,7 @@
 #include "projections/KvTransverseMercatorJHS.h"
 
+#include "projections/KvAngle.h"
+
 #include "catalogue/KvFloatCompareRel.h"
 #include "projections/KvConformalLatitude.h"
 #include "projections/KvTransverseMercatorSeries.h"
@@ -67,13 +69,10 @@ void CKvTransverseMercatorJHS::Geo2Proj(double lon, double lat, double* x, doubl
         *y = lat;
         return;
     }
+    if (!CKvAngle::GuardForward(lat, x, y))
+        return;
     const double phi = lat * kDeg;
-    double lambda = lon * kDeg;
-    while (lambda - m_lambda0 < -kPi)
-        lambda += 2.0 * kPi;
-    while (lambda - m_lambda0 > kPi)
-        lambda -= 2.0 * kPi;
-    const double dLambda = lambda - m_lambda0;
+    const double dLambda = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
 
     // The JHS steps through exact identities, to spare transcendental functions:
     // tan beta = sinh Q (the conformal latitude), eta' = atanh(cos beta sin dl) =

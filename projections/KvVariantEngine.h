@@ -1,4 +1,5 @@
 #ifndef KVCART_PROJECTIONS_KVVARIANTENGINE_H
+#include "projections/KvAngle.h"
 #define KVCART_PROJECTIONS_KVVARIANTENGINE_H
 
 #include "coordsys/KvMapProjection.h"
@@ -28,15 +29,22 @@ public:
     CKvVariantEngine& operator=(const CKvVariantEngine&) = delete;
     ~CKvVariantEngine() override { delete m_pVariant; }
 
+    // Without an ellipsoid there is no variant, and no point: NaN.
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
         if (m_pVariant != nullptr)
             m_pVariant->Geo2Proj(lon, lat, x, y);
+        else
+            *x = *y = std::nan("");
     }
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
-        if (m_pVariant != nullptr)
+        if (m_pVariant != nullptr) {
             m_pVariant->Proj2Geo(x, y, lon, lat);
+            CKvAngle::GuardInverse(x, y, lon, lat);
+        } else {
+            *lon = *lat = std::nan("");
+        }
     }
     void GetOrigin(double* x, double* y) const override
     {
@@ -49,6 +57,8 @@ public:
     {
         if (m_pVariant != nullptr)
             m_pVariant->GetDefaultArea(x1, y1, x2, y2);
+        else
+            CKvProjection::GetDefaultArea(x1, y1, x2, y2);
     }
     bool GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const override
     {

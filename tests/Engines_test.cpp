@@ -272,7 +272,7 @@ TEST(ConicVariants, SelectionCloningAndDegenerateCases)
     EXPECT_FALSE(std::isfinite(x) && std::isfinite(y));
 }
 
-TEST(ConicVariants, DefinitionWithoutKnownEllipsoidLeavesOutputsAlone)
+TEST(ConicVariants, DefinitionWithoutKnownEllipsoidAnswersNaN)
 {
     kvtest::ShippedCatalogue();
     CKvAlbersEqualAreaProjection unknown("u", "", "??", 29.5, 45.5, -96, 23, 0, 0);
@@ -280,12 +280,17 @@ TEST(ConicVariants, DefinitionWithoutKnownEllipsoidLeavesOutputsAlone)
     auto* albers = dynamic_cast<CKvAlbersEqualArea*>(engine.get());
     ASSERT_NE(albers, nullptr);
     EXPECT_EQ(albers->GetVariant(), CKvAlbersEqualArea::eNoVariant);
+    // No figure, no point: every answer is NaN, never what the caller's variables held.
     double x = 7.0, y = 8.0;
     engine->Geo2Proj(-96.0, 23.0, &x, &y);
-    EXPECT_EQ(x, 7.0);
-    EXPECT_EQ(y, 8.0);
+    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
+    x = 7.0;
     engine->Proj2Geo(0.0, 0.0, &x, &y);
-    EXPECT_EQ(x, 7.0);
+    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
+    EXPECT_TRUE(std::isnan(engine->GetConvergence(-96.0, 23.0)));
+    Area area = DefaultArea(*engine);
+    EXPECT_EQ(area.x1, 0.0);
+    EXPECT_EQ(area.y2, 0.0);
     CKvEllipsoid figure;
     EXPECT_FALSE(engine->GetAnonymousEllipsoid(figure));
 

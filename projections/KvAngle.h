@@ -1,0 +1,71 @@
+#ifndef KVCART_PROJECTIONS_KVANGLE_H
+#define KVCART_PROJECTIONS_KVANGLE_H
+
+#include <cmath>
+
+// Angle reductions that the engines share.
+class CKvAngle
+{
+public:
+    static constexpr double Pi = 3.141592653589793;
+
+    // A longitude difference in radians brought into [-pi, pi], so that a point
+    // given as 180 and as -180 lands on the same meridian of the map. Differences
+    // already in range are returned as they are, bit for bit. The reduction is
+    // one remainder, exact for every finite double and bounded in time (a loop
+    // adding 2 pi never ends for 1e17); a non-finite difference gives NaN.
+    static double ReduceLongitude(double dLambda)
+    {
+        if (std::fabs(dLambda) <= Pi)
+            return dLambda;
+        if (!std::isfinite(dLambda))
+            return std::nan("");
+        return std::remainder(dLambda, 2.0 * Pi);
+    }
+
+    // The same for degrees, into [-180, 180].
+    static double ReduceLongitudeDegrees(double dLon)
+    {
+        if (std::fabs(dLon) <= 180.0)
+            return dLon;
+        if (!std::isfinite(dLon))
+            return std::nan("");
+        return std::remainder(dLon, 360.0);
+    }
+
+    // A latitude outside [-90, 90] degrees (or not a number) has no point on the
+    // ellipsoid: the engines answer it with NaN, as PROJ does.
+    static bool IsLatitude(double latDegrees) { return std::fabs(latDegrees) <= 90.0; }
+
+    // The forward guard of the engines: a latitude off the ellipsoid gives NaN
+    // for both coordinates, and false.
+    static bool GuardForward(double latDegrees, double* x, double* y)
+    {
+        if (IsLatitude(latDegrees))
+            return true;
+        *x = *y = std::nan("");
+        return false;
+    }
+
+    // The inverse guard, after the formulas: a grid point that is not finite, or
+    // whose latitude comes out beyond a pole, lies outside the projection's image
+    // and gets NaN for both (the formulas' limits at infinity are no answer); a
+    // pole overshot by rounding alone is set on the pole.
+    static void GuardInverse(double x, double y, double* lonDegrees, double* latDegrees)
+    {
+        if (!std::isfinite(x) || !std::isfinite(y)) {
+            *lonDegrees = *latDegrees = std::nan("");
+            return;
+        }
+        const double lat = *latDegrees;
+        if (std::fabs(lat) <= 90.0)
+            return;
+        if (std::fabs(lat) <= 90.0 + 1e-9) {
+            *latDegrees = lat > 0.0 ? 90.0 : -90.0;
+            return;
+        }
+        *lonDegrees = *latDegrees = std::nan("");
+    }
+};
+
+#endif

@@ -1,0 +1,172 @@
+// Every engine, forward, inverse and convergence, on every kind of double: each
+// call returns, writes its outputs, and answers input outside its domain with a
+// non-finite value rather than a made-up point.
+#include "catalogue/KvCartSetup.h"
+#include "catalogue/KvMapProjData.h"
+#include "projections/KvProjection.h"
+
+#include "TestSupport.h"
+
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <limits>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+const double kInf = std::numeric_limits<double>::infinity();
+const double kDenormal = std::numeric_limits<double>::denorm_min();
+const double kSentinel = 12345.678;
+
+// Aborts the process, naming the case, when a case runs longer than the limit.
+class CWatchdog
+{
+public:
+    explicit CWatchdog(int seconds) : m_thread([this, seconds] { _watch(seconds); }) {}
+    ~CWatchdog()
+    {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_done = true;
+        }
+        m_wake.notify_all();
+        m_thread.join();
+    }
+    void Case(const std::string& name)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_case = name;
+    }
+
+private:
+    void _watch(int seconds)
+    {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        if (!m_wake.wait_for(lock, std::chrono::seconds(seconds), [this] { return m_done; })) {
+            std::fprintf(stderr, "hung in %s\n", m_case.c_str());
+            std::abort();
+        }
+    }
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    bool m_done = false;
+    std::string m_case;
+    std::thread m_thread;
+};
+
+std::vector<double> Parameters(const CKvMapProjData& d)
+{
+    std::vector<double> values;
+    std::string label;
+    double value;
+    CKvMapProjData::EParamType kind;
+    for (int i = 0; d.GetParameter(i, label, value, kind); ++i)
+        values.push_back(value);
+    return values;
+}
+
+std::string Describe(double v)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%g", v);
+    return text;
+}
+
+// One engine of each shipped grid on its own ellipsoid, on a sphere, on an
+// unknown ellipsoid, and with each parameter in turn made non-finite.
+struct SEngine
+{
+    std::string label;
+    std::unique_ptr<CKvProjection> engine;
+    bool parametersFinite;
+};
+
+std::vector<SEngine> AllEngines()
+{
+    kvtest::ShippedCatalogue();
+    std::vector<SEngine> engines;
+    CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
+    std::vector<bool> typeSeen(32, false);
+    for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it) {
+        const CKvMapProjData& d = **it;
+        if (typeSeen[d.GetProjectionType()] || d.CanDelete())
+            continue;
+        typeSeen[d.GetProjectionType()] = true;
+        std::vector<double> p = Parameters(d);
+        for (const char* ellipsoid : {"", "XY", "ZZ"}) {
+            const std::string id = *ellipsoid != '\0' ? ellipsoid : d.GetEllipsoidID();
+            std::unique_ptr<CKvMapProjData> copy(
+                CKvMapProjData::CreateProjection(d.GetProjectionType(), d.GetName(), "", id, p.data()));
+            engines.push_back({d.GetName() + " on " + id, std::unique_ptr<CKvProjection>(copy->CreateProjection()),
+                               true});
+        }
+        for (size_t i = 0; i < p.size(); ++i)
+            for (double bad : {kNaN, kInf, -kInf, 1e308}) {
+                std::vector<double> q = p;
+                q[i] = bad;
+                std::unique_ptr<CKvMapProjData> copy(CKvMapProjData::CreateProjection(
+                    d.GetProjectionType(), d.GetName(), "", d.GetEllipsoidID(), q.data()));
+                engines.push_back({d.GetName() + " parameter " + std::to_string(i) + " = " + Describe(bad),
+                                   std::unique_ptr<CKvProjection>(copy->CreateProjection()), false});
+            }
+    }
+    return engines;
+}
+
+} // namespace
+
+TEST(EngineDomain, EveryDoubleReturnsAndOutOfDomainIsNotFinite)
+{
+    const double values[] = {kNaN,  kInf,   -kInf, 1e308,  -1e308, 1e17,  -1e17, kDenormal, -kDenormal, 0.0,
+                             540.0, -540.0, 180.0, -180.0, 90.0,   -90.0, 91.0,  -91.0,     45.0,       1e6};
+    CWatchdog watchdog(60);
+    int cases = 0;
+    for (const SEngine& e : AllEngines()) {
+        const CKvProjection& engine = *e.engine;
+        const bool geographic = engine.IsGeographical();
+        for (double u : values)
+            for (double v : values) {
+                watchdog.Case(e.label + " at " + Describe(u) + ", " + Describe(v));
+                ++cases;
+                double x = kSentinel, y = kSentinel;
+                engine.Geo2Proj(u, v, &x, &y);
+                EXPECT_TRUE(x != kSentinel && y != kSentinel) << e.label << " forward leaves its outputs";
+                const bool inputFinite = std::isfinite(u) && std::isfinite(v);
+                if (!engine.IsLocal() && (!inputFinite || (!geographic && std::fabs(v) > 90.0))) {
+                    EXPECT_FALSE(std::isfinite(x) && std::isfinite(y))
+                        << e.label << " forward of " << u << ", " << v << " gives " << x << ", " << y;
+                }
+                const double gamma = engine.GetConvergence(u, v);
+                if (!inputFinite && !geographic && !engine.IsLocal()) {
+                    EXPECT_FALSE(std::isfinite(gamma)) << e.label << " convergence at " << u << ", " << v;
+                }
+                double lon = kSentinel, lat = kSentinel;
+                engine.Proj2Geo(u, v, &lon, &lat);
+                EXPECT_TRUE(lon != kSentinel && lat != kSentinel) << e.label << " inverse leaves its outputs";
+                if (!inputFinite && !engine.IsLocal()) {
+                    EXPECT_FALSE(std::isfinite(lon) && std::isfinite(lat))
+                        << e.label << " inverse of " << u << ", " << v << " gives " << lon << ", " << lat;
+                }
+                // The transverse Mercator's northing ranges reach beyond the poles on purpose.
+                const bool tm = e.label.rfind("UTM", 0) == 0 || e.label.rfind("NON-UTM", 0) == 0;
+                if (std::isfinite(lat) && !geographic && !tm) {
+                    EXPECT_LE(std::fabs(lat), 90.0) << e.label << " inverse of " << u << ", " << v;
+                }
+            }
+        double a[4] = {kSentinel, kSentinel, kSentinel, kSentinel};
+        engine.GetDefaultArea(&a[0], &a[1], &a[2], &a[3]);
+        for (double corner : a)
+            EXPECT_NE(corner, kSentinel) << e.label << " default area";
+    }
+    EXPECT_GT(cases, 100000);
+}
