@@ -29,7 +29,7 @@ void CKvCassiniSoldnerEllipsoid::Geo2Proj(double lon, double lat, double* x, dou
         return;
     const double phi = lat * kDeg;
     const double s = std::sin(phi), c = std::cos(phi), t = std::tan(phi);
-    const double A = (lon * kDeg - m_lambda0) * c;
+    const double A = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0) * c;
     const double T = t * t;
     const double C = m_e2 * c * c / (1.0 - m_e2);
     const double nu = m_a / std::sqrt(1.0 - m_e2 * s * s);
@@ -53,5 +53,6 @@ void CKvCassiniSoldnerEllipsoid::Proj2Geo(double x, double y, double* lon, doubl
     const double rho = m_a * (1.0 - m_e2) / (w * std::sqrt(w));
     const double D = (x - m_FE) / nu, D2 = D * D;
     *lat = (phi1 - (nu * t / rho) * (D2 / 2.0 - (1.0 + 3.0 * T) * D2 * D2 / 24.0)) / kDeg;
-    *lon = (m_lambda0 + (D - T * D * D2 / 3.0 + (1.0 + 3.0 * T) * T * D * D2 * D2 / 15.0) / std::cos(phi1)) / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees(
+        (m_lambda0 + (D - T * D * D2 / 3.0 + (1.0 + 3.0 * T) * T * D * D2 * D2 / 15.0) / std::cos(phi1)) / kDeg);
 }

@@ -17,7 +17,7 @@ void CKvCassiniSoldnerSphere::Geo2Proj(double lon, double lat, double* x, double
 {
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
-    const double phi = lat * kDeg, dl = lon * kDeg - m_lambda0;
+    const double phi = lat * kDeg, dl = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
     *x = m_FE + m_a * std::asin(std::cos(phi) * std::sin(dl));
     *y = m_FN + m_a * (std::atan2(std::tan(phi), std::cos(dl)) - m_phi0);
 }
@@ -27,5 +27,5 @@ void CKvCassiniSoldnerSphere::Proj2Geo(double x, double y, double* lon, double* 
     const double xr = (x - m_FE) / m_a;
     const double D = (y - m_FN) / m_a + m_phi0;
     *lat = std::asin(std::sin(D) * std::cos(xr)) / kDeg;
-    *lon = (m_lambda0 + std::atan2(std::tan(xr), std::cos(D))) / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + std::atan2(std::tan(xr), std::cos(D))) / kDeg);
 }

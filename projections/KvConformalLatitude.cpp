@@ -17,6 +17,8 @@ double CKvConformalLatitude::TauPrime(double tau, double e)
 
 double CKvConformalLatitude::Tau(double tauPrime, double e)
 {
+    if (!std::isfinite(tauPrime))
+        return tauPrime; // the poles (and NaN) map to themselves
     const double e2m = 1.0 - e * e;
     const double tolerance = std::sqrt(2.220446049250313e-16) / 10.0;
     double tau = tauPrime / e2m; // a start within the eccentricity's reach of the root

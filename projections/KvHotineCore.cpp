@@ -1,4 +1,5 @@
 #include "projections/KvHotineCore.h"
+#include "projections/KvAngle.h"
 
 #include "projections/KvConformalLatitude.h"
 
@@ -38,19 +39,29 @@ CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, doub
         if (std::fabs(std::fabs(alphaC) - kPi / 2) < 1e-12)
             m_uc = m_A * (lambdaC - m_lambda0);
         else
-            m_uc = (m_A / m_B) * std::atan(std::sqrt(D * D - 1.0) / std::cos(alphaC)) * sign;
+            // The magnitude: an azimuth beyond +-90 degrees runs the centre line the
+            // other way, which cos(alphaC) < 0 would turn into a sign of u (as PROJ).
+            m_uc = std::fabs((m_A / m_B) * std::atan(std::sqrt(D * D - 1.0) / std::cos(alphaC))) * sign;
     }
 }
 
 void CKvHotineCore::Forward(double lambda, double phi, double* x, double* y) const
 {
-    const double Q = m_H / std::pow(CKvConformalLatitude::T(phi, m_e), m_B);
-    const double S = (Q - 1.0 / Q) / 2.0, Tq = (Q + 1.0 / Q) / 2.0;
-    const double dl = m_B * (lambda - m_lambda0);
-    const double V = std::sin(dl);
-    const double U = (-V * m_cosGamma0 + S * m_sinGamma0) / Tq;
+    const double dl = m_B * CKvAngle::ReduceLongitude(lambda - m_lambda0);
+    double U, u;
+    if (std::fabs(std::fabs(phi) - kPi / 2) > 1e-10) {
+        const double Q = m_H / std::pow(CKvConformalLatitude::T(phi, m_e), m_B);
+        const double S = (Q - 1.0 / Q) / 2.0, Tq = (Q + 1.0 / Q) / 2.0;
+        const double V = std::sin(dl);
+        U = (-V * m_cosGamma0 + S * m_sinGamma0) / Tq;
+        u = m_A * std::atan2(S * m_cosGamma0 + V * m_sinGamma0, std::cos(dl)) / m_B - m_uc;
+    } else {
+        // At a pole Q is infinite: U tends to +-sin(gamma0) and u to (A/B) phi,
+        // whatever the longitude (a NaN longitude stays no point).
+        U = (phi < 0.0 ? -m_sinGamma0 : m_sinGamma0) + 0.0 * dl;
+        u = m_A * phi / m_B - m_uc;
+    }
     const double v = m_A * std::log((1.0 - U) / (1.0 + U)) / (2.0 * m_B);
-    const double u = m_A * std::atan2(S * m_cosGamma0 + V * m_sinGamma0, std::cos(dl)) / m_B - m_uc;
     *x = v * m_cosGammaC + u * m_sinGammaC + m_FE;
     *y = u * m_cosGammaC - v * m_sinGammaC + m_FN;
 }
@@ -65,6 +76,12 @@ void CKvHotineCore::Inverse(double x, double y, double* lambda, double* phi) con
     const double bu = m_B * u / m_A;
     const double V = std::sin(bu);
     const double U = (V * m_cosGamma0 + S * m_sinGamma0) / Tq;
+    if (std::fabs(std::fabs(U) - 1.0) < 1e-10) {
+        // The poles: the isometric latitude is infinite there.
+        *phi = U < 0.0 ? -kPi / 2 : kPi / 2;
+        *lambda = m_lambda0;
+        return;
+    }
     const double t = std::pow(m_H / std::sqrt((1.0 + U) / (1.0 - U)), 1.0 / m_B);
     // chi = pi/2 - 2 atan t; then geodetic from conformal latitude.
     *phi = std::atan(CKvConformalLatitude::Tau((1.0 / t - t) / 2.0, m_e));

@@ -61,7 +61,7 @@ void CKvKrovak::Geo2Proj(double lon, double lat, double* x, double* y) const
         2.0 *
         (std::atan(m_t0 * std::pow(std::tan(phi / 2 + kPi / 4), m_B) / std::pow((1.0 + es) / (1.0 - es), e * m_B / 2)) -
          kPi / 4);
-    const double V = m_B * (m_lambda0 - lon * kDeg);
+    const double V = -m_B * CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
     const double T = std::asin(m_cosAlpha * std::sin(U) + m_sinAlpha * std::cos(U) * std::cos(V));
     const double D = std::asin(std::cos(U) * std::sin(V) / std::cos(T));
     const double theta = m_n * D;

@@ -42,7 +42,7 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, dou
 {
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
-    const double phi = lat * kDeg, dl = lon * kDeg - m_lambda0;
+    const double phi = lat * kDeg, dl = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
     const double q = _q(phi);
     if (m_pole != 0) {
         const double rho = m_a * std::sqrt(m_qP - m_pole * q);
@@ -64,7 +64,7 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(double x, double y, double*
         const double rho = std::sqrt(dx * dx + dy * dy);
         const double beta = m_pole * std::asin(1.0 - rho * rho / (m_a * m_a * m_qP));
         *lat = _geodetic(beta) / kDeg;
-        *lon = (m_lambda0 + std::atan2(dx, -m_pole * dy)) / kDeg;
+        *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + std::atan2(dx, -m_pole * dy)) / kDeg);
         return;
     }
     const double rho = std::sqrt(dx * dx / (m_D * m_D) + m_D * m_D * dy * dy);
@@ -76,5 +76,6 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(double x, double y, double*
     const double sc = std::sin(C), cc = std::cos(C);
     const double beta = std::asin(cc * m_sinBeta0 + m_D * dy * sc * m_cosBeta0 / rho);
     *lat = _geodetic(beta) / kDeg;
-    *lon = (m_lambda0 + std::atan2(dx * sc, m_D * rho * m_cosBeta0 * cc - m_D * m_D * dy * m_sinBeta0 * sc)) / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees(
+        (m_lambda0 + std::atan2(dx * sc, m_D * rho * m_cosBeta0 * cc - m_D * m_D * dy * m_sinBeta0 * sc)) / kDeg);
 }

@@ -19,7 +19,7 @@ void CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(double lon, double lat, double
 {
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
-    const double phi = lat * kDeg, dl = lon * kDeg - m_lambda0;
+    const double phi = lat * kDeg, dl = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
     const double s = std::sin(phi), c = std::cos(phi), cdl = std::cos(dl);
     // The antipode of the centre (k' infinite) gives non-finite results.
     const double k = std::sqrt(2.0 / (1.0 + m_sinPhi0 * s + m_cosPhi0 * c * cdl));
@@ -38,5 +38,5 @@ void CKvLambertAzimuthalEqualAreaSphere::Proj2Geo(double x, double y, double* lo
     const double c = 2.0 * std::asin(rho / (2.0 * m_a));
     const double sc = std::sin(c), cc = std::cos(c);
     *lat = std::asin(cc * m_sinPhi0 + dy * sc * m_cosPhi0 / rho) / kDeg;
-    *lon = (m_lambda0 + std::atan2(dx * sc, rho * m_cosPhi0 * cc - dy * m_sinPhi0 * sc)) / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + std::atan2(dx * sc, rho * m_cosPhi0 * cc - dy * m_sinPhi0 * sc)) / kDeg);
 }

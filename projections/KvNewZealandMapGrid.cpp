@@ -51,7 +51,7 @@ void CKvNewZealandMapGrid::Geo2Proj(double lon, double lat, double* x, double* y
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double dPhi = (lat - m_phi0) * 3600.0 * 1e-5;
-    const Complex zeta(Polynomial(kA, 10, dPhi), (lon - m_lambda0) * kDeg);
+    const Complex zeta(Polynomial(kA, 10, dPhi), CKvAngle::ReduceLongitudeDegrees(lon - m_lambda0) * kDeg);
     const Complex z = Polynomial(kB, 6, zeta);
     *x = m_FE + _a() * z.imag();
     *y = m_FN + _a() * z.real();

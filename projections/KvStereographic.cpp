@@ -23,10 +23,11 @@ CKvStereographic::CKvStereographic(const std::string& name, double k0, double ce
     _init(k0, centralMeridian, originLatitude, falseEasting, falseNorthing);
 }
 
-double CKvStereographic::_w(double phi) const
+double CKvStereographic::_psi(double phi) const
 {
-    const double s = std::sin(phi), es = _e() * s;
-    return std::pow((1.0 + s) / (1.0 - s) * std::pow((1.0 - es) / (1.0 + es), _e()), m_n);
+    // The isometric latitude, atanh(sin phi) - e atanh(e sin phi), with the first
+    // term as asinh(tan phi), which keeps its precision up to the poles.
+    return std::asinh(std::tan(phi)) - _e() * std::atanh(_e() * std::sin(phi));
 }
 
 void CKvStereographic::_init(double k0, double centralMeridian, double originLatitude, double falseEasting,
@@ -37,53 +38,63 @@ void CKvStereographic::_init(double k0, double centralMeridian, double originLat
     m_phi0 = originLatitude * kDeg;
     m_FE = falseEasting;
     m_FN = falseNorthing;
-    const double e2 = _e2(), s0 = std::sin(m_phi0), c0 = std::cos(m_phi0);
-    // The conformal sphere: radius sqrt(rho0 nu0), longitudes scaled by n.
+    const double e = _e(), e2 = _e2(), s0 = std::sin(m_phi0), c0 = std::cos(m_phi0);
+    // The conformal sphere of the guidance note (method 9809): radius sqrt(rho0 nu0),
+    // longitudes scaled by n, and its latitude chi with sin chi = (w - 1) / (w + 1),
+    // w = c exp(2 n psi) for the isometric latitude psi; that is chi = gd(n psi + ln(c) / 2).
     const double rho0 = _a() * (1.0 - e2) / std::pow(1.0 - e2 * s0 * s0, 1.5);
     const double nu0 = _a() / std::sqrt(1.0 - e2 * s0 * s0);
     m_R = std::sqrt(rho0 * nu0);
-    m_n = std::sqrt(1.0 + e2 * c0 * c0 * c0 * c0 / (1.0 - e2));
-    m_c = 1.0;
-    const double w1 = _w(m_phi0);
-    const double sinChi00 = (w1 - 1.0) / (w1 + 1.0);
-    m_c = (m_n + s0) * (1.0 - sinChi00) / ((m_n - s0) * (1.0 + sinChi00));
-    const double w2 = m_c * w1;
-    m_chi0 = std::asin((w2 - 1.0) / (w2 + 1.0));
-    m_sinChi0 = std::sin(m_chi0);
-    m_cosChi0 = std::cos(m_chi0);
-    m_g = 2.0 * m_R * m_k0 * std::tan(kPi / 4 - m_chi0 / 2);
-    m_h = 4.0 * m_R * m_k0 * std::tan(m_chi0) + m_g;
+    const double q = e2 * c0 * c0 * c0 * c0 / (1.0 - e2);
+    m_n = std::sqrt(1.0 + q);
+    m_sinChi0 = s0 / m_n;
+    m_cosChi0 = std::sqrt((1.0 - m_sinChi0) * (1.0 + m_sinChi0));
+    m_chi0 = std::asin(m_sinChi0);
+    // c makes the origin's conformal latitude asin(sin phi0 / n):
+    // ln(c) / 2 = atanh(sin phi0 / n) - n psi0, with n - sin phi0 written so that it
+    // keeps its precision at the poles. There the value tends to +-e atanh(e), the
+    // polar stereographic's constant, which stands in where the terms overflow.
+    const double nMinusS0 = q / (m_n + 1.0) + c0 * c0 / (1.0 + s0);
+    m_halfLnC = 0.5 * std::log((m_n + s0) / nMinusS0) - m_n * _psi(m_phi0);
+    if (!std::isfinite(m_halfLnC))
+        m_halfLnC = (s0 < 0.0 ? -e : e) * std::atanh(e);
+    m_twoRk0 = 2.0 * m_R * m_k0;
 }
 
 void CKvStereographic::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
-    const double dLambda = m_n * (lon * kDeg - m_lambda0); // conformal longitude from the origin's
-    const double w = m_c * _w(lat * kDeg);
-    const double sinChi = (w - 1.0) / (w + 1.0);
-    const double cosChi = std::sqrt(1.0 - sinChi * sinChi);
-    const double B = 1.0 + sinChi * m_sinChi0 + cosChi * m_cosChi0 * std::cos(dLambda);
-    *x = m_FE + 2.0 * m_R * m_k0 * cosChi * std::sin(dLambda) / B;
-    *y = m_FN + 2.0 * m_R * m_k0 * (sinChi * m_cosChi0 - cosChi * m_sinChi0 * std::cos(dLambda)) / B;
+    const double dLambda = m_n * CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0); // conformal longitude
+    const double t = m_n * _psi(lat * kDeg) + m_halfLnC;
+    // sin chi = tanh t and cos chi = sech t: exact to the poles, where cos chi is tiny.
+    const double sinChi = std::tanh(t);
+    const double cosChi = 1.0 / std::cosh(t);
+    const double cosDl = std::cos(dLambda);
+    const double B = 1.0 + sinChi * m_sinChi0 + cosChi * m_cosChi0 * cosDl;
+    *x = m_FE + m_twoRk0 * cosChi * std::sin(dLambda) / B;
+    *y = m_FN + m_twoRk0 * (sinChi * m_cosChi0 - cosChi * m_sinChi0 * cosDl) / B;
 }
 
 void CKvStereographic::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    // The point on the conformal sphere as a unit vector in the frame of the origin's
+    // meridian: at angular distance c from the origin, with tan(c / 2) = rho / 2 R k0,
+    // towards (dE, dN). sin(c) / rho is taken as a whole so that the origin itself
+    // needs no special case.
     const double dE = x - m_FE, dN = y - m_FN;
-    const double i = std::atan(dE / (m_h + dN));
-    const double j = std::atan(dE / (m_g - dN)) - i;
-    const double chi = m_chi0 + 2.0 * std::atan((dN - dE * std::tan(j / 2)) / (2.0 * m_R * m_k0));
-    const double dLambda = j + 2.0 * i;
-    *lon = (dLambda / m_n + m_lambda0) / kDeg;
-    // From the conformal sphere's latitude to the ellipsoid: its isometric latitude
-    // psi = ln((1 + sin chi) / (c (1 - sin chi))) / (2n), whose sinh is the tangent of
-    // the conformal latitude; the geodetic latitude by Newton's method.
-    const double s = std::sin(chi);
-    const double psi = 0.5 * std::log((1.0 + s) / (m_c * (1.0 - s))) / m_n;
-    const double phi = std::atan(CKvConformalLatitude::Tau(std::sinh(psi), _e()));
-    *lat = phi / kDeg;
-    *lon = CKvAngle::ReduceLongitudeDegrees(*lon);
+    const double tHalf2 = (dE * dE + dN * dN) / (m_twoRk0 * m_twoRk0);
+    const double cosC = (1.0 - tHalf2) / (1.0 + tHalf2);
+    const double sinCPerRho = 2.0 / (m_twoRk0 * (1.0 + tHalf2));
+    const double px = cosC * m_cosChi0 - sinCPerRho * dN * m_sinChi0;
+    const double py = sinCPerRho * dE;
+    const double pz = cosC * m_sinChi0 + sinCPerRho * dN * m_cosChi0;
+    // Back through the conformal sphere: its isometric latitude asinh(tan chi), then
+    // the ellipsoid's, whose sinh is the tangent of the conformal latitude; the
+    // geodetic latitude by Newton's method.
+    const double psi = (std::asinh(pz / std::hypot(px, py)) - m_halfLnC) / m_n;
+    *lat = std::atan(CKvConformalLatitude::Tau(std::sinh(psi), _e())) / kDeg;
+    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + std::atan2(py, px) / m_n) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
 

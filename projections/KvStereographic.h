@@ -24,11 +24,11 @@ public:
 
 private:
     void _init(double k0, double centralMeridian, double originLatitude, double falseEasting, double falseNorthing);
-    double _w(double phi) const; // the conformal sphere's w of a latitude, without c
+    double _psi(double phi) const; // the isometric latitude
 
     double m_k0, m_lambda0, m_phi0, m_FE, m_FN;
-    double m_R, m_n, m_c, m_chi0, m_sinChi0, m_cosChi0;
-    double m_g, m_h; // the inverse's constants, 2 R k0 tan(pi/4 - chi0/2) and 4 R k0 tan chi0 + g
+    double m_R, m_n, m_halfLnC, m_chi0, m_sinChi0, m_cosChi0;
+    double m_twoRk0;
 };
 
 #endif
