@@ -5,8 +5,6 @@
 #include "projections/KvHotineCore.h"
 #include "projections/KvProjectionEngine.h"
 
-#include <cmath>
-
 // The interface part of the oblique Mercator engines, in degrees.
 template <class TEngine, class TDefinition> class CKvHotineEngine : public CKvEngine<TEngine, TDefinition>
 {
@@ -40,16 +38,7 @@ protected:
     static constexpr double kDeg = 3.141592653589793 / 180.0;
     using CKvEngine<TEngine, TDefinition>::CKvEngine;
 
-    // Without a grid angle of its own, the grid is rectified by the angle whose sine
-    // is that of the azimuth, asin(D sin gamma0) in the guidance note's terms: the
-    // azimuth itself within +-90 degrees, 180 - azimuth beyond (as PROJ's omerc does),
-    // so that the u axis keeps pointing north of east.
-    static double _rectifiedGridAngle(double azimuth)
-    {
-        return std::asin(std::sin(azimuth * kDeg)) / kDeg;
-    }
-
-    // Degrees in.
+    // Degrees in; the grid angle gammaC is the azimuth unless a rotation is given.
     void _init(double kc, double lonC, double latC, double azimuth, double gridAngle, bool variantB, double fe,
                double fn)
     {

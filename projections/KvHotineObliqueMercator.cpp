@@ -2,7 +2,7 @@
 
 CKvHotineObliqueMercator::CKvHotineObliqueMercator(const CKvHotineObliqueMercatorProjection* d) : CKvHotineEngine(*d)
 {
-    _init(d->GetScale(), d->GetCenterLongitude(), d->GetCenterLatitude(), d->GetAzimuth(), _rectifiedGridAngle(d->GetAzimuth()), false,
+    _init(d->GetScale(), d->GetCenterLongitude(), d->GetCenterLatitude(), d->GetAzimuth(), d->GetAzimuth(), false,
           d->GetFalseEasting(), d->GetFalseNorthing());
 }
 
@@ -11,5 +11,5 @@ CKvHotineObliqueMercator::CKvHotineObliqueMercator(const std::string& name, doub
                                                    double falseNorthing, const CKvEllipsoid& ellipsoid)
     : CKvHotineEngine(name.c_str(), ellipsoid)
 {
-    _init(scale, centerLongitude, centerLatitude, azimuth, _rectifiedGridAngle(azimuth), false, falseEasting, falseNorthing);
+    _init(scale, centerLongitude, centerLatitude, azimuth, azimuth, false, falseEasting, falseNorthing);
 }

@@ -2,7 +2,7 @@
 
 CKvObliqueMercator::CKvObliqueMercator(const CKvObliqueMercatorProjection* d) : CKvHotineEngine(*d)
 {
-    _init(d->GetScale(), d->GetCenterLongitude(), d->GetCenterLatitude(), d->GetAzimuth(), _rectifiedGridAngle(d->GetAzimuth()), true,
+    _init(d->GetScale(), d->GetCenterLongitude(), d->GetCenterLatitude(), d->GetAzimuth(), d->GetAzimuth(), true,
           d->GetFalseEasting(), d->GetFalseNorthing());
 }
 
@@ -11,5 +11,5 @@ CKvObliqueMercator::CKvObliqueMercator(const std::string& name, double scale, do
                                        const CKvEllipsoid& ellipsoid)
     : CKvHotineEngine(name.c_str(), ellipsoid)
 {
-    _init(scale, centerLongitude, centerLatitude, azimuth, _rectifiedGridAngle(azimuth), true, falseEasting, falseNorthing);
+    _init(scale, centerLongitude, centerLatitude, azimuth, azimuth, true, falseEasting, falseNorthing);
 }

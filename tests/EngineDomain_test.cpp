@@ -170,3 +170,33 @@ TEST(EngineDomain, EveryDoubleReturnsAndOutOfDomainIsNotFinite)
     }
     EXPECT_GT(cases, 100000);
 }
+
+#include "projections/KvObliqueMercator.h"
+#include "projections/KvPolarStereographic.h"
+
+TEST(EngineDomain, PolesAndCentresLandWhereTheyShould)
+{
+    const CKvEllipsoid wgs84("WGS 84", "WE", 6378137.0, 298.257223563);
+    // The pole of a polar stereographic grid is its false origin, and back.
+    for (double pole : {90.0, -90.0}) {
+        const CKvPolarStereographic ups("ups", 0.994, 0.0, pole, 2000000.0, 2000000.0, wgs84);
+        double lon = kNaN, lat = kNaN;
+        ups.Proj2Geo(2000000.0, 2000000.0, &lon, &lat);
+        EXPECT_EQ(lat, pole);
+        EXPECT_TRUE(std::isfinite(lon));
+    }
+    // An oblique Mercator with its azimuth at the centre puts the centre on the false
+    // origin, whichever way the centre line runs.
+    for (double azimuth = -179.0; azimuth <= 180.0; azimuth += 7.0) {
+        if (std::fabs(std::fabs(azimuth) - 90.0) < 1e-9)
+            continue;
+        const CKvObliqueMercator omerc("omerc", 0.9996, 10.0, 45.0, azimuth, 500000.0, 200000.0, wgs84);
+        double x, y, lon, lat;
+        omerc.Geo2Proj(10.0, 45.0, &x, &y);
+        EXPECT_NEAR(x, 500000.0, 1e-6) << azimuth;
+        EXPECT_NEAR(y, 200000.0, 1e-6) << azimuth;
+        omerc.Proj2Geo(500000.0, 200000.0, &lon, &lat);
+        EXPECT_NEAR(lon, 10.0, 1e-9) << azimuth;
+        EXPECT_NEAR(lat, 45.0, 1e-9) << azimuth;
+    }
+}

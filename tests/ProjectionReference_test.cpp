@@ -45,9 +45,9 @@ struct Case
     std::vector<Point> points;
 };
 
-std::vector<Case> LoadCases()
+std::vector<Case> LoadCases(const std::string& file)
 {
-    std::ifstream in(KVCART_TEST_DATA_DIR "projection_vectors.txt");
+    std::ifstream in(KVCART_TEST_DATA_DIR + file);
     std::vector<Case> cases;
     std::string line;
     while (std::getline(in, line)) {
@@ -145,9 +145,11 @@ void Measure(const Case& c, const CKvProjection& engine, Worst& worst)
         const double forward =
             angular ? std::max(AngleDifference(x, p.x), std::fabs(y - p.y)) : std::hypot(x - p.x, y - p.y);
         engine.Proj2Geo(p.x, p.y, &lon, &lat);
-        const double inverse = std::max(AngleDifference(lon, p.lon), std::fabs(lat - p.lat));
+        // At a pole the longitude means nothing.
+        const bool pole = std::fabs(p.lat) == 90.0;
+        const double inverse = std::max(pole ? 0.0 : AngleDifference(lon, p.lon), std::fabs(lat - p.lat));
         engine.Proj2Geo(x, y, &lon2, &lat2);
-        const double roundTrip = std::max(AngleDifference(lon2, p.lon), std::fabs(lat2 - p.lat));
+        const double roundTrip = std::max(pole ? 0.0 : AngleDifference(lon2, p.lon), std::fabs(lat2 - p.lat));
         // A non-finite result is the worst of errors (std::max would drop a NaN).
         auto worse = [](double current, double error) {
             return std::isfinite(error) ? std::max(current, error) : HUGE_VAL;
@@ -161,25 +163,36 @@ void Measure(const Case& c, const CKvProjection& engine, Worst& worst)
 
 const std::vector<Case>& Cases()
 {
-    static const std::vector<Case> cases = LoadCases();
+    static const std::vector<Case> cases = LoadCases("projection_vectors.txt");
+    return cases;
+}
+
+// Grids next to the antimeridian, the poles, a polar origin, azimuths all round.
+const std::vector<Case>& DomainCases()
+{
+    static const std::vector<Case> cases = LoadCases("domain_vectors.txt");
     return cases;
 }
 
 // Runs one engine family over its cases and checks the bounds.
-void CheckFamily(const std::string& family, double forwardBound, double inverseBound, bool complexTm = false)
+void CheckFamily(const std::string& family, double forwardBound, double inverseBound, bool complexTm = false,
+                 const std::vector<Case>& all = Cases())
 {
     Worst worst;
     int cases = 0;
-    for (const Case& c : Cases()) {
+    for (const Case& c : all) {
         if (c.engine != family)
             continue;
         std::unique_ptr<CKvProjection> engine = MakeEngine(c, complexTm);
         ASSERT_NE(engine, nullptr);
         Worst one;
         Measure(c, *engine, one);
-        EXPECT_LE(one.forward, forwardBound) << family << " on " << c.figure;
-        EXPECT_LE(one.inverse, inverseBound) << family << " on " << c.figure;
-        EXPECT_LE(one.roundTrip, inverseBound) << family << " on " << c.figure;
+        std::string params;
+        for (double v : c.params)
+            params += " " + std::to_string(v);
+        EXPECT_LE(one.forward, forwardBound) << family << " on " << c.figure << params;
+        EXPECT_LE(one.inverse, inverseBound) << family << " on " << c.figure << params;
+        EXPECT_LE(one.roundTrip, inverseBound) << family << " on " << c.figure << params;
         worst.forward = std::max(worst.forward, one.forward); // HUGE_VAL stands for a NaN met
         worst.inverse = std::max(worst.inverse, one.inverse);
         worst.roundTrip = std::max(worst.roundTrip, one.roundTrip);
@@ -270,4 +283,18 @@ TEST(ProjectionReference, AzimuthalEqualAreaAndCassiniAgainstProj)
     // inverse series leave 3.1e-8 degree 2 degrees from the central meridian.
     CheckFamily("laea", 1e-3, 2e-8);
     CheckFamily("cass", 1e-3, 5e-8);
+}
+
+// The edges PROJ handles and the engines must too: a point given as 180 or -180
+// east lands on the same meridian, the poles are finite, a stereographic may sit
+// on a pole, and an oblique Mercator centre line may run in any direction.
+TEST(ProjectionReference, EdgesOfTheDomainAgainstProj)
+{
+    EXPECT_EQ(DomainCases().size(), 64u);
+    CheckFamily("sterea", 1e-3, 1e-9, false, DomainCases());
+    CheckFamily("cass", 1e-3, 5e-8, false, DomainCases());
+    CheckFamily("laea", 1e-3, 2e-8, false, DomainCases());
+    CheckFamily("omerc_b", 1e-3, 1e-9, false, DomainCases());
+    CheckFamily("krovak", 1e-3, 1e-9, false, DomainCases());
+    CheckFamily("nzmg", 1e-3, 1e-9, false, DomainCases());
 }
