@@ -2,10 +2,12 @@
 BUILD      ?= build
 SAN_BUILD  ?= build-sanitize
 BENCH_BUILD ?= build-bench
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE      ?= cmake
 
-.PHONY: all deps configure build test run test-sanitize bench clean
+.PHONY: all deps configure build test run test-sanitize bench fuzz clean
 
 all: build
 
@@ -37,5 +39,14 @@ bench: deps
 	$(CMAKE) --build $(BENCH_BUILD) -j $(JOBS)
 	$(BENCH_BUILD)/bench/kvcart_bench
 
+# libFuzzer under ASan and UBSan (clang): any crash, hang (10 s), leak or sanitizer
+# report fails. New inputs go to a scratch corpus; the committed seeds stay as they are.
+fuzz: deps
+	$(CMAKE) -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DKVCART_FUZZ=ON -DKVCART_TESTS=OFF
+	$(CMAKE) --build $(FUZZ_BUILD) -j $(JOBS)
+	mkdir -p $(FUZZ_BUILD)/corpus-catalogue
+	UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 $(FUZZ_BUILD)/fuzz_catalogue -max_total_time=$(FUZZ_SECONDS) \
+		-timeout=10 -rss_limit_mb=4096 -print_final_stats=1 $(FUZZ_BUILD)/corpus-catalogue tests/fuzz/catalogue_seeds
+
 clean:
-	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD)
+	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)

@@ -1,10 +1,11 @@
 #!/bin/sh
 # Installs the Debian packages the build needs, when they are missing.
-# Only the compiler, CMake and the test/benchmark frameworks: the library itself
+# Only the compilers (clang for the fuzz targets), CMake and the test/benchmark
+# frameworks: the library itself
 # depends on the C++ standard library and libm alone.
 set -e
 need=""
-for pkg in g++ cmake make libgtest-dev libbenchmark-dev locales; do
+for pkg in g++ cmake make libgtest-dev libbenchmark-dev locales clang libclang-rt-14-dev; do
   dpkg -s "$pkg" >/dev/null 2>&1 || need="$need $pkg"
 done
 [ -z "$need" ] && exit 0
