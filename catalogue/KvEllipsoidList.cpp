@@ -74,12 +74,7 @@ int CKvEllipsoidList::ReadEllipsoids(const std::string& fileName, bool custom)
             record->AddEntry(ellipsoid);
         }
     }
-    record->FinishLoad();
-    m_problems += record->GetProblems();
-    const int status = record->GetStatus();
-    if (custom)
-        m_userFiles.push_back(std::move(record));
-    return status;
+    return CKvUserCatalogue::FinishRead(m_userFiles, std::move(record), custom, m_problems);
 }
 
 int CKvEllipsoidList::WriteCustomEllipsoids(const std::string& fileName) const

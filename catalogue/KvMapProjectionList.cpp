@@ -89,12 +89,7 @@ int CKvMapProjectionList::ReadMapProjections(const std::string& fileName, bool c
         m_definitions.push_back(definition);
         record->AddEntry(definition);
     }
-    record->FinishLoad();
-    m_problems += record->GetProblems();
-    const int status = record->GetStatus();
-    if (custom)
-        m_userFiles.push_back(std::move(record));
-    return status;
+    return CKvUserCatalogue::FinishRead(m_userFiles, std::move(record), custom, m_problems);
 }
 
 int CKvMapProjectionList::WriteCustomMapProjections(const std::string& fileName, bool onlyCustom) const

@@ -295,6 +295,17 @@ bool CKvUserCatalogue::WriteBack(const std::function<bool(const void*)>& isLive,
     return saved;
 }
 
+int CKvUserCatalogue::FinishRead(List& files, std::unique_ptr<CKvUserCatalogue> record, bool keep,
+                                 std::string& problems)
+{
+    record->FinishLoad();
+    problems += record->GetProblems();
+    const int status = record->GetStatus();
+    if (keep)
+        files.push_back(std::move(record));
+    return status;
+}
+
 bool CKvUserCatalogue::WriteBackList(List& files, const std::string& path, const char* targetName,
                                      const Writer& writer, const std::vector<const void*>& entries,
                                      std::string& message)

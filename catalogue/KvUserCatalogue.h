@@ -81,6 +81,10 @@ public:
     // The user files that a list has read, in order. The same file read twice
     // has two records; only the first is written back.
     using List = std::vector<std::unique_ptr<CKvUserCatalogue>>;
+    // Ends a list's read of one file: frees the parsed tree, adds the file's
+    // problems to problems, keeps the record in files when it is a user file
+    // (keep), and returns the parameter-file status of the read.
+    static int FinishRead(List& files, std::unique_ptr<CKvUserCatalogue> record, bool keep, std::string& problems);
     // Writes a list's custom entries (in list order) back to path through the
     // first record of that file, or a new one for a file never read, whose
     // contents are then kept as they stand. Entries that no record holds are the

@@ -10,6 +10,8 @@
 
 #include "TestSupport.h"
 
+using kvtest::Parameters;
+
 #include <cmath>
 #include <gtest/gtest.h>
 #include <map>
@@ -34,17 +36,6 @@ std::string RunSession(const std::string& system, const std::string& user, const
         EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << command << "\n" << output;
     }
     return output;
-}
-
-std::vector<double> Parameters(const CKvMapProjData& d)
-{
-    std::vector<double> values;
-    std::string label;
-    double value;
-    CKvMapProjData::EParamType kind;
-    for (int i = 0; d.GetParameter(i, label, value, kind); ++i)
-        values.push_back(value);
-    return values;
 }
 
 } // namespace

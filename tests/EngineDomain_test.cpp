@@ -7,6 +7,8 @@
 
 #include "TestSupport.h"
 
+using kvtest::Parameters;
+
 #include <atomic>
 #include <chrono>
 #include <cmath>
@@ -63,17 +65,6 @@ private:
     std::string m_case;
     std::thread m_thread;
 };
-
-std::vector<double> Parameters(const CKvMapProjData& d)
-{
-    std::vector<double> values;
-    std::string label;
-    double value;
-    CKvMapProjData::EParamType kind;
-    for (int i = 0; d.GetParameter(i, label, value, kind); ++i)
-        values.push_back(value);
-    return values;
-}
 
 std::string Describe(double v)
 {

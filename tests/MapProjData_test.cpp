@@ -8,6 +8,8 @@
 
 #include "TestSupport.h"
 
+using kvtest::Parameters;
+
 #include <gtest/gtest.h>
 #include <memory>
 
@@ -32,17 +34,6 @@ Def ReadSection(const std::string& sectionText)
     }
     gxrClose(file);
     return found;
-}
-
-std::vector<double> Parameters(const CKvMapProjData& d)
-{
-    std::vector<double> values;
-    std::string label;
-    double value;
-    CKvMapProjData::EParamType kind;
-    for (int i = 0; d.GetParameter(i, label, value, kind); ++i)
-        values.push_back(value);
-    return values;
 }
 
 } // namespace

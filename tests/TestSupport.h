@@ -72,7 +72,10 @@ private:
 #endif
 
 #include "catalogue/KvCartSetup.h"
+#include "catalogue/KvMapProjData.h"
 #include "interface/KvCart.h"
+
+#include <vector>
 
 namespace kvtest {
 
@@ -91,6 +94,18 @@ inline const std::string& ShippedCatalogue()
         return dir;
     }();
     return userDirectory;
+}
+
+// A definition's parameters in stored order.
+inline std::vector<double> Parameters(const CKvMapProjData& d)
+{
+    std::vector<double> values;
+    std::string label;
+    double value;
+    CKvMapProjData::EParamType kind;
+    for (int i = 0; d.GetParameter(i, label, value, kind); ++i)
+        values.push_back(value);
+    return values;
 }
 
 } // namespace kvtest
