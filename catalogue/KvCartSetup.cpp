@@ -38,20 +38,20 @@ bool CKvCartSetup::WriteBack()
     // not duplicate the system catalogue. Both writes replace the file atomically,
     // and neither touches a file that did not read cleanly.
     bool ok = true;
+    const auto writeBack = [this, &ok](bool& modified, bool saved, const std::string& message) {
+        modified = !saved;
+        ok = saved && ok;
+        if (!message.empty())
+            m_lastError += message + "\n";
+    };
     std::string message;
     if (m_bMapProjectionListModified) {
         const bool saved = m_projections.WriteBackCustom(m_userDirectory + "custom_projection.gxr", message);
-        m_bMapProjectionListModified = !saved;
-        ok = saved && ok;
-        if (!message.empty())
-            m_lastError += message + "\n";
+        writeBack(m_bMapProjectionListModified, saved, message);
     }
     if (m_bEllipsoidListModified) {
         const bool saved = m_ellipsoids.WriteBackCustom(m_userDirectory + "custom_ellipsoid.gxr", message);
-        m_bEllipsoidListModified = !saved;
-        ok = saved && ok;
-        if (!message.empty())
-            m_lastError += message + "\n";
+        writeBack(m_bEllipsoidListModified, saved, message);
     }
     return ok;
 }
