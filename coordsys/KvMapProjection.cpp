@@ -2,6 +2,10 @@
 
 #include "catalogue/KvCartSetup.h"
 #include "paramfile/String.h"
+#include "projections/KvProjection.h"
+#include "wkt/KvPRJParser.h"
+
+#include <stdexcept>
 
 namespace {
 
@@ -31,6 +35,32 @@ const char* CKvMapProjection::IDtoProjectionString(int id)
     case eWgs84Geographic: return kWgs84Geographic;
     default: return "";
     }
+}
+
+CKvProjection* CKvMapProjection::GetProjection(const char* text)
+{
+    CString trimmed(text);
+    trimmed.Trim();
+    CKvPRJParser parser(trimmed);
+    parser.Parse(false);
+    if (parser.GetProjectionType() != CKvMapProjData::eNoProjection) {
+        CKvProjection* engine = parser.CreateMapProjection();
+        if (engine != nullptr)
+            return engine;
+    }
+    if (trimmed == "UTM")
+        throw std::out_of_range("Can't use generic UTM");
+    return _FindMapProjection(trimmed.IsEmpty() ? IDtoProjectionString(eNonUTM) : trimmed.GetString());
+}
+
+CKvProjection* CKvMapProjection::_FindMapProjection(const char* name)
+{
+    CKvCartSetup* setup = CKvCartSetup::Instance();
+    const CKvMapProjData* definition = setup->GetMapProjectionList().GetMapProjection(name != nullptr ? name : "");
+    if (definition == nullptr)
+        return nullptr;
+    // The engine is made by the definition alone; it copies its ellipsoid.
+    return definition->CreateProjection();
 }
 
 bool CKvMapProjection::IsLocal(const char* text)

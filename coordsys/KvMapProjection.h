@@ -4,6 +4,7 @@
 #include "catalogue/KvEllipsoid.h"
 
 class CKvMapProjData;
+class CKvProjection;
 
 // The coordinate-system object. This part holds its catalogue functions: the
 // look-ups that definitions and engines make by name, the edits of the
@@ -22,6 +23,14 @@ public:
     virtual ~CKvMapProjection() = default;
 
     static const char* IDtoProjectionString(int id);
+
+    // A new engine for a coordinate-system string, owned by the caller, or null
+    // when it resolves nowhere. The trimmed text is tried as WKT first, then as a
+    // catalogue name; blank text means "NON-UTM". The bare name "UTM" throws
+    // std::out_of_range("Can't use generic UTM"): a zone must be named.
+    static CKvProjection* GetProjection(const char* text);
+    // The engine of the catalogue definition of that name, or null.
+    static CKvProjection* _FindMapProjection(const char* name);
     // True exactly when the trimmed text is "NON-UTM".
     static bool IsLocal(const char* text);
 

@@ -26,6 +26,14 @@ int CARTWRITEBACKLINUX(void);
 // size + 1 bytes) and *status = 0.
 void CARTGETERRORLINUX(char* buffer, int size, int* status);
 
+// The coordinate system text (WKT or a catalogue name) as a PROJ.4 definition.
+// datumShift: count values (dx, dy, dz in metres, rx, ry, rz in arc-seconds,
+// scale in ppm) that replace the system's own datum shift when count >= 1; may
+// be null. The result is copied like every string result (buffer holds size + 1
+// bytes; *status = length when it does not fit). *status = -1 for the generic
+// name "UTM", which names no zone.
+void C_KVC_CONVERT2PROJ4(const char* text, double* datumShift, int count, char* buffer, int size, int* status);
+
 #ifdef __cplusplus
 }
 #endif

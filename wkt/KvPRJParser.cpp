@@ -1,9 +1,73 @@
 #include "wkt/KvPRJParser.h"
 
+#include "catalogue/KvFloatCompareRel.h"
 #include "coordsys/KvMapProjection.h"
-#include "projections/KvProjection.h"
+#include "paramfile/NumericLocale.h"
+#include "projections/KvAlbersEqualArea.h"
+#include "projections/KvCassiniSoldner.h"
+#include "projections/KvEquidistantConic.h"
+#include "projections/KvGeographical.h"
+#include "projections/KvHotineObliqueMercator.h"
+#include "projections/KvKrovak.h"
+#include "projections/KvLambert1SP.h"
+#include "projections/KvLambert2SP.h"
+#include "projections/KvLambertAzimuthalEqualArea.h"
+#include "projections/KvMercator1SP.h"
+#include "projections/KvMercator2SP.h"
+#include "projections/KvNewZealandMapGrid.h"
+#include "projections/KvObliqueMercator.h"
+#include "projections/KvPolarStereographic.h"
+#include "projections/KvRectifiedSkewOrthomorphic.h"
+#include "projections/KvRotatedLongitudeLatitude.h"
+#include "projections/KvStereographic.h"
+#include "projections/KvStereographicNorthPole.h"
+#include "projections/KvStereographicSouthPole.h"
+#include "projections/KvTransverseMercatorJHS.h"
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
 
 namespace {
+
+// The tokenizer's delimiter sets.
+const char kNodeDelimiters[] = "[]\"";
+const char kValueDelimiters[] = "],";
+
+// The degree as a WKT angular unit, in radians.
+constexpr double kDegree = 0.017453292519943295;
+
+// Deeper nesting than this is indented as this level when WKT is re-flowed, so
+// that hostile text cannot make the output grow with the square of its length.
+constexpr int kMaxIndentLevel = 32;
+
+std::string LowerCase(const std::string& text)
+{
+    std::string lower(text);
+    for (char& c : lower)
+        if (c >= 'A' && c <= 'Z')
+            c = static_cast<char>(c - 'A' + 'a');
+    return lower;
+}
+
+double ToDouble(const CString& token)
+{
+    return CNumericLocale::Strtod(token.GetString(), nullptr);
+}
+
+// The value of the quoted parameter name in text, whose lower-case copy is
+// lower; false when the name does not occur.
+bool FindParam(const CString& text, const std::string& lower, const char* name, double& value)
+{
+    const std::string key = "\"" + LowerCase(name) + "\"";
+    const size_t at = lower.find(key);
+    if (at == std::string::npos)
+        return false;
+    int pos = static_cast<int>(at);
+    text.Tokenize(kValueDelimiters, pos); // the quoted name
+    value = ToDouble(text.Tokenize(kValueDelimiters, pos));
+    return true;
+}
 
 // WKT projection names and the projection types they stand for. Several names
 // deliberately share a type: the south-orientated and Gauss-Kruger names are
@@ -110,17 +174,124 @@ CKvMapProjData::EProjectionType CKvPRJParser::LookUpProjectionName(const CString
     return found != m_projectionNames.end() ? found->second : CKvMapProjData::eNoProjection;
 }
 
-CString CKvPRJParser::GetName(const CString& text, const char* keyword)
+namespace {
+
+// Reads the name of the node whose keyword starts at index at: returns the
+// position after the name (-1 at the end of the text).
+int ReadNodeName(const CString& text, int at, const char* keyword, CString& name)
+{
+    // A well-formed node with an empty name, KEYWORD["": the tokenizer would skip
+    // the empty quotes and take the text after them for the name.
+    const int after = at + static_cast<int>(std::strlen(keyword));
+    if (text.GetStdString().compare(static_cast<size_t>(after), 3, "[\"\"") == 0) {
+        name.Empty();
+        return after + 3;
+    }
+    int pos = at;
+    text.Tokenize(kNodeDelimiters, pos); // the keyword itself
+    name = text.Tokenize(kNodeDelimiters, pos);
+    return pos;
+}
+
+// Name and value token of the first node of keyword; false when it is absent.
+// remainder: the text after the value token.
+bool NameAndValue(const CString& text, const char* keyword, CString& name, CString& value, CString& remainder)
 {
     const int at = text.Find(keyword);
     if (at < 0)
+        return false;
+    int pos = ReadNodeName(text, at, keyword, name);
+    value = text.Tokenize(kValueDelimiters, pos);
+    remainder = pos >= 0 ? text.Mid(pos) : CString();
+    return true;
+}
+
+} // namespace
+
+CString CKvPRJParser::GetName(const CString& text, const char* keyword)
+{
+    const int at = text.Find(keyword);
+    CString name;
+    if (at >= 0)
+        ReadNodeName(text, at, keyword, name);
+    return name;
+}
+
+CString CKvPRJParser::GetNameParam(const CString& text, const char* keyword, CString& name, double& value)
+{
+    CString token, remainder;
+    if (!NameAndValue(text, keyword, name, token, remainder))
         return CString();
-    static const char delimiters[] = "[]\"";
-    int pos = at;
-    text.Tokenize(delimiters, pos); // the keyword itself
-    if (pos < 0)
+    value = ToDouble(token);
+    return remainder;
+}
+
+CString CKvPRJParser::GetNameParam(const CString& text, const char* keyword, CString& name, CString& value)
+{
+    CString token, remainder;
+    if (!NameAndValue(text, keyword, name, token, remainder))
         return CString();
-    return text.Tokenize(delimiters, pos);
+    value = token.Trim();
+    return remainder;
+}
+
+double CKvPRJParser::GetParam(const CString& text, const char* name, double defaultValue)
+{
+    double value = defaultValue;
+    FindParam(text, LowerCase(text.GetStdString()), name, value);
+    return value;
+}
+
+double CKvPRJParser::GetParam(const CString& text, const std::list<CString>& names, double defaultValue)
+{
+    const std::string lower = LowerCase(text.GetStdString());
+    double value = defaultValue;
+    for (const CString& name : names)
+        if (FindParam(text, lower, name, value))
+            break;
+    return value;
+}
+
+int CKvPRJParser::_MatchBrackets(const CString& text)
+{
+    int level = 0;
+    const int length = text.GetLength();
+    for (int i = 0; i < length; ++i) {
+        const char c = text.GetAt(i);
+        if (c == '[')
+            ++level;
+        else if (c == ']' && --level < 0)
+            return i;
+    }
+    return level != 0 ? length : -1;
+}
+
+bool CKvPRJParser::_MatchCommas(const CString& text)
+{
+    const std::string& s = text.GetStdString();
+    return std::count(s.begin(), s.end(), ',') > std::count(s.begin(), s.end(), '[');
+}
+
+int CKvPRJParser::_GetBracketLevel(const CString& text)
+{
+    int level = 0;
+    for (const char c : text.GetStdString()) {
+        if (c == '[')
+            ++level;
+        else if (c == ']' && --level < 0)
+            break;
+    }
+    return level;
+}
+
+bool CKvPRJParser::IsPRJ(const CString& text)
+{
+    return _MatchBrackets(text) < 0 && _MatchCommas(text) && (text.Find("PROJCS") >= 0 || text.Find("GEOGCS") >= 0);
+}
+
+CString CKvPRJParser::DatumName(const CString& text)
+{
+    return GetName(text, "DATUM");
 }
 
 CString CKvPRJParser::ShortName(const CString& text)
@@ -199,4 +370,605 @@ void CKvPRJParser::SetAxisInfo(EAxisType axis, const CString& name, const CStrin
         return;
     m_axisName[axis - 1] = name;
     m_axisDirection[axis - 1] = direction;
+}
+
+namespace {
+
+// A PARAMETER of the reader: up to two alternative names, tried in order, the
+// field it fills and whether the type needs it.
+struct SReadParameter
+{
+    const char* names[2];
+    void (CKvPRJParser::*set)(double);
+    double (CKvPRJParser::*get)() const;
+    bool required;
+};
+
+#define KV_FIELD(Field) &CKvPRJParser::Set##Field, &CKvPRJParser::Get##Field
+const SReadParameter kFalseEasting = {{"False_Easting", nullptr}, KV_FIELD(FalseEasting), true};
+const SReadParameter kFalseNorthing = {{"False_Northing", nullptr}, KV_FIELD(FalseNorthing), true};
+const SReadParameter kCentralMeridian = {{"Central_Meridian", nullptr}, KV_FIELD(CentralMeridian), true};
+const SReadParameter kScaleFactor = {{"Scale_Factor", nullptr}, KV_FIELD(ScaleFactor), true};
+const SReadParameter kLatitudeOfOrigin = {{"Latitude_Of_Origin", nullptr}, KV_FIELD(LatitudeOfOrigin), true};
+const SReadParameter kParallel1 = {{"Standard_Parallel_1", nullptr}, KV_FIELD(StandardParallel1), true};
+const SReadParameter kParallel2 = {{"Standard_Parallel_2", nullptr}, KV_FIELD(StandardParallel2), true};
+const SReadParameter kLongitudeOfCenter = {{"Longitude_Of_Center", nullptr}, KV_FIELD(LongitudeOfCenter), true};
+const SReadParameter kLatitudeOfCenter = {{"Latitude_Of_Center", nullptr}, KV_FIELD(LatitudeOfCenter), true};
+const SReadParameter kAzimuth = {{"Azimuth", nullptr}, KV_FIELD(Azimuth), true};
+const SReadParameter kXYPlaneRotation = {{"XY_Plane_Rotation", nullptr}, KV_FIELD(XYPlaneRotation), true};
+#undef KV_FIELD
+
+// The parameter lists of the reader, per type.
+const SReadParameter kReadTransverseMercator[] = {kFalseEasting, kFalseNorthing, kCentralMeridian, kScaleFactor,
+                                                  kLatitudeOfOrigin};
+const SReadParameter kReadLambert2SP[] = {kFalseEasting, kFalseNorthing, kCentralMeridian, kParallel1,
+                                          kParallel2,    kScaleFactor,   kLatitudeOfOrigin};
+const SReadParameter kReadStereographic[] = {
+    kFalseEasting, kFalseNorthing,
+    {{"Central_Meridian", "Longitude_Of_Origin"}, &CKvPRJParser::SetCentralMeridian,
+     &CKvPRJParser::GetCentralMeridian, true},
+    kScaleFactor, kLatitudeOfOrigin};
+const SReadParameter kReadNewZealand[] = {kFalseEasting, kFalseNorthing,
+                                          {{"Longitude_Of_Origin", "Central_Meridian"},
+                                           &CKvPRJParser::SetCentralMeridian,
+                                           &CKvPRJParser::GetCentralMeridian,
+                                           true},
+                                          kLatitudeOfOrigin};
+const SReadParameter kReadHotine[] = {kFalseEasting,
+                                      kFalseNorthing,
+                                      kLongitudeOfCenter,
+                                      kLatitudeOfCenter,
+                                      kAzimuth,
+                                      {{"Rectified_Grid_Angle", nullptr},
+                                       &CKvPRJParser::SetXYPlaneRotation,
+                                       &CKvPRJParser::GetXYPlaneRotation,
+                                       false},
+                                      kScaleFactor};
+const SReadParameter kReadSkewOrthomorphic[] = {kFalseEasting, kFalseNorthing,  kLongitudeOfCenter, kLatitudeOfCenter,
+                                                kAzimuth,      kXYPlaneRotation, kScaleFactor};
+const SReadParameter kReadRotated[] = {
+    {{"Longitude_Of_South_Pole", nullptr}, &CKvPRJParser::SetLongitudeOfSouthPole,
+     &CKvPRJParser::GetLongitudeOfSouthPole, true},
+    {{"Latitude_Of_South_Pole", nullptr}, &CKvPRJParser::SetLatitudeOfSouthPole, &CKvPRJParser::GetLatitudeOfSouthPole,
+     true},
+    {{"Angle_Of_Rotation", nullptr}, &CKvPRJParser::SetAngleOfRotation, &CKvPRJParser::GetAngleOfRotation, true}};
+const SReadParameter kReadMercator2SP[] = {kFalseEasting, kFalseNorthing, kCentralMeridian, kParallel1};
+const SReadParameter kReadMercator1SP[] = {kFalseEasting, kFalseNorthing, kCentralMeridian, kScaleFactor};
+const SReadParameter kReadKrovak[] = {
+    kFalseEasting, kFalseNorthing, kLongitudeOfCenter, kLatitudeOfCenter, kAzimuth, kXYPlaneRotation, kScaleFactor,
+    {{"Pseudo_Standard_Parallel_1", nullptr}, &CKvPRJParser::SetPseudoParallel, &CKvPRJParser::GetPseudoParallel,
+     true},
+    {{"X_Scale", nullptr}, &CKvPRJParser::SetXScale, &CKvPRJParser::GetXScale, true},
+    {{"Y_Scale", nullptr}, &CKvPRJParser::SetYScale, &CKvPRJParser::GetYScale, true}};
+const SReadParameter kCenterMeridian = {{"Central_Meridian", "Longitude_Of_Center"},
+                                        &CKvPRJParser::SetCentralMeridian, &CKvPRJParser::GetCentralMeridian, true};
+const SReadParameter kOriginOrCenterLatitude = {{"Latitude_Of_Origin", "Latitude_Of_Center"},
+                                                &CKvPRJParser::SetLatitudeOfOrigin,
+                                                &CKvPRJParser::GetLatitudeOfOrigin, true};
+const SReadParameter kReadConic[] = {kFalseEasting, kFalseNorthing, kCenterMeridian,
+                                     kParallel1,    kParallel2,     kOriginOrCenterLatitude};
+const SReadParameter kReadAzimuthalEqualArea[] = {kFalseEasting, kFalseNorthing, kCenterMeridian,
+                                                  kOriginOrCenterLatitude};
+const SReadParameter kReadCassini[] = {kFalseEasting, kFalseNorthing, kCentralMeridian, kLatitudeOfOrigin};
+
+struct SParameterList
+{
+    const SReadParameter* first;
+    int count;
+};
+
+template <size_t N> SParameterList List(const SReadParameter (&list)[N])
+{
+    return {list, static_cast<int>(N)};
+}
+
+SParameterList ReadList(CKvMapProjData::EProjectionType type)
+{
+    switch (type) {
+    case CKvMapProjData::eTransverseMercator:
+    case CKvMapProjData::eNonProjected:
+    case CKvMapProjData::eLambert1SP:
+    case CKvMapProjData::ePolarStereographic: return List(kReadTransverseMercator);
+    case CKvMapProjData::eLambert2SP: return List(kReadLambert2SP);
+    case CKvMapProjData::eStereographic: return List(kReadStereographic);
+    case CKvMapProjData::eNewZealandMapGrid: return List(kReadNewZealand);
+    case CKvMapProjData::eHotineObliqueMercator:
+    case CKvMapProjData::eObliqueMercator: return List(kReadHotine);
+    case CKvMapProjData::eRectifiedSkewOrthomorphic: return List(kReadSkewOrthomorphic);
+    case CKvMapProjData::eRotatedLongitudeLatitude: return List(kReadRotated);
+    case CKvMapProjData::eMercator2SP:
+    case CKvMapProjData::eStereographicNorthPole:
+    case CKvMapProjData::eStereographicSouthPole: return List(kReadMercator2SP);
+    case CKvMapProjData::eMercator1SP: return List(kReadMercator1SP);
+    case CKvMapProjData::eKrovak: return List(kReadKrovak);
+    case CKvMapProjData::eAlbersEqualArea:
+    case CKvMapProjData::eEquidistantConic: return List(kReadConic);
+    case CKvMapProjData::eLambertAzimuthalEqualArea: return List(kReadAzimuthalEqualArea);
+    case CKvMapProjData::eCassiniSoldner: return List(kReadCassini);
+    default: return {nullptr, 0};
+    }
+}
+
+bool IsSet(double value)
+{
+    return value != CKvPRJParser::Undefined;
+}
+
+} // namespace
+
+void CKvPRJParser::_readParameters(const CString& P, const std::string& lowerP)
+{
+    const SParameterList list = ReadList(m_type);
+    bool complete = true;
+    for (int i = 0; i < list.count; ++i) {
+        const SReadParameter& parameter = list.first[i];
+        double value = Undefined;
+        for (const char* name : parameter.names)
+            if (name != nullptr && FindParam(P, lowerP, name, value))
+                break;
+        (this->*parameter.set)(value);
+        if (parameter.required && !IsSet(value))
+            complete = false;
+    }
+    switch (m_type) {
+    case CKvMapProjData::eLambert2SP:
+        // Both parallels make the two-parallel form; a scale factor without
+        // them the one-parallel form of the same name.
+        if (!IsSet(m_falseEasting))
+            complete = false;
+        else if (IsSet(m_falseNorthing) && IsSet(m_centralMeridian) && IsSet(m_standardParallel1) &&
+                 IsSet(m_standardParallel2) && IsSet(m_latitudeOfOrigin))
+            complete = true;
+        else if (IsSet(m_falseNorthing) && IsSet(m_centralMeridian) && IsSet(m_latitudeOfOrigin) &&
+                 IsSet(m_scaleFactor)) {
+            m_type = CKvMapProjData::eLambert1SP;
+            complete = true;
+        } else
+            complete = false;
+        break;
+    case CKvMapProjData::eHotineObliqueMercator:
+    case CKvMapProjData::eObliqueMercator:
+        // A grid angle other than the azimuth (or none) is the rectified skew form.
+        if (complete && CKvFloatCompareRel::NotEqual(m_azimuth, m_xyPlaneRotation, 1e-12))
+            m_type = CKvMapProjData::eRectifiedSkewOrthomorphic;
+        break;
+    default: break;
+    }
+    if (!complete)
+        m_type = CKvMapProjData::eNoProjection;
+}
+
+bool CKvPRJParser::Parse(bool sortParallels)
+{
+    const CString& T = m_text;
+    if (!IsPRJ(T))
+        return false;
+
+    m_projCSName = ShortName(T);
+    m_geoCSName = GetName(T, "GEOGCS");
+    m_datum = GetName(T, "DATUM");
+    if (m_projCSName.IsEmpty())
+        m_projCSName = m_geoCSName;
+
+    const int spheroid = T.Find("SPHEROID");
+    if (spheroid >= 0) {
+        int pos = spheroid;
+        T.Tokenize(kNodeDelimiters, pos);
+        m_ellipsoidName = T.Tokenize(kNodeDelimiters, pos);
+        m_semiMajorAxis = ToDouble(T.Tokenize(",", pos));
+        m_inverseFlattening = ToDouble(T.Tokenize(",]", pos));
+    }
+
+    const int towgs84 = T.Find("TOWGS84");
+    if (towgs84 >= 0) {
+        // Always seven values: the format has the seven-parameter form only.
+        int pos = towgs84;
+        T.Tokenize(kNodeDelimiters, pos);
+        double values[CKvDatumShift::NoOfParameters];
+        for (double& value : values)
+            value = ToDouble(T.Tokenize(",", pos));
+        m_datumShift.SetParameters(values);
+    }
+
+    GetNameParam(T, "PRIMEM", m_primeMeridianName, m_primeMeridian);
+    const CString R = GetNameParam(T, "UNIT", m_angularUnitName, m_angularUnit);
+    if (!IsSet(m_angularUnit)) {
+        m_type = CKvMapProjData::eNoProjection;
+        return false;
+    }
+
+    const int projection = T.Find("PROJECTION");
+    if (projection < 0) {
+        m_type = CKvMapProjData::eGeographical;
+        m_typeName = "Geographical";
+        m_axisName[0] = "Longitude";
+        m_axisName[1] = "Latitude";
+    } else {
+        const CString P = T.Mid(projection);
+        int pos = 0;
+        P.Tokenize(kNodeDelimiters, pos);
+        const CString name = P.Tokenize(kNodeDelimiters, pos);
+        m_type = LookUpProjectionName(name);
+        if (m_type == CKvMapProjData::eNoProjection)
+            return false;
+        m_typeName = name;
+
+        _readParameters(P, LowerCase(P.GetStdString()));
+
+        if (sortParallels &&
+            (m_type == CKvMapProjData::eLambert2SP || m_type == CKvMapProjData::eAlbersEqualArea ||
+             m_type == CKvMapProjData::eEquidistantConic) &&
+            m_standardParallel2 < m_standardParallel1)
+            std::swap(m_standardParallel1, m_standardParallel2);
+
+        GetNameParam(R, "UNIT", m_projUnitName, m_projUnit);
+        if (!IsSet(m_projUnit)) {
+            m_type = CKvMapProjData::eNoProjection;
+            return false;
+        }
+
+        const CString A = GetNameParam(P, "AXIS", m_axisName[0], m_axisDirection[0]);
+        GetNameParam(A, "AXIS", m_axisName[1], m_axisDirection[1]);
+    }
+
+    // Validation: the engine must be constructible; it also fills the derived
+    // parameters of the Mercator and polar stereographic forms.
+    if (m_type != CKvMapProjData::eNoProjection)
+        CKvProjection::Release(CreateMapProjection());
+    return m_type != CKvMapProjData::eNoProjection;
+}
+
+CKvProjection* CKvPRJParser::CreateMapProjection()
+{
+    if (m_type == CKvMapProjData::eNoProjection)
+        return nullptr;
+    const CKvEllipsoid ellipsoid(m_ellipsoidName.GetStdString(), std::string(), m_semiMajorAxis, m_inverseFlattening);
+    const std::string name = m_projCSName.GetStdString();
+    // Degrees per angular unit and metres per linear unit. The prime meridian is
+    // added as written: exact for the usual degree-based WKT.
+    const double k = m_angularUnit / kDegree;
+    const double u = m_projUnit;
+    auto angle = [k](double value) { return value * k; };
+    auto longitude = [this, k](double value) { return value * k + m_primeMeridian; };
+    auto length = [u](double value) { return value * u; };
+    const double fe = length(m_falseEasting);
+    const double fn = length(m_falseNorthing);
+
+    CKvProjection* engine = nullptr;
+    double derived[4] = {0.0, 0.0, 0.0, 0.0};
+    switch (m_type) {
+    case CKvMapProjData::eTransverseMercator:
+    case CKvMapProjData::eNonProjected:
+        return new CKvTransverseMercatorJHS(name, m_scaleFactor, longitude(m_centralMeridian),
+                                            angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
+    case CKvMapProjData::eLambert2SP:
+        return new CKvLambert2SP(name, angle(m_standardParallel1), angle(m_standardParallel2),
+                                 longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
+    case CKvMapProjData::eLambert1SP:
+        return new CKvLambert1SP(name, m_scaleFactor, longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe,
+                                 fn, ellipsoid);
+    case CKvMapProjData::eStereographic:
+        return new CKvStereographic(name, m_scaleFactor, longitude(m_centralMeridian), angle(m_latitudeOfOrigin),
+                                    fe, fn, ellipsoid);
+    case CKvMapProjData::eNewZealandMapGrid:
+        return new CKvNewZealandMapGrid(name, longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn,
+                                        ellipsoid);
+    case CKvMapProjData::eHotineObliqueMercator:
+        return new CKvHotineObliqueMercator(name, m_scaleFactor, longitude(m_longitudeOfCenter),
+                                            angle(m_latitudeOfCenter), angle(m_azimuth), fe, fn, ellipsoid);
+    case CKvMapProjData::eObliqueMercator:
+        return new CKvObliqueMercator(name, m_scaleFactor, longitude(m_longitudeOfCenter), angle(m_latitudeOfCenter),
+                                      angle(m_azimuth), fe, fn, ellipsoid);
+    case CKvMapProjData::eRectifiedSkewOrthomorphic:
+        return new CKvRectifiedSkewOrthomorphic(name, m_scaleFactor, longitude(m_longitudeOfCenter),
+                                                angle(m_latitudeOfCenter), angle(m_azimuth),
+                                                angle(m_xyPlaneRotation), fe, fn, ellipsoid);
+    case CKvMapProjData::eRotatedLongitudeLatitude:
+        // The pole and the rotation are taken as written, in degrees.
+        return new CKvRotatedLongitudeLatitude(name, m_longitudeOfSouthPole, m_latitudeOfSouthPole,
+                                               m_angleOfRotation, ellipsoid);
+    case CKvMapProjData::eMercator2SP:
+        engine = new CKvMercator2SP(name, angle(m_standardParallel1), longitude(m_centralMeridian), fe, fn, ellipsoid);
+        engine->GetDerivedParameters(derived);
+        m_scaleFactor = derived[0];
+        return engine;
+    case CKvMapProjData::eMercator1SP:
+        engine = new CKvMercator1SP(name, m_scaleFactor, longitude(m_centralMeridian), fe, fn, ellipsoid);
+        engine->GetDerivedParameters(derived);
+        m_standardParallel1 = derived[0];
+        return engine;
+    case CKvMapProjData::eStereographicNorthPole:
+        engine = new CKvStereographicNorthPole(name, angle(m_standardParallel1), longitude(m_centralMeridian), fe, fn,
+                                               ellipsoid);
+        engine->GetDerivedParameters(derived);
+        m_scaleFactor = derived[0];
+        return engine;
+    case CKvMapProjData::eStereographicSouthPole:
+        engine = new CKvStereographicSouthPole(name, angle(m_standardParallel1), longitude(m_centralMeridian), fe, fn,
+                                               ellipsoid);
+        engine->GetDerivedParameters(derived);
+        m_scaleFactor = derived[0];
+        return engine;
+    case CKvMapProjData::eGeographical: return new CKvGeographical(name, ellipsoid);
+    case CKvMapProjData::eKrovak:
+        return new CKvKrovak(name, m_scaleFactor, angle(m_pseudoParallel), longitude(m_longitudeOfCenter),
+                             angle(m_latitudeOfCenter), angle(m_azimuth), angle(m_xyPlaneRotation), m_xScale,
+                             m_yScale, fe, fn, ellipsoid);
+    case CKvMapProjData::eAlbersEqualArea:
+        return new CKvAlbersEqualArea(name, angle(m_standardParallel1), angle(m_standardParallel2),
+                                      longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
+    case CKvMapProjData::eLambertAzimuthalEqualArea:
+        return new CKvLambertAzimuthalEqualArea(name, longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn,
+                                                ellipsoid);
+    case CKvMapProjData::eCassiniSoldner:
+        return new CKvCassiniSoldner(name, longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
+    case CKvMapProjData::eEquidistantConic:
+        return new CKvEquidistantConic(name, angle(m_standardParallel1), angle(m_standardParallel2),
+                                       longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
+    case CKvMapProjData::ePolarStereographic:
+        return new CKvPolarStereographic(name, m_scaleFactor, longitude(m_centralMeridian), angle(m_latitudeOfOrigin),
+                                         fe, fn, ellipsoid);
+    default: return nullptr;
+    }
+}
+
+namespace {
+
+using Getter = double (CKvPRJParser::*)() const;
+using Setter = void (CKvPRJParser::*)(double);
+
+// The record's numeric parameter fields, as the definitions name them (by setter).
+struct SField
+{
+    Setter set;
+    Getter get;
+};
+
+#define KV_FIELD(Field) {&CKvPRJParser::Set##Field, &CKvPRJParser::Get##Field}
+const SField kFields[] = {
+    KV_FIELD(FalseEasting),     KV_FIELD(FalseNorthing),        KV_FIELD(CentralMeridian),
+    KV_FIELD(StandardParallel1), KV_FIELD(StandardParallel2),   KV_FIELD(LatitudeOfOrigin),
+    KV_FIELD(LongitudeOfCenter), KV_FIELD(LatitudeOfCenter),    KV_FIELD(Azimuth),
+    KV_FIELD(XYPlaneRotation),   KV_FIELD(ScaleFactor),         KV_FIELD(LongitudeOfSouthPole),
+    KV_FIELD(LatitudeOfSouthPole), KV_FIELD(AngleOfRotation),   KV_FIELD(PseudoParallel),
+    KV_FIELD(XScale),            KV_FIELD(YScale),
+};
+#undef KV_FIELD
+
+Getter GetterFor(Setter set)
+{
+    for (const SField& field : kFields)
+        if (field.set == set)
+            return field.get;
+    return nullptr;
+}
+
+// A PARAMETER of the writer: its WKT name and the field written.
+struct SWriteParameter
+{
+    const char* name;
+    Getter get;
+};
+
+const SWriteParameter kWriteTransverseMercator[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                                    {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                                    {"Central_Meridian", &CKvPRJParser::GetCentralMeridian},
+                                                    {"Scale_Factor", &CKvPRJParser::GetScaleFactor},
+                                                    {"Latitude_Of_Origin", &CKvPRJParser::GetLatitudeOfOrigin}};
+// Two-parallel Lambert, Albers and equidistant conic. No scale factor, so
+// that a two-parallel Lambert reads back as such.
+const SWriteParameter kWriteConic[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                       {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                       {"Central_Meridian", &CKvPRJParser::GetCentralMeridian},
+                                       {"Standard_Parallel_1", &CKvPRJParser::GetStandardParallel1},
+                                       {"Standard_Parallel_2", &CKvPRJParser::GetStandardParallel2},
+                                       {"Latitude_Of_Origin", &CKvPRJParser::GetLatitudeOfOrigin}};
+const SWriteParameter kWriteNewZealand[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                            {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                            {"Longitude_Of_Origin", &CKvPRJParser::GetCentralMeridian},
+                                            {"Latitude_Of_Origin", &CKvPRJParser::GetLatitudeOfOrigin}};
+// No Rectified_Grid_Angle: read back, a Hotine system becomes the rectified
+// skew form.
+const SWriteParameter kWriteHotine[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                        {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                        {"Scale_Factor", &CKvPRJParser::GetScaleFactor},
+                                        {"Azimuth", &CKvPRJParser::GetAzimuth},
+                                        {"Longitude_Of_Center", &CKvPRJParser::GetLongitudeOfCenter},
+                                        {"Latitude_Of_Center", &CKvPRJParser::GetLatitudeOfCenter}};
+const SWriteParameter kWriteSkewOrthomorphic[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                                  {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                                  {"Scale_Factor", &CKvPRJParser::GetScaleFactor},
+                                                  {"Azimuth", &CKvPRJParser::GetAzimuth},
+                                                  {"Longitude_Of_Center", &CKvPRJParser::GetLongitudeOfCenter},
+                                                  {"Latitude_Of_Center", &CKvPRJParser::GetLatitudeOfCenter},
+                                                  {"XY_Plane_Rotation", &CKvPRJParser::GetXYPlaneRotation}};
+const SWriteParameter kWriteRotated[] = {{"Longitude_Of_South_Pole", &CKvPRJParser::GetLongitudeOfSouthPole},
+                                         {"Latitude_Of_South_Pole", &CKvPRJParser::GetLatitudeOfSouthPole},
+                                         {"Angle_Of_Rotation", &CKvPRJParser::GetAngleOfRotation}};
+const SWriteParameter kWriteOneParallel[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                             {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                             {"Central_Meridian", &CKvPRJParser::GetCentralMeridian},
+                                             {"Standard_Parallel_1", &CKvPRJParser::GetStandardParallel1}};
+const SWriteParameter kWriteMercator1SP[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                             {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                             {"Central_Meridian", &CKvPRJParser::GetCentralMeridian},
+                                             {"Scale_Factor", &CKvPRJParser::GetScaleFactor}};
+const SWriteParameter kWriteKrovak[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                        {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                        {"Pseudo_Standard_Parallel_1", &CKvPRJParser::GetPseudoParallel},
+                                        {"Scale_Factor", &CKvPRJParser::GetScaleFactor},
+                                        {"Azimuth", &CKvPRJParser::GetAzimuth},
+                                        {"Longitude_Of_Center", &CKvPRJParser::GetLongitudeOfCenter},
+                                        {"Latitude_Of_Center", &CKvPRJParser::GetLatitudeOfCenter},
+                                        {"X_Scale", &CKvPRJParser::GetXScale},
+                                        {"Y_Scale", &CKvPRJParser::GetYScale},
+                                        {"XY_Plane_Rotation", &CKvPRJParser::GetXYPlaneRotation}};
+const SWriteParameter kWriteAzimuthal[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                           {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                           {"Central_Meridian", &CKvPRJParser::GetCentralMeridian},
+                                           {"Latitude_Of_Origin", &CKvPRJParser::GetLatitudeOfOrigin}};
+
+struct SWriteList
+{
+    const SWriteParameter* first;
+    int count;
+    bool writable;
+};
+
+template <size_t N> SWriteList Write(const SWriteParameter (&list)[N])
+{
+    return {list, static_cast<int>(N), true};
+}
+
+SWriteList WriteList(CKvMapProjData::EProjectionType type)
+{
+    switch (type) {
+    case CKvMapProjData::eTransverseMercator:
+    case CKvMapProjData::eNonProjected:
+    case CKvMapProjData::eLambert1SP:
+    case CKvMapProjData::eStereographic:
+    case CKvMapProjData::ePolarStereographic: return Write(kWriteTransverseMercator);
+    case CKvMapProjData::eLambert2SP:
+    case CKvMapProjData::eAlbersEqualArea:
+    case CKvMapProjData::eEquidistantConic: return Write(kWriteConic);
+    case CKvMapProjData::eNewZealandMapGrid: return Write(kWriteNewZealand);
+    case CKvMapProjData::eHotineObliqueMercator:
+    case CKvMapProjData::eObliqueMercator: return Write(kWriteHotine);
+    case CKvMapProjData::eRectifiedSkewOrthomorphic: return Write(kWriteSkewOrthomorphic);
+    case CKvMapProjData::eRotatedLongitudeLatitude: return Write(kWriteRotated);
+    case CKvMapProjData::eMercator2SP:
+    case CKvMapProjData::eStereographicNorthPole:
+    case CKvMapProjData::eStereographicSouthPole: return Write(kWriteOneParallel);
+    case CKvMapProjData::eMercator1SP: return Write(kWriteMercator1SP);
+    case CKvMapProjData::eGeographical: return {nullptr, 0, true};
+    case CKvMapProjData::eKrovak: return Write(kWriteKrovak);
+    case CKvMapProjData::eLambertAzimuthalEqualArea:
+    case CKvMapProjData::eCassiniSoldner: return Write(kWriteAzimuthal);
+    default: return {nullptr, 0, false};
+    }
+}
+
+} // namespace
+
+CKvMapProjData* CKvPRJParser::_CreateProjData() const
+{
+    const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(m_type);
+    if (info == nullptr)
+        return nullptr;
+    double values[CKvMapProjData::MaxParameters] = {};
+    for (int i = 0; i < info->noOfParameters; ++i) {
+        const Getter get = GetterFor(info->parameters[i].wktSetter);
+        values[i] = get != nullptr ? (this->*get)() : Undefined;
+    }
+    return CKvMapProjData::CreateProjection(m_type, m_projCSName.GetStdString(), m_datum.GetStdString(),
+                                            m_ellipsoidName.GetStdString(), values);
+}
+
+CString CKvPRJParser::GetProjectionTypeTitle() const
+{
+    const std::unique_ptr<CKvMapProjData> definition(_CreateProjData());
+    return definition ? CString(definition->GetProjectionTypeTitle()) : CString("Non projection");
+}
+
+int CKvPRJParser::GetNoOfParameters() const
+{
+    const std::unique_ptr<CKvMapProjData> definition(_CreateProjData());
+    return definition ? definition->GetNoOfParameters() : 0;
+}
+
+bool CKvPRJParser::GetParameter(int index, CString& name, double& value, CString& unitName, double& unitFactor) const
+{
+    const std::unique_ptr<CKvMapProjData> definition(_CreateProjData());
+    if (!definition)
+        return false;
+    std::string label;
+    double parameter = 0.0;
+    CKvMapProjData::EParamType kind = CKvMapProjData::eDimensionless;
+    if (!definition->GetParameter(index, label, parameter, kind))
+        return false;
+    name = label;
+    value = parameter;
+    switch (kind) {
+    case CKvMapProjData::eLength:
+        unitName = m_projUnitName;
+        unitFactor = m_projUnit;
+        break;
+    case CKvMapProjData::eAngle:
+        unitName = m_angularUnitName;
+        unitFactor = m_angularUnit;
+        break;
+    default:
+        unitName.Empty();
+        unitFactor = 1.0;
+        break;
+    }
+    return true;
+}
+
+bool CKvPRJParser::Format(CString& out) const
+{
+    out.Format("%s[\"%s\",", "PROJCS", m_projCSName.GetString());
+    out.AppendFormat("%s[\"%s\",", "GEOGCS", m_geoCSName.GetString());
+    out.AppendFormat("%s[\"%s\",", "DATUM", m_datum.GetString());
+    out.AppendFormat("%s[\"%s\",%.16g,%.16g]],", "SPHEROID", m_ellipsoidName.GetString(), m_semiMajorAxis,
+                     m_inverseFlattening);
+    out.AppendFormat("%s[\"%s\",%.16g],", "PRIMEM", m_primeMeridianName.GetString(), m_primeMeridian);
+    out.AppendFormat("%s[\"%s\",%.16g]],", "UNIT", m_angularUnitName.GetString(), m_angularUnit);
+    out.AppendFormat("%s[\"%s\"],", "PROJECTION", m_typeName.GetString());
+    const SWriteList list = WriteList(m_type);
+    if (!list.writable)
+        return false;
+    for (int i = 0; i < list.count; ++i)
+        out.AppendFormat("%s[\"%s\",%.16g],", "PARAMETER", list.first[i].name, (this->*list.first[i].get)());
+    out.AppendFormat("%s[\"%s\",%.16g]]", "UNIT", m_projUnitName.GetString(), m_projUnit);
+    return true;
+}
+
+bool CKvPRJParser::Format(char* buffer, int size) const
+{
+    CString text;
+    Format(text);
+    if (buffer == nullptr || text.GetLength() >= size)
+        return false;
+    std::memcpy(buffer, text.GetString(), static_cast<size_t>(text.GetLength()) + 1);
+    return true;
+}
+
+void CKvPRJParser::FormatAsReadableWKT(const CString& text, CString& out)
+{
+    std::string result;
+    // The bracket level of result, kept as it grows (the walk of
+    // _GetBracketLevel, which stops at the first negative level).
+    int level = 0;
+    bool stopped = false;
+    auto append = [&](const std::string& piece) {
+        result += piece;
+        for (const char c : piece) {
+            if (stopped)
+                break;
+            if (c == '[')
+                ++level;
+            else if (c == ']' && --level < 0)
+                stopped = true;
+        }
+    };
+    const std::string& input = text.GetStdString();
+    int pos = 0;
+    CString token = text.Tokenize("[", pos);
+    append(token.GetStdString() + "[");
+    while (!token.IsEmpty()) {
+        token = text.Tokenize("[", pos);
+        const std::string& piece = token.GetStdString();
+        if (piece.size() <= input.size() && input.compare(input.size() - piece.size(), piece.size(), piece) == 0) {
+            append(piece); // the tail (or a piece that reads the same)
+            continue;
+        }
+        const size_t comma = piece.rfind(',');
+        const size_t split = comma == std::string::npos ? 0 : comma + 1;
+        std::string line = piece.substr(0, split) + "\r\n";
+        line.append(4 * static_cast<size_t>(std::clamp(level, 0, kMaxIndentLevel)), ' ');
+        line += piece.substr(split) + "[";
+        append(line);
+    }
+    out = CString(result);
 }

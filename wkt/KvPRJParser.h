@@ -5,6 +5,7 @@
 #include "geodesy/KvDatumShift.h"
 #include "paramfile/String.h"
 
+#include <list>
 #include <map>
 
 class CKvProjection;
@@ -31,12 +32,66 @@ public:
     explicit CKvPRJParser(const CKvMapProjData* definition);
     virtual ~CKvPRJParser() = default;
 
+    // --- The keyword scanner. Each node is found by the first occurrence of its
+    // keyword (case-sensitive) anywhere in the text; nesting is checked only for
+    // the text as a whole (IsPRJ). Numbers are read in the C locale.
+
+    // Balanced brackets, more commas than opening brackets, and "PROJCS" or
+    // "GEOGCS" somewhere in the text.
+    static bool IsPRJ(const CString& text);
+    // -1 when the brackets balance (or the text is empty); else the index where
+    // the level first drops below zero, or the length when brackets stay open.
+    static int _MatchBrackets(const CString& text);
+    static bool _MatchCommas(const CString& text);
+    // The bracket level at the end of the text, or the first negative level.
+    static int _GetBracketLevel(const CString& text);
     // The quoted name that follows the first occurrence of keyword, e.g.
     // GetName("PROJCS[\"RD New\",...", "PROJCS") is "RD New"; "" when absent.
     static CString GetName(const CString& text, const char* keyword);
+    // Name and first value of the node; returns the text after the value so that
+    // a second call finds the next node of the same keyword. When the keyword is
+    // absent: returns "" and leaves name and value as they were.
+    static CString GetNameParam(const CString& text, const char* keyword, CString& name, double& value);
+    // The same with the value as text, trimmed (AXIS directions).
+    static CString GetNameParam(const CString& text, const char* keyword, CString& name, CString& value);
+    // The value of PARAMETER["name",value]: the quoted name is matched ignoring
+    // letter case; defaultValue when it does not occur.
+    static double GetParam(const CString& text, const char* name, double defaultValue);
+    // The first of the names that occurs.
+    static double GetParam(const CString& text, const std::list<CString>& names, double defaultValue);
     // The name a coordinate-system string goes by: the COMPD_CS, PROJCS or GEOGCS
     // name, "Local Coordinates" for the local system, else the text itself.
     static CString ShortName(const CString& text);
+    static CString DatumName(const CString& text);
+
+    // Reads the source text into the record. sortParallels: store the two
+    // standard parallels of the two-parallel conics in ascending order. False for
+    // text that is not WKT (nothing changed), or with the type set to
+    // eNoProjection when a unit, the projection name or a required parameter is
+    // missing. Fields the text does not give keep their values.
+    bool Parse(bool sortParallels);
+
+    // A new engine for the record, values converted to degrees and metres; the
+    // caller owns it. Null for eNoProjection. The Mercator and polar stereographic
+    // forms write their derived parameter back into the record.
+    CKvProjection* CreateMapProjection();
+    // A new definition with the record's values as stored; null for types
+    // outside 1..20.
+    CKvMapProjData* _CreateProjData() const;
+    CString GetProjectionTypeTitle() const;
+
+    // One-line WKT of the record. False for a type without a writer; the text
+    // then stops after the PROJECTION node and must not be used.
+    bool Format(CString& out) const;
+    // Copies the text with its terminator when it is shorter than size.
+    bool Format(char* buffer, int size) const;
+    // The WKT re-flowed: every node after a comma on a new line ("\r\n"),
+    // indented by four blanks per open bracket.
+    static void FormatAsReadableWKT(const CString& text, CString& out);
+    int GetNoOfParameters() const;
+    // A parameter of the definition with its unit: none for scale factors, the
+    // projected unit for lengths, the angular unit for angles.
+    bool GetParameter(int index, CString& name, double& value, CString& unitName, double& unitFactor) const;
 
     CKvMapProjData::EProjectionType LookUpProjectionName(const CString& wktName) const;
 
@@ -101,6 +156,9 @@ public:
 
 protected:
     void _initialize();
+    // Step 9 of the parse: the parameters of the type from P, the text from the
+    // PROJECTION keyword on; lowerP is P in lower case.
+    void _readParameters(const CString& P, const std::string& lowerP);
 
 private:
     std::map<CString, CKvMapProjData::EProjectionType> m_projectionNames; // lower-cased WKT names

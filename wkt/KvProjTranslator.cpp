@@ -1,0 +1,217 @@
+#include "wkt/KvProjTranslator.h"
+
+#include "coordsys/KvMapProjection.h"
+#include "geodesy/KvDatumShift.h"
+#include "projections/KvProjection.h"
+#include "wkt/KvPRJParser.h"
+
+#include <cmath>
+#include <fstream>
+#include <memory>
+
+namespace {
+
+struct SEngineDeleter
+{
+    void operator()(CKvProjection* engine) const { CKvProjection::Release(engine); }
+};
+using EnginePtr = std::unique_ptr<CKvProjection, SEngineDeleter>;
+
+// The WKT of a resolved coordinate-system string: the text itself when it is
+// WKT; for a catalogue name, the WKT that its engine describes. The two special
+// names stay as they are.
+CString WktOf(const std::string& text, const CKvProjection& engine)
+{
+    CString wkt(text);
+    CString trimmed(text);
+    trimmed.Trim();
+    if (CKvPRJParser::IsPRJ(wkt) || trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM) ||
+        trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eLongLat))
+        return wkt;
+    CKvPRJParser(&engine).Format(wkt);
+    return wkt;
+}
+
+// A latitude beyond a pole only by the rounding of the angular unit (ESRI's
+// degree is 0.0174532925199433, so 90 of them make 90.00000000000001 degrees)
+// is the pole: PROJ refuses latitudes beyond +-90.
+double SnapToPole(double latitude)
+{
+    if (std::fabs(latitude) > 90.0 && std::fabs(latitude) <= 90.0 * (1.0 + 1e-12))
+        return std::copysign(90.0, latitude);
+    return latitude;
+}
+
+} // namespace
+
+std::string CKvProjTranslator::Convert2Proj4(const std::string& text, const double* datumShift, int count) const
+{
+    const EnginePtr engine(CKvMapProjection::GetProjection(text.c_str()));
+    if (!engine)
+        return std::string();
+
+    CKvPRJParser parser(WktOf(text, *engine));
+    parser.Parse(false);
+
+    CString name;
+    double u = CKvPRJParser::Undefined, f = CKvPRJParser::Undefined, pm = CKvPRJParser::Undefined;
+    parser.GetProjUnit(name, u);
+    parser.GetAngularUnit(name, f);
+    parser.GetPrimeMeridian(name, pm);
+    const double k = 180.0 * f / 3.141592653589793; // degrees per angular unit
+
+    CKvEllipsoid ellipsoid;
+    engine->GetAnonymousEllipsoid(ellipsoid);
+
+    const double x0 = parser.GetFalseEasting() * u;
+    const double y0 = parser.GetFalseNorthing() * u;
+    const double scale = parser.GetScaleFactor();
+    CString out;
+    auto latitude = [&out, k](const char* key, double value) {
+        out.AppendFormat("+%s=%.16g ", key, SnapToPole(value * k));
+    };
+    auto longitude = [&out, k, pm](double value) { out.AppendFormat("+lon_0=%.16g ", value * k + pm); };
+    auto tail = [&out, x0, y0](bool withScale, double scaleFactor) {
+        if (withScale)
+            out.AppendFormat("+k=%.16g ", scaleFactor);
+        out.AppendFormat("+x_0=%.16g +y_0=%.16g ", x0, y0);
+    };
+
+    switch (parser.GetProjectionType()) {
+    case CKvMapProjData::eTransverseMercator:
+        out += "+proj=tmerc ";
+        latitude("lat_0", parser.GetLatitudeOfOrigin());
+        longitude(parser.GetCentralMeridian());
+        tail(true, scale);
+        break;
+    case CKvMapProjData::eLambert2SP:
+    case CKvMapProjData::eAlbersEqualArea:
+    case CKvMapProjData::eEquidistantConic:
+        out += parser.GetProjectionType() == CKvMapProjData::eLambert2SP       ? "+proj=lcc "
+               : parser.GetProjectionType() == CKvMapProjData::eAlbersEqualArea ? "+proj=aea "
+                                                                                 : "+proj=eqdc ";
+        latitude("lat_1", parser.GetStandardParallel1());
+        latitude("lat_2", parser.GetStandardParallel2());
+        latitude("lat_0", parser.GetLatitudeOfOrigin());
+        longitude(parser.GetCentralMeridian());
+        tail(false, scale);
+        break;
+    case CKvMapProjData::eLambert1SP:
+        out += "+proj=lcc ";
+        latitude("lat_1", parser.GetLatitudeOfOrigin());
+        latitude("lat_0", parser.GetLatitudeOfOrigin());
+        longitude(parser.GetCentralMeridian());
+        tail(true, scale);
+        break;
+    case CKvMapProjData::eStereographic: {
+        // The oblique (double) stereographic is PROJ's sterea; any other name of
+        // the family is taken as the plain stereographic.
+        const CString typeName = parser.GetProjectionTypeName();
+        out += typeName == "Double_Stereographic" || typeName == "Oblique_Stereographic" ? "+proj=sterea "
+                                                                                          : "+proj=stere ";
+        latitude("lat_0", parser.GetLatitudeOfOrigin());
+        longitude(parser.GetCentralMeridian());
+        tail(true, scale);
+        break;
+    }
+    case CKvMapProjData::eNewZealandMapGrid:
+        out += "+proj=nzmg ";
+        latitude("lat_0", parser.GetLatitudeOfOrigin());
+        longitude(parser.GetCentralMeridian());
+        tail(false, scale);
+        break;
+    case CKvMapProjData::eHotineObliqueMercator:
+    case CKvMapProjData::eObliqueMercator:
+    case CKvMapProjData::eRectifiedSkewOrthomorphic:
+        out += "+proj=omerc ";
+        latitude("lat_0", parser.GetLatitudeOfCenter());
+        longitude(parser.GetLongitudeOfCenter());
+        latitude("alpha", parser.GetAzimuth());
+        if (parser.GetProjectionType() == CKvMapProjData::eRectifiedSkewOrthomorphic)
+            latitude("gamma", parser.GetXYPlaneRotation());
+        tail(true, scale);
+        break;
+    case CKvMapProjData::eRotatedLongitudeLatitude:
+    case CKvMapProjData::eNoProjection:
+        // Nothing PROJ.4 could be told: no ellipsoid, datum or unit either.
+        return "+proj=undef ";
+    case CKvMapProjData::eMercator2SP:
+    case CKvMapProjData::eMercator1SP:
+        out += "+proj=merc ";
+        latitude("lat_ts", parser.GetStandardParallel1());
+        longitude(parser.GetCentralMeridian());
+        tail(true, scale);
+        break;
+    case CKvMapProjData::eStereographicNorthPole:
+    case CKvMapProjData::eStereographicSouthPole:
+        out.AppendFormat("+proj=stere +lat_0=%.16g ",
+                         parser.GetProjectionType() == CKvMapProjData::eStereographicNorthPole ? 90.0 : -90.0);
+        latitude("lat_ts", parser.GetStandardParallel1());
+        longitude(parser.GetCentralMeridian());
+        tail(true, scale);
+        break;
+    case CKvMapProjData::eGeographical: out += "+proj=longlat "; break;
+    case CKvMapProjData::eKrovak:
+        // The pseudo standard parallel, the axis scales and the plane rotation
+        // have no PROJ.4 counterpart and are not written.
+        out += "+proj=krovak ";
+        latitude("lat_0", parser.GetLatitudeOfCenter());
+        longitude(parser.GetLongitudeOfCenter());
+        latitude("alpha", parser.GetAzimuth());
+        tail(true, scale);
+        break;
+    case CKvMapProjData::eLambertAzimuthalEqualArea:
+    case CKvMapProjData::eCassiniSoldner:
+        out += parser.GetProjectionType() == CKvMapProjData::eCassiniSoldner ? "+proj=cass " : "+proj=laea ";
+        latitude("lat_0", parser.GetLatitudeOfOrigin());
+        longitude(parser.GetCentralMeridian());
+        tail(false, scale);
+        break;
+    case CKvMapProjData::ePolarStereographic:
+        // The pole is chosen by the sign of the latitude of origin as written.
+        out.AppendFormat("+proj=stere +lat_0=%.16g ", parser.GetLatitudeOfOrigin() >= 0.0 ? 90.0 : -90.0);
+        latitude("lat_ts", parser.GetLatitudeOfOrigin());
+        longitude(parser.GetCentralMeridian());
+        tail(true, scale);
+        break;
+    default: break; // "Non_Projected" has no PROJ.4 name: the figure only
+    }
+
+    out.AppendFormat("+a=%.16g +b=%.16g ", ellipsoid.GetMajor(), ellipsoid.GetMinor());
+
+    CKvDatumShift shift;
+    parser.GetDatumShift(shift);
+    if (datumShift != nullptr && count >= 1) {
+        out.AppendFormat("+towgs84=%.16g", datumShift[0]);
+        for (int i = 1; i < CKvDatumShift::NoOfParameters; ++i)
+            out.AppendFormat(",%.16g", i < count ? datumShift[i] : 0.0);
+        out += " ";
+    } else if (shift.GetType() != CKvCartDef::eNoDatumShift) {
+        out.AppendFormat("+towgs84=%.16g", shift[0]);
+        for (int i = 1; i < CKvDatumShift::NoOfParameters; ++i)
+            out.AppendFormat(",%.16g", shift[i]);
+        out += " ";
+    }
+
+    if (u != CKvPRJParser::Undefined) {
+        if (u == 1.0)
+            out += "+units=m ";
+        else
+            out.AppendFormat("+to_meter=%.16g ", u);
+    }
+    out += "+no_defs  no_defs <>";
+    return out.GetStdString();
+}
+
+std::string CKvProjTranslator::ConvertPRJFile2Proj4(const std::string& path, const double* datumShift,
+                                                   int count) const
+{
+    std::string line;
+    std::ifstream file(path);
+    if (file)
+        std::getline(file, line);
+    const size_t cr = line.find('\r');
+    if (cr != std::string::npos)
+        line.erase(cr);
+    return Convert2Proj4(line, datumShift, count);
+}
