@@ -44,9 +44,12 @@ bench: deps
 fuzz: deps
 	$(CMAKE) -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DKVCART_FUZZ=ON -DKVCART_TESTS=OFF
 	$(CMAKE) --build $(FUZZ_BUILD) -j $(JOBS)
-	mkdir -p $(FUZZ_BUILD)/corpus-catalogue
-	UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 $(FUZZ_BUILD)/fuzz_catalogue -max_total_time=$(FUZZ_SECONDS) \
-		-timeout=10 -rss_limit_mb=4096 -print_final_stats=1 $(FUZZ_BUILD)/corpus-catalogue tests/fuzz/catalogue_seeds
+	set -e; for target in catalogue wkt; do \
+		mkdir -p $(FUZZ_BUILD)/corpus-$$target; \
+		UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 $(FUZZ_BUILD)/fuzz_$$target -max_total_time=$(FUZZ_SECONDS) \
+			-timeout=10 -rss_limit_mb=4096 -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/$$target- \
+			$(FUZZ_BUILD)/corpus-$$target tests/fuzz/$${target}_seeds; \
+	done
 
 clean:
 	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)

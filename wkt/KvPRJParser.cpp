@@ -965,7 +965,8 @@ void CKvPRJParser::FormatAsReadableWKT(const CString& text, CString& out)
         }
         const size_t comma = piece.rfind(',');
         const size_t split = comma == std::string::npos ? 0 : comma + 1;
-        std::string line = piece.substr(0, split) + "\r\n";
+        append(piece.substr(0, split)); // closes the nodes that end before the comma
+        std::string line = "\r\n";
         line.append(4 * static_cast<size_t>(std::clamp(level, 0, kMaxIndentLevel)), ' ');
         line += piece.substr(split) + "[";
         append(line);

@@ -32,14 +32,15 @@ CString WktOf(const std::string& text, const CKvProjection& engine)
     return wkt;
 }
 
-// A latitude beyond a pole only by the rounding of the angular unit (ESRI's
-// degree is 0.0174532925199433, so 90 of them make 90.00000000000001 degrees)
-// is the pole: PROJ refuses latitudes beyond +-90.
-double SnapToPole(double latitude)
+// Degrees per angular unit. WKT writes the degree with 16 digits or fewer
+// (ESRI: 0.0174532925199433); taken literally, 9 of them would be written as
+// 9.000000000000002 degrees and 90 as 90.00000000000001, which PROJ refuses as a
+// latitude. A factor that is the degree to the precision it was written with
+// is the degree.
+double DegreesPerUnit(double factor)
 {
-    if (std::fabs(latitude) > 90.0 && std::fabs(latitude) <= 90.0 * (1.0 + 1e-12))
-        return std::copysign(90.0, latitude);
-    return latitude;
+    const double k = 180.0 * factor / 3.141592653589793;
+    return std::fabs(k - 1.0) <= 1e-14 ? 1.0 : k;
 }
 
 } // namespace
@@ -58,7 +59,7 @@ std::string CKvProjTranslator::Convert2Proj4(const std::string& text, const doub
     parser.GetProjUnit(name, u);
     parser.GetAngularUnit(name, f);
     parser.GetPrimeMeridian(name, pm);
-    const double k = 180.0 * f / 3.141592653589793; // degrees per angular unit
+    const double k = DegreesPerUnit(f);
 
     CKvEllipsoid ellipsoid;
     engine->GetAnonymousEllipsoid(ellipsoid);
@@ -68,7 +69,7 @@ std::string CKvProjTranslator::Convert2Proj4(const std::string& text, const doub
     const double scale = parser.GetScaleFactor();
     CString out;
     auto latitude = [&out, k](const char* key, double value) {
-        out.AppendFormat("+%s=%.16g ", key, SnapToPole(value * k));
+        out.AppendFormat("+%s=%.16g ", key, value * k);
     };
     auto longitude = [&out, k, pm](double value) { out.AppendFormat("+lon_0=%.16g ", value * k + pm); };
     auto tail = [&out, x0, y0](bool withScale, double scaleFactor) {
