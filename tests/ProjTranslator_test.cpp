@@ -42,6 +42,14 @@ TEST(ProjTranslator, CatalogueNamesAndWkt)
     EXPECT_EQ(translator.Convert2Proj4("  UTM-32 ", nullptr, 0), translator.Convert2Proj4("UTM-32", nullptr, 0));
 
     EXPECT_EQ(translator.Convert2Proj4(kRotated, nullptr, 0), "+proj=undef ");
+    // "Non_Projected" has no PROJ.4 name: the figure and the unit only.
+    std::string nonProjected = kFeet;
+    nonProjected.replace(nonProjected.find("Lambert_Conformal_Conic"), 23, "Non_Projected");
+    nonProjected.replace(nonProjected.find("Standard_Parallel_1"), 19, "Scale_Factor");
+    EXPECT_EQ(translator.Convert2Proj4(nonProjected, nullptr, 0),
+              std::string("+a=6378206.4 +b=6356583.799998981 +towgs84=-8,160,176,0.1,-0.2,0.3,1.5 "
+                          "+to_meter=0.3048006096012192 ") +
+                  kTail);
     EXPECT_EQ(translator.Convert2Proj4("No such system", nullptr, 0), "");
     EXPECT_THROW(translator.Convert2Proj4(" UTM ", nullptr, 0), std::out_of_range);
     // The special names stay names, which PROJ.4 cannot express.
