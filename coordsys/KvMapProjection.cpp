@@ -1,10 +1,12 @@
 #include "coordsys/KvMapProjection.h"
 
 #include "catalogue/KvCartSetup.h"
+#include "geodesy/KvVincenty.h"
 #include "paramfile/String.h"
 #include "projections/KvProjection.h"
 #include "wkt/KvPRJParser.h"
 
+#include <cmath>
 #include <stdexcept>
 
 namespace {
@@ -26,6 +28,248 @@ bool IsEmptyText(const char* text)
 
 } // namespace
 
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+
+bool IsSpecialName(const char* text)
+{
+    CString trimmed(text);
+    trimmed.Trim();
+    return trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM) ||
+           trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eLongLat);
+}
+
+} // namespace
+
+CKvMapProjection::CKvMapProjection(const char* text) : m_pProjection(nullptr)
+{
+    _construct(text != nullptr ? text : "");
+}
+
+CKvMapProjection::CKvMapProjection(const std::string& text) : m_pProjection(nullptr)
+{
+    _construct(text.c_str());
+}
+
+void CKvMapProjection::_construct(const char* text)
+{
+    m_pProjection = GetProjection(text, &m_info);
+    if (m_pProjection == nullptr)
+        return;
+    // A catalogue name gets its units and axes from the WKT its engine describes.
+    if (!CKvPRJParser::IsPRJ(text) && !IsSpecialName(text)) {
+        CString wkt;
+        CKvPRJParser(m_pProjection).Format(wkt);
+        CKvPRJParser parser(wkt);
+        parser.Parse(false);
+        m_info.SetProjectionInfo(parser);
+    }
+    m_projectionString = text;
+}
+
+CKvMapProjection::CKvMapProjection(const CKvMapProjection& other) : m_pProjection(nullptr)
+{
+    _copy(other);
+}
+
+CKvMapProjection& CKvMapProjection::operator=(const CKvMapProjection& other)
+{
+    if (this != &other) {
+        _dealloc();
+        _copy(other);
+    }
+    return *this;
+}
+
+CKvMapProjection::~CKvMapProjection()
+{
+    _dealloc();
+}
+
+void CKvMapProjection::_copy(const CKvMapProjection& other)
+{
+    m_pProjection = other.m_pProjection->Clone();
+    m_info = other.m_info;
+    m_projectionString = other.m_projectionString;
+}
+
+void CKvMapProjection::_dealloc()
+{
+    CKvProjection::Release(m_pProjection);
+}
+
+const char* CKvMapProjection::GetName() const
+{
+    return m_pProjection != nullptr ? m_pProjection->GetName() : "";
+}
+
+void CKvMapProjection::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (m_pProjection != nullptr)
+        m_pProjection->Geo2Proj(lon, lat, x, y);
+    m_info.Convert(*x, *y);
+}
+
+void CKvMapProjection::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    m_info.InvConvert(x, y);
+    if (m_pProjection != nullptr)
+        m_pProjection->Proj2Geo(x, y, lon, lat);
+}
+
+void CKvMapProjection::GetOrigin(double* x, double* y) const
+{
+    if (m_pProjection != nullptr) {
+        m_pProjection->GetOrigin(x, y);
+    } else {
+        *x = 0.0;
+        *y = 0.0;
+    }
+}
+
+double CKvMapProjection::GetConvergence(double lon, double lat) const
+{
+    return m_pProjection != nullptr ? m_pProjection->GetConvergence(lon, lat) : 0.0;
+}
+
+void CKvMapProjection::GetDefaultArea(double* x0, double* y0, double* x1, double* y1) const
+{
+    if (m_pProjection != nullptr)
+        m_pProjection->GetDefaultArea(x0, y0, x1, y1);
+}
+
+void CKvMapProjection::GetDefaultArea(int nx, int ny, ESizeParam which, double size, double* x0, double* y0,
+                                      double* x1, double* y1) const
+{
+    if (m_pProjection == nullptr)
+        return;
+    if (nx < 1 || ny < 1) {
+        m_pProjection->GetDefaultArea(x0, y0, x1, y1);
+        return;
+    }
+    double lon0 = 0.0, lat0 = 0.0, cx = 0.0, cy = 0.0;
+    m_pProjection->GetOrigin(&lon0, &lat0);
+    m_pProjection->Geo2Proj(lon0, lat0, &cx, &cy);
+    if (which == eSizeX) {
+        const double half = size * ny / nx * 0.5;
+        *x0 = cx - size * 0.5;
+        *x1 = cx + size * 0.5;
+        *y0 = cy - half;
+        *y1 = cy + half;
+    } else if (which == eSizeY) {
+        const double half = nx * size / ny * 0.5;
+        *x0 = cx - half;
+        *x1 = cx + half;
+        *y0 = cy - size * 0.5;
+        *y1 = cy + size * 0.5;
+    }
+}
+
+bool CKvMapProjection::IsLocal() const
+{
+    return m_pProjection != nullptr && m_pProjection->IsLocal();
+}
+
+bool CKvMapProjection::IsGeographical() const
+{
+    return m_pProjection != nullptr && m_pProjection->IsGeographical();
+}
+
+bool CKvMapProjection::GetUnit(EMapProjectionInfo what, double* factor, char* name) const
+{
+    switch (what) {
+    case eProjUnit: return m_info.GetProjUnit(factor, name);
+    case eAngularUnit: return m_info.GetAngularUnit(factor, name);
+    default: return false;
+    }
+}
+
+int CKvMapProjection::GetCoordSysType() const
+{
+    CKvProjectionInfo::CAxis::EType first, second;
+    m_info.GetAxisTypes(first, second);
+    return 4 * static_cast<int>(first) + static_cast<int>(second);
+}
+
+void CKvMapProjection::Geo2XYZ(double lon, double lat, double h, double* X, double* Y, double* Z) const
+{
+    if (m_pProjection == nullptr)
+        return;
+    CKvEllipsoid ellipsoid;
+    m_pProjection->GetAnonymousEllipsoid(ellipsoid);
+    const double a = ellipsoid.GetMajor();
+    const double e2 = ellipsoid.GetEccentricity() * ellipsoid.GetEccentricity();
+    const double phi = lat * kPi / 180.0, lambda = lon * kPi / 180.0;
+    const double sinPhi = std::sin(phi);
+    const double N = a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
+    *X = (N + h) * std::cos(phi) * std::cos(lambda);
+    *Y = (N + h) * std::cos(phi) * std::sin(lambda);
+    *Z = (N * (1.0 - e2) + h) * sinPhi;
+}
+
+void CKvMapProjection::XYZ2Geo(double X, double Y, double Z, double* lon, double* lat, double* h) const
+{
+    if (m_pProjection == nullptr)
+        return;
+    CKvEllipsoid ellipsoid;
+    m_pProjection->GetAnonymousEllipsoid(ellipsoid);
+    const double a = ellipsoid.GetMajor(), b = ellipsoid.GetMinor(), f = ellipsoid.GetFlatness();
+    const double e2 = ellipsoid.GetEccentricity() * ellipsoid.GetEccentricity();
+    // Bowring (1976), one step from the parametric latitude.
+    const double p = std::sqrt(X * X + Y * Y);
+    const double r = std::sqrt(p * p + Z * Z);
+    const double u = std::atan((Z / p) * ((1.0 - f) + e2 * a / r));
+    const double lambda = std::atan2(Y, X);
+    const double ep2 = (a * a - b * b) / (b * b);
+    const double sinU = std::sin(u), cosU = std::cos(u);
+    const double phi = std::atan((Z + ep2 * b * sinU * sinU * sinU) / (p - e2 * a * cosU * cosU * cosU));
+    const double sinPhi = std::sin(phi);
+    *h = p / std::cos(phi) - a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
+    *lon = lambda * 180.0 / kPi;
+    *lat = phi * 180.0 / kPi;
+}
+
+bool CKvMapProjection::_geodesicEllipsoid(CKvEllipsoid& ellipsoid) const
+{
+    if (m_pProjection->GetAnonymousEllipsoid(ellipsoid))
+        return true;
+    if (!m_pProjection->IsGeographical())
+        return false;
+    ellipsoid.SetParams(6378137.0, 298.257223563);
+    return true;
+}
+
+bool CKvMapProjection::GetDistance(double lon1, double lat1, double lon2, double lat2, double& distance) const
+{
+    double azimuth12 = 0.0, azimuth21 = 0.0;
+    return GetDistance(lon1, lat1, lon2, lat2, distance, azimuth12, azimuth21);
+}
+
+bool CKvMapProjection::GetDistance(double lon1, double lat1, double lon2, double lat2, double& distance,
+                                   double& azimuth12, double& azimuth21) const
+{
+    if (lon1 == lon2 && lat1 == lat2) {
+        distance = 0.0;
+        return true;
+    }
+    CKvEllipsoid ellipsoid;
+    if (m_pProjection == nullptr || !_geodesicEllipsoid(ellipsoid))
+        return false;
+    CKvVincenty(ellipsoid).GetDistance(lon1, lat1, lon2, lat2, distance, azimuth12, azimuth21);
+    return true;
+}
+
+bool CKvMapProjection::GetPoint(double lon1, double lat1, double azimuth12, double distance, double& lon2,
+                                double& lat2, double& azimuth21) const
+{
+    CKvEllipsoid ellipsoid;
+    if (m_pProjection == nullptr || !_geodesicEllipsoid(ellipsoid))
+        return false;
+    CKvVincenty(ellipsoid).GetPoint(lon1, lat1, azimuth12, distance, lon2, lat2, azimuth21);
+    return true;
+}
+
 const char* CKvMapProjection::IDtoProjectionString(int id)
 {
     switch (id) {
@@ -37,7 +281,7 @@ const char* CKvMapProjection::IDtoProjectionString(int id)
     }
 }
 
-CKvProjection* CKvMapProjection::GetProjection(const char* text)
+CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionInfo* info)
 {
     CString trimmed(text);
     trimmed.Trim();
@@ -45,8 +289,11 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text)
     parser.Parse(false);
     if (parser.GetProjectionType() != CKvMapProjData::eNoProjection) {
         CKvProjection* engine = parser.CreateMapProjection();
-        if (engine != nullptr)
+        if (engine != nullptr) {
+            if (info != nullptr)
+                info->SetProjectionInfo(parser);
             return engine;
+        }
     }
     if (trimmed == "UTM")
         throw std::out_of_range("Can't use generic UTM");

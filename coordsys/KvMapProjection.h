@@ -2,13 +2,19 @@
 #define KVCART_COORDSYS_KVMAPPROJECTION_H
 
 #include "catalogue/KvEllipsoid.h"
+#include "coordsys/KvProjectionInfo.h"
+
+#include <string>
 
 class CKvMapProjData;
 class CKvProjection;
 
-// The coordinate-system object. This part holds its catalogue functions: the
-// look-ups that definitions and engines make by name, the edits of the
-// process-wide catalogue with their modified flags, and the built-in names.
+// The coordinate-system object: built from one string (WKT, a catalogue name
+// such as "UTM-32", "NON-UTM" or "LONG/LAT"), it owns the engine that does the
+// mathematics and applies the axes of the system around it. A string that
+// resolves nowhere leaves an object without engine, which answers with neutral
+// values. The static members resolve strings and reach the process-wide
+// catalogue.
 class CKvMapProjection
 {
 public:
@@ -20,7 +26,59 @@ public:
         eWgs84Geographic = 4 // the WGS 84 geographical WKT
     };
 
-    virtual ~CKvMapProjection() = default;
+    enum EMapProjectionInfo
+    {
+        eProjUnit = 1,   // the linear unit of projected coordinates
+        eAngularUnit = 2 // the angular unit of geographical coordinates
+    };
+
+    enum ESizeParam
+    {
+        eSizeX = 1, // the given size is the width
+        eSizeY = 2  // the given size is the height
+    };
+
+    // Throws std::out_of_range("Can't use generic UTM") for the bare name "UTM".
+    explicit CKvMapProjection(const char* text);
+    explicit CKvMapProjection(const std::string& text);
+    // The source must hold an engine: it is cloned.
+    CKvMapProjection(const CKvMapProjection& other);
+    CKvMapProjection& operator=(const CKvMapProjection& other);
+    virtual ~CKvMapProjection();
+
+    const char* GetName() const;
+    // The engine, still owned by the object; null when the string did not resolve.
+    CKvProjection* GetProjection() const { return m_pProjection; }
+    // The string as given; empty when it did not resolve.
+    const char* GetProjectionString() const { return m_projectionString.c_str(); }
+    // Degrees in; the system's axis order and signs out (and the reverse).
+    void Geo2Proj(double lon, double lat, double* x, double* y) const;
+    void Proj2Geo(double x, double y, double* lon, double* lat) const;
+    void GetOrigin(double* x, double* y) const;
+    double GetConvergence(double lon, double lat) const;
+    void GetDefaultArea(double* x0, double* y0, double* x1, double* y1) const;
+    // An area of nx by ny cells around the projected origin whose width
+    // (eSizeX) or height (eSizeY) is size.
+    void GetDefaultArea(int nx, int ny, ESizeParam which, double size, double* x0, double* y0, double* x1,
+                        double* y1) const;
+    bool IsLocal() const;
+    bool IsGeographical() const;
+    // name: at least CKvProjectionInfo::UnitNameSize bytes.
+    bool GetUnit(EMapProjectionInfo what, double* factor, char* name) const;
+    void GetDatumShift(CKvDatumShift& shift) const { m_info.GetDatumShift(shift); }
+    // 4 x first axis type + second axis type (0 for east/north).
+    int GetCoordSysType() const;
+    // Geocentric coordinates on the engine's ellipsoid (metres), and back by
+    // Bowring's method (one step).
+    void Geo2XYZ(double lon, double lat, double h, double* X, double* Y, double* Z) const;
+    void XYZ2Geo(double X, double Y, double Z, double* lon, double* lat, double* h) const;
+    // The inverse and direct geodesic problems (Vincenty) on the engine's
+    // ellipsoid; WGS 84 for a geographical engine without one.
+    bool GetDistance(double lon1, double lat1, double lon2, double lat2, double& distance) const;
+    bool GetDistance(double lon1, double lat1, double lon2, double lat2, double& distance, double& azimuth12,
+                     double& azimuth21) const;
+    bool GetPoint(double lon1, double lat1, double azimuth12, double distance, double& lon2, double& lat2,
+                  double& azimuth21) const;
 
     static const char* IDtoProjectionString(int id);
 
@@ -28,7 +86,8 @@ public:
     // when it resolves nowhere. The trimmed text is tried as WKT first, then as a
     // catalogue name; blank text means "NON-UTM". The bare name "UTM" throws
     // std::out_of_range("Can't use generic UTM"): a zone must be named.
-    static CKvProjection* GetProjection(const char* text);
+    // info, when not null, receives the units and axes of WKT text.
+    static CKvProjection* GetProjection(const char* text, CKvProjectionInfo* info);
     // The engine of the catalogue definition of that name, or null.
     static CKvProjection* _FindMapProjection(const char* name);
     // True exactly when the trimmed text is "NON-UTM".
@@ -49,6 +108,19 @@ public:
     static void EditEllipsoid(CKvEllipsoid* ellipsoid);
     static void AddMapProjection(CKvMapProjData* definition);
     static void DeleteMapProjection(CKvMapProjData* definition);
+
+protected:
+    void _copy(const CKvMapProjection& other);
+    void _dealloc();
+
+private:
+    void _construct(const char* text);
+    // The engine's ellipsoid, or WGS 84 for a geographical engine without one.
+    bool _geodesicEllipsoid(CKvEllipsoid& ellipsoid) const;
+
+    CKvProjection* m_pProjection;
+    CKvProjectionInfo m_info;
+    std::string m_projectionString;
 };
 
 #endif

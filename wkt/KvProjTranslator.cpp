@@ -7,15 +7,8 @@
 
 #include <cmath>
 #include <fstream>
-#include <memory>
 
 namespace {
-
-struct SEngineDeleter
-{
-    void operator()(CKvProjection* engine) const { CKvProjection::Release(engine); }
-};
-using EnginePtr = std::unique_ptr<CKvProjection, SEngineDeleter>;
 
 // The WKT of a resolved coordinate-system string: the text itself when it is
 // WKT; for a catalogue name, the WKT that its engine describes. The two special
@@ -47,8 +40,9 @@ double DegreesPerUnit(double factor)
 
 std::string CKvProjTranslator::Convert2Proj4(const std::string& text, const double* datumShift, int count) const
 {
-    const EnginePtr engine(CKvMapProjection::GetProjection(text.c_str()));
-    if (!engine)
+    const CKvMapProjection system(text);
+    const CKvProjection* engine = system.GetProjection();
+    if (engine == nullptr)
         return std::string();
 
     CKvPRJParser parser(WktOf(text, *engine));
