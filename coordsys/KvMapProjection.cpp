@@ -32,14 +32,6 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 
-bool IsSpecialName(const char* text)
-{
-    CString trimmed(text);
-    trimmed.Trim();
-    return trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM) ||
-           trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eLongLat);
-}
-
 } // namespace
 
 CKvMapProjection::CKvMapProjection(const char* text) : m_pProjection(nullptr)
@@ -58,7 +50,7 @@ void CKvMapProjection::_construct(const char* text)
     if (m_pProjection == nullptr)
         return;
     // A catalogue name gets its units and axes from the WKT its engine describes.
-    if (!CKvPRJParser::IsPRJ(text) && !IsSpecialName(text)) {
+    if (!CKvPRJParser::IsPRJ(text) && !IsLocal(text) && !IsLongLat(text)) {
         CString wkt;
         CKvPRJParser(m_pProjection).Format(wkt);
         CKvPRJParser parser(wkt);
@@ -315,6 +307,13 @@ bool CKvMapProjection::IsLocal(const char* text)
     CString trimmed(text);
     trimmed.Trim();
     return trimmed == IDtoProjectionString(eNonUTM);
+}
+
+bool CKvMapProjection::IsLongLat(const char* text)
+{
+    CString trimmed(text);
+    trimmed.Trim();
+    return trimmed == IDtoProjectionString(eLongLat);
 }
 
 CKvMapProjData* CKvMapProjection::MapProjection(const char* name)

@@ -92,6 +92,8 @@ public:
     static CKvProjection* _FindMapProjection(const char* name);
     // True exactly when the trimmed text is "NON-UTM".
     static bool IsLocal(const char* text);
+    // True exactly when the trimmed text is "LONG/LAT".
+    static bool IsLongLat(const char* text);
 
     // The catalogue definition of that name, editable: the projection list is
     // marked modified, so that changes made through it are written back.

@@ -8,15 +8,6 @@
 
 namespace {
 
-// Copies text into a fixed field, truncated so that the terminator always fits.
-void CopyBounded(char* field, size_t size, const char* text)
-{
-    const size_t length = text != nullptr ? strnlen(text, size - 1) : 0;
-    if (length > 0)
-        std::memcpy(field, text, length);
-    field[length] = '\0';
-}
-
 bool IsVertical(CKvProjectionInfo::CAxis::EType type)
 {
     return type == CKvProjectionInfo::CAxis::eNorth || type == CKvProjectionInfo::CAxis::eSouth;
@@ -60,7 +51,7 @@ void CKvProjectionInfo::CAxis::SetProperties(EType type, const char* name)
         m_sign = 1.0;
     else if (type == eWest || type == eSouth)
         m_sign = -1.0;
-    CopyBounded(m_name, sizeof m_name, name);
+    CString::CopyBounded(m_name, sizeof m_name, name);
 }
 
 CKvProjectionInfo::CAxis::EType CKvProjectionInfo::CAxis::StringToType(const char* word) const
@@ -105,9 +96,9 @@ void CKvProjectionInfo::SetProjectionInfo(const CKvPRJParser& parser)
 {
     CString name;
     parser.GetProjUnit(name, m_projUnit);
-    CopyBounded(m_projUnitName, sizeof m_projUnitName, name);
+    CString::CopyBounded(m_projUnitName, sizeof m_projUnitName, name);
     parser.GetAngularUnit(name, m_angularUnit);
-    CopyBounded(m_angularUnitName, sizeof m_angularUnitName, name);
+    CString::CopyBounded(m_angularUnitName, sizeof m_angularUnitName, name);
     parser.GetDatumShift(m_datumShift);
     CString direction;
     parser.GetAxisInfo(CKvPRJParser::eFirstAxis, name, direction);

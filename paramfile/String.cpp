@@ -71,6 +71,14 @@ int CString::ReverseFind(char ch) const
     return pos == std::string::npos ? -1 : static_cast<int>(pos);
 }
 
+void CString::CopyBounded(char* field, size_t size, const char* text)
+{
+    const size_t length = text != nullptr ? strnlen(text, size - 1) : 0;
+    if (length > 0)
+        std::memcpy(field, text, length);
+    field[length] = '\0';
+}
+
 CString CString::Tokenize(const char* delimiters, int& start) const
 {
     if (start < 0 || delimiters == nullptr || static_cast<size_t>(start) > m_text.size()) {

@@ -50,6 +50,10 @@ public:
     CString Mid(int first) const;
     CString Mid(int first, int count) const;
 
+    // Copies text into a fixed field of size bytes, truncated so that the
+    // terminator always fits; a null text gives "".
+    static void CopyBounded(char* field, size_t size, const char* text);
+
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void AppendFormat(const char* format, ...) __attribute__((format(printf, 2, 3)));
 

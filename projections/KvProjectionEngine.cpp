@@ -1,6 +1,7 @@
 #include "projections/KvProjectionEngine.h"
 
 #include "catalogue/KvCartSetup.h"
+#include "paramfile/String.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,9 +28,7 @@ CKvProjectionEngine::CKvProjectionEngine(const CKvMapProjData& definition)
 
 void CKvProjectionEngine::_setName(const char* name)
 {
-    const size_t length = name != nullptr ? strnlen(name, NameSize - 1) : 0;
-    std::memcpy(m_szName, name != nullptr ? name : "", length);
-    m_szName[length] = '\0';
+    CString::CopyBounded(m_szName, sizeof m_szName, name);
 }
 
 void CKvProjectionEngine::_setEllipsoid(const CKvEllipsoid& ellipsoid)

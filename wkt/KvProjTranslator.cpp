@@ -16,10 +16,8 @@ namespace {
 CString WktOf(const std::string& text, const CKvProjection& engine)
 {
     CString wkt(text);
-    CString trimmed(text);
-    trimmed.Trim();
-    if (CKvPRJParser::IsPRJ(wkt) || trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM) ||
-        trimmed == CKvMapProjection::IDtoProjectionString(CKvMapProjection::eLongLat))
+    if (CKvPRJParser::IsPRJ(wkt) || CKvMapProjection::IsLocal(text.c_str()) ||
+        CKvMapProjection::IsLongLat(text.c_str()))
         return wkt;
     CKvPRJParser(&engine).Format(wkt);
     return wkt;
