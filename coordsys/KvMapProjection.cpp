@@ -6,6 +6,7 @@
 #include "projections/KvProjection.h"
 #include "wkt/KvPRJParser.h"
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
 
@@ -81,7 +82,8 @@ CKvMapProjection::~CKvMapProjection()
 
 void CKvMapProjection::_copy(const CKvMapProjection& other)
 {
-    m_pProjection = other.m_pProjection->Clone();
+    // An unresolved source gives an unresolved copy.
+    m_pProjection = other.m_pProjection != nullptr ? other.m_pProjection->Clone() : nullptr;
     m_info = other.m_info;
     m_projectionString = other.m_projectionString;
 }
@@ -376,4 +378,214 @@ void CKvMapProjection::DeleteMapProjection(CKvMapProjData* definition)
     CKvCartSetup* setup = CKvCartSetup::Instance();
     setup->GetMapProjectionList().DeleteMapProjection(definition);
     setup->SetMapProjectionListModified();
+}
+
+namespace {
+
+// The WKT that describes a resolved system: its own text when that is WKT, else
+// (a catalogue name) the text its engine formats. The special names stay as
+// they are; an unresolved system has no text.
+CString DescribingText(const CKvMapProjection& system)
+{
+    CString text(system.GetProjectionString());
+    if (system.GetProjection() == nullptr || CKvPRJParser::IsPRJ(text) ||
+        CKvMapProjection::IsType(12, text.GetString()))
+        return text;
+    CString wkt;
+    CKvPRJParser(system.GetProjection()).Format(wkt);
+    return wkt;
+}
+
+CString Trimmed(const char* text)
+{
+    CString trimmed(text != nullptr ? text : "");
+    trimmed.Trim();
+    return trimmed;
+}
+
+CKvMapProjData::EProjectionType WktType(const CString& text)
+{
+    CKvPRJParser parser(text);
+    parser.Parse(false);
+    return parser.GetProjectionType();
+}
+
+bool Differ(double a, double b)
+{
+    if (a == b)
+        return false;
+    return !(std::fabs(a - b) / std::max(std::fabs(a), std::fabs(b)) <= 1e-12);
+}
+
+} // namespace
+
+bool CKvMapProjection::IsValid(const char* text)
+{
+    const CString trimmed = Trimmed(text);
+    if (trimmed.IsEmpty())
+        return false;
+    if (WktType(trimmed) != CKvMapProjData::eNoProjection)
+        return true;
+    if (trimmed == "UTM" || CKvPRJParser::IsPRJ(trimmed))
+        return false;
+    if (IsLocal(trimmed.GetString()) || IsLongLat(trimmed.GetString()))
+        return true;
+    // Any fragment of the catalogue's listing counts, names and WKT alike.
+    long count = 0;
+    return CString(EnumMapProjections(15, &count)).Find(trimmed.GetString()) >= 0;
+}
+
+bool CKvMapProjection::IsGeographical(const char* text)
+{
+    const CString trimmed = Trimmed(text);
+    if (IsLongLat(trimmed.GetString()))
+        return true;
+    const CKvMapProjData::EProjectionType type = WktType(DescribingText(CKvMapProjection(trimmed.GetString())));
+    return type == CKvMapProjData::eRotatedLongitudeLatitude || type == CKvMapProjData::eGeographical;
+}
+
+bool CKvMapProjection::IsGeoreferenced(const char* text)
+{
+    return !IsLocal(text) && IsValid(text);
+}
+
+bool CKvMapProjection::IsType(int mask, const char* text)
+{
+    const CString trimmed = Trimmed(text);
+    if ((mask & 8) != 0 && IsLocal(trimmed.GetString()))
+        return true;
+    if ((mask & 4) != 0 && IsLongLat(trimmed.GetString()))
+        return true;
+    if ((mask & 3) == 0)
+        return false;
+    return CKvMapProjData::IsEquivalent(mask, WktType(DescribingText(CKvMapProjection(trimmed.GetString()))));
+}
+
+bool CKvMapProjection::HasDatum(const char* text)
+{
+    const CString trimmed = Trimmed(text);
+    if (WktType(trimmed) != CKvMapProjData::eNoProjection)
+        return true;
+    if (trimmed == "UTM" || IsLocal(trimmed.GetString()) || IsLongLat(trimmed.GetString()))
+        return false;
+    long count = 0;
+    return CString(EnumMapProjections(3, &count)).Find(trimmed.GetString()) >= 0;
+}
+
+int CKvMapProjection::GetCoordSysType(const char* text)
+{
+    return CKvMapProjection(text).GetCoordSysType();
+}
+
+const char* CKvMapProjection::LongitudeToUTMZone(double lon)
+{
+    static CString zone;
+    // A longitude without zone (NaN, infinite, far beyond the globe) names none
+    // rather than an integer conversion out of range.
+    const double number = std::floor(lon / 6.0) + 31.0;
+    if (!(std::fabs(number) < 1e9)) {
+        zone = "";
+        return zone.GetString();
+    }
+    zone.Format("UTM-%d", static_cast<int>(number));
+    return zone.GetString();
+}
+
+const char* CKvMapProjection::ShortName(const char* text)
+{
+    static CString name;
+    name = CKvPRJParser::ShortName(CString(text != nullptr ? text : ""));
+    return name.GetString();
+}
+
+const char* CKvMapProjection::EnumMapProjections(int mask, long* count)
+{
+    static CString listing;
+    listing = "";
+    *count = 0;
+    const CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
+    for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it) {
+        const std::string name = (*it)->GetName();
+        if (!IsType(mask, name.c_str()))
+            continue;
+        if (IsType(12, name.c_str())) {
+            listing += name.c_str();
+        } else {
+            CString wkt;
+            CKvPRJParser(*it).Format(wkt);
+            wkt.Trim();
+            listing += wkt;
+        }
+        listing += ";";
+        ++*count;
+    }
+    return listing.GetString();
+}
+
+const char* CKvMapProjection::EnumEllipsoids(CKvEllipsoidList::EEllipsoidTypes kind, long* count)
+{
+    static CString listing;
+    listing = "";
+    *count = 0;
+    const CKvEllipsoidList& list = CKvCartSetup::Instance()->GetEllipsoidList();
+    for (auto it = list.GetIteratorBegin(kind); it != list.GetIteratorEnd(kind); ++it) {
+        CString name((*it)->GetName().c_str());
+        name.Trim();
+        listing += name;
+        listing += ";";
+        ++*count;
+    }
+    return listing.GetString();
+}
+
+bool CKvMapProjection::AreIdentical(const char* a, const char* b)
+{
+    const CKvMapProjection systemA(a), systemB(b);
+    // A string that resolves nowhere has nothing to compare.
+    if (systemA.GetProjection() == nullptr || systemB.GetProjection() == nullptr)
+        return false;
+    CKvPRJParser parserA(DescribingText(systemA)), parserB(DescribingText(systemB));
+    parserA.Parse(true);
+    parserB.Parse(true);
+    if (parserA.GetProjectionType() != parserB.GetProjectionType())
+        return false;
+
+    bool identical = true;
+    for (int i = 0; i < parserA.GetNoOfParameters(); ++i) {
+        CString nameA, nameB, unitA, unitB;
+        double valueA = 0.0, valueB = 0.0, factorA = 1.0, factorB = 1.0;
+        parserA.GetParameter(i, nameA, valueA, unitA, factorA);
+        parserB.GetParameter(i, nameB, valueB, unitB, factorB);
+        if (!(nameA == nameB))
+            identical = false;
+        if (!(unitA == unitB)) {
+            valueA *= factorA;
+            valueB *= factorB;
+        }
+        if (Differ(valueA, valueB))
+            identical = false;
+    }
+    if (!identical)
+        return false;
+
+    CKvEllipsoid ellipsoidA, ellipsoidB;
+    systemA.GetProjection()->GetAnonymousEllipsoid(ellipsoidA);
+    systemB.GetProjection()->GetAnonymousEllipsoid(ellipsoidB);
+    if (!ellipsoidA.IsEquivalent(ellipsoidB))
+        return false;
+
+    CKvDatumShift shiftA, shiftB;
+    parserA.GetDatumShift(shiftA);
+    parserB.GetDatumShift(shiftB);
+    if (shiftA != shiftB)
+        return false;
+
+    for (CKvPRJParser::EAxisType axis : {CKvPRJParser::eFirstAxis, CKvPRJParser::eSecondAxis}) {
+        CString name, directionA, directionB;
+        parserA.GetAxisInfo(axis, name, directionA);
+        parserB.GetAxisInfo(axis, name, directionB);
+        if (directionA.CompareNoCase(directionB.GetString()) != 0)
+            return false;
+    }
+    return true;
 }

@@ -2,6 +2,7 @@
 #define KVCART_COORDSYS_KVMAPPROJECTION_H
 
 #include "catalogue/KvEllipsoid.h"
+#include "catalogue/KvEllipsoidList.h"
 #include "coordsys/KvProjectionInfo.h"
 
 #include <string>
@@ -41,7 +42,7 @@ public:
     // Throws std::out_of_range("Can't use generic UTM") for the bare name "UTM".
     explicit CKvMapProjection(const char* text);
     explicit CKvMapProjection(const std::string& text);
-    // The source must hold an engine: it is cloned.
+    // The engine is cloned; an unresolved source gives an unresolved copy.
     CKvMapProjection(const CKvMapProjection& other);
     CKvMapProjection& operator=(const CKvMapProjection& other);
     virtual ~CKvMapProjection();
@@ -66,7 +67,7 @@ public:
     // name: at least CKvProjectionInfo::UnitNameSize bytes.
     bool GetUnit(EMapProjectionInfo what, double* factor, char* name) const;
     void GetDatumShift(CKvDatumShift& shift) const { m_info.GetDatumShift(shift); }
-    // 4 x first axis type + second axis type (0 for east/north).
+    // 4 x first axis type + second axis type: 1 for easting/northing.
     int GetCoordSysType() const;
     // Geocentric coordinates on the engine's ellipsoid (metres), and back by
     // Bowring's method (one step).
@@ -94,6 +95,31 @@ public:
     static bool IsLocal(const char* text);
     // True exactly when the trimmed text is "LONG/LAT".
     static bool IsLongLat(const char* text);
+
+    // Classification of coordinate-system strings. The type mask: 8 selects
+    // "NON-UTM", 4 "LONG/LAT", 1 the projections and 2 the geographical and
+    // rotated longitude/latitude systems. A catalogue name is classified by the
+    // WKT its engine describes.
+    static bool IsValid(const char* text);
+    static bool IsGeographical(const char* text);
+    static bool IsGeoreferenced(const char* text);
+    static bool IsType(int mask, const char* text);
+    static bool HasDatum(const char* text);
+    static int GetCoordSysType(const char* text);
+    // "UTM-%d" for zone floor(lon / 6) + 31, unclamped.
+    static const char* LongitudeToUTMZone(double lon);
+    // The texts below point into a static buffer of each function, valid until
+    // its next call; not for concurrent use.
+    static const char* ShortName(const char* text);
+    // The catalogue's systems of a type mask, each followed by ";": the special
+    // names as they are, every other definition as its WKT.
+    static const char* EnumMapProjections(int mask, long* count);
+    // The names of the ellipsoids of a kind, each followed by ";".
+    static const char* EnumEllipsoids(CKvEllipsoidList::EEllipsoidTypes kind, long* count);
+    // Same projection and parameters (relative 1e-12, in common units when the
+    // units are named differently), equivalent ellipsoids, the same datum shift
+    // and axis directions; names are not compared. Both strings must resolve.
+    static bool AreIdentical(const char* a, const char* b);
 
     // The catalogue definition of that name, editable: the projection list is
     // marked modified, so that changes made through it are written back.

@@ -1,9 +1,14 @@
 #include "interface/KvCart.h"
 
 #include "catalogue/KvCartSetup.h"
+#include "coordsys/KvCartography.h"
+#include "coordsys/KvMapProjection.h"
+#include "geodesy/KvDatumConverter.h"
+#include "projections/KvProjection.h"
 #include "wkt/KvProjTranslator.h"
 
 #include <cstring>
+#include <new>
 #include <string>
 
 namespace {
@@ -11,18 +16,352 @@ namespace {
 // The string rule of the interface: when the length len exceeds size, *status =
 // len and the buffer is not touched; otherwise the text and its terminator are
 // copied (the buffer holds size + 1 bytes) and *status = 0.
-void CopyResult(const std::string& text, char* buffer, int size, int* status)
+void CopyResult(const char* text, char* buffer, int size, int* status)
 {
-    const long long len = static_cast<long long>(text.size());
-    if (len > size || buffer == nullptr) {
-        *status = static_cast<int>(len);
+    const size_t length = std::strlen(text);
+    // Deliberately len > size, not >=: the buffer holds size + 1 bytes.
+    if (static_cast<long long>(length) > size || buffer == nullptr) {
+        *status = static_cast<int>(length);
         return;
     }
-    std::memcpy(buffer, text.c_str(), text.size() + 1);
+    std::memcpy(buffer, text, length + 1);
     *status = 0;
 }
 
+void CopyResult(const std::string& text, char* buffer, int size, int* status)
+{
+    CopyResult(text.c_str(), buffer, size, status);
+}
+
+// Create functions: any exception (the generic "UTM", memory) is status -1
+// and leaves the handle as it was; nothing crosses the C boundary.
+template <typename Object, typename Make>
+void Create(Object** handle, int* status, Make make)
+{
+    try {
+        Object* object = make();
+        *handle = object;
+        *status = 0;
+    } catch (...) {
+        *status = -1;
+    }
+}
+
+template <typename Object>
+void Destroy(Object** handle, int* status)
+{
+    if (handle == nullptr || *handle == nullptr) {
+        *status = -1;
+        return;
+    }
+    delete *handle;
+    *handle = nullptr;
+    *status = 0;
+}
+
+// The string queries answer 0 for text they cannot classify, such as the
+// generic "UTM" that the object construction rejects with an exception.
+template <typename Query>
+int Answer(Query query, int otherwise = 0)
+{
+    try {
+        return query();
+    } catch (...) {
+        return otherwise;
+    }
+}
+
+const char* Text(const char* text)
+{
+    return text != nullptr ? text : "";
+}
+
 } // namespace
+
+/* Coordinate systems */
+
+extern "C" void C_KVMP_CREATE(const char* text, KVMP_HANDLE* handle, int* status)
+{
+    Create(handle, status, [&] { return new CKvMapProjection(Text(text)); });
+}
+
+extern "C" void C_KVMP_DESTROY(KVMP_HANDLE* handle, int* status)
+{
+    Destroy(handle, status);
+}
+
+extern "C" void C_KVMP_GETNAME(KVMP_HANDLE handle, char* buffer, int size, int* status)
+{
+    CopyResult(handle->GetName(), buffer, size, status);
+}
+
+extern "C" void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int size, int* status)
+{
+    CopyResult(handle->GetProjectionString(), buffer, size, status);
+}
+
+extern "C" void C_KVMP_GEO2PROJ(KVMP_HANDLE handle, double lon, double lat, double* x, double* y)
+{
+    handle->Geo2Proj(lon, lat, x, y);
+}
+
+extern "C" void C_KVMP_PROJ2GEO(KVMP_HANDLE handle, double x, double y, double* lon, double* lat)
+{
+    handle->Proj2Geo(x, y, lon, lat);
+}
+
+extern "C" void C_KVMP_GETORIGIN(KVMP_HANDLE handle, double* x, double* y)
+{
+    handle->GetOrigin(x, y);
+}
+
+extern "C" double C_KVMP_GETCONVERGENCE(KVMP_HANDLE handle, double lon, double lat)
+{
+    return handle->GetConvergence(lon, lat);
+}
+
+extern "C" void C_KVMP_GEO2XYZ(KVMP_HANDLE handle, double lon, double lat, double h, double* X, double* Y, double* Z)
+{
+    handle->Geo2XYZ(lon, lat, h, X, Y, Z);
+}
+
+extern "C" void C_KVMP_XYZ2GEO(KVMP_HANDLE handle, double X, double Y, double Z, double* lon, double* lat, double* h)
+{
+    handle->XYZ2Geo(X, Y, Z, lon, lat, h);
+}
+
+extern "C" void C_KVMP_GETDEFAULTAREA(KVMP_HANDLE handle, double* x0, double* y0, double* x1, double* y1)
+{
+    handle->GetDefaultArea(x0, y0, x1, y1);
+}
+
+/* Local site grids */
+
+extern "C" void C_KVC_CREATE(const char* text, double lon0, double lat0, double orientation, KVC_HANDLE* handle,
+                             int* status)
+{
+    Create(handle, status, [&] { return new CKvCartography(Text(text), lon0, lat0, orientation); });
+}
+
+extern "C" void C_KVC_DESTROY(KVC_HANDLE* handle, int* status)
+{
+    Destroy(handle, status);
+}
+
+extern "C" KVMP_HANDLE C_KVC_GETPROJECTION(KVC_HANDLE handle)
+{
+    return handle->GetProjection();
+}
+
+extern "C" void C_KVC_GETPROJECTIONNAME(KVC_HANDLE handle, char* buffer, int size, int* status)
+{
+    CopyResult(handle->GetProjectionName(), buffer, size, status);
+}
+
+extern "C" void C_KVC_GETPROJECTIONSTRING(KVC_HANDLE handle, char* buffer, int size, int* status)
+{
+    CopyResult(handle->GetProjectionString(), buffer, size, status);
+}
+
+extern "C" double C_KVC_GETTRUENORTH(KVC_HANDLE handle, double x, double y)
+{
+    return handle->GetTrueNorth(x, y);
+}
+
+extern "C" double C_KVC_GETPROJNORTH(KVC_HANDLE handle)
+{
+    return handle->GetProjectionNorth();
+}
+
+extern "C" void C_KVC_GEO2PROJ(KVC_HANDLE handle, double lon, double lat, double* X, double* Y)
+{
+    handle->Geo2Proj(lon, lat, X, Y);
+}
+
+extern "C" void C_KVC_PROJ2GEO(KVC_HANDLE handle, double X, double Y, double* lon, double* lat)
+{
+    handle->Proj2Geo(X, Y, lon, lat);
+}
+
+extern "C" void C_KVC_GEO2XY(KVC_HANDLE handle, double lon, double lat, double* x, double* y)
+{
+    handle->Geo2Xy(lon, lat, x, y);
+}
+
+extern "C" void C_KVC_XY2GEO(KVC_HANDLE handle, double x, double y, double* lon, double* lat)
+{
+    handle->Xy2Geo(x, y, lon, lat);
+}
+
+extern "C" void C_KVC_PROJ2XY(KVC_HANDLE handle, double X, double Y, double* x, double* y)
+{
+    handle->Proj2Xy(X, Y, x, y);
+}
+
+extern "C" void C_KVC_XY2PROJ(KVC_HANDLE handle, double x, double y, double* X, double* Y)
+{
+    handle->Xy2Proj(x, y, X, Y);
+}
+
+/* Datum converters */
+
+extern "C" void C_KVDC_CREATE(const char* source, const char* target, KVDC_HANDLE* handle, int* status)
+{
+    Create(handle, status, [&] { return new CKvDatumConverter(Text(source), Text(target)); });
+}
+
+extern "C" void C_KVDC_DESTROY(KVDC_HANDLE* handle, int* status)
+{
+    Destroy(handle, status);
+}
+
+extern "C" void C_KVDC_CONVERTXY(KVDC_HANDLE handle, double* x, double* y)
+{
+    handle->Convert(*x, *y);
+}
+
+extern "C" void C_KVDC_INVCONVERTXY(KVDC_HANDLE handle, double* x, double* y)
+{
+    handle->InvConvert(*x, *y);
+}
+
+extern "C" void C_KVDC_CONVERTXYH(KVDC_HANDLE handle, double* x, double* y, double* h)
+{
+    handle->Convert(*x, *y, *h);
+}
+
+extern "C" void C_KVDC_INVCONVERTXYH(KVDC_HANDLE handle, double* x, double* y, double* h)
+{
+    handle->InvConvert(*x, *y, *h);
+}
+
+extern "C" void C_KVDC_DATUMSHIFT(KVDC_HANDLE handle, double* X, double* Y, double* Z)
+{
+    handle->DatumShift(*X, *Y, *Z);
+}
+
+extern "C" void C_KVDC_INVDATUMSHIFT(KVDC_HANDLE handle, double* X, double* Y, double* Z)
+{
+    handle->InvDatumShift(*X, *Y, *Z);
+}
+
+extern "C" void C_KVDC_SETCONVERSIONTYPE(KVDC_HANDLE handle, int type)
+{
+    handle->SetConversionType(static_cast<CKvDatumConverter::ETypeOfConversion>(type));
+}
+
+extern "C" int C_KVDC_GETBYPASSXYZ(KVDC_HANDLE handle)
+{
+    return handle->GetBypassXYZ() ? 1 : 0;
+}
+
+extern "C" void C_KVDC_BYPASSXYZ(KVDC_HANDLE handle)
+{
+    handle->BypassXYZ();
+}
+
+extern "C" void C_KVDC_RESETBYPASSXYZ(KVDC_HANDLE handle)
+{
+    handle->ResetBypassXYZ();
+}
+
+extern "C" int C_KVDC_SETDATUMSHIFT(KVDC_HANDLE handle, int type, double* params, int flag)
+{
+    return handle->SetDatumShift(static_cast<CKvCartDef::ETypeOfDatumShift>(type), params, flag != 0) ? 1 : 0;
+}
+
+extern "C" void C_KVDC_INVERTORDER(KVDC_HANDLE handle)
+{
+    handle->InvertOrder();
+}
+
+/* Questions on strings */
+
+extern "C" int S_ISVALID(const char* text)
+{
+    return Answer([&] { return CKvMapProjection::IsValid(Text(text)) ? 1 : 0; });
+}
+
+extern "C" int S_ISLOCAL(const char* text)
+{
+    return CKvMapProjection::IsLocal(Text(text)) ? 1 : 0;
+}
+
+extern "C" int S_ISLONGLAT(const char* text)
+{
+    return CKvMapProjection::IsLongLat(Text(text)) ? 1 : 0;
+}
+
+extern "C" int S_ISGEOGRAPHICAL(const char* text)
+{
+    return Answer([&] { return CKvMapProjection::IsGeographical(Text(text)) ? 1 : 0; });
+}
+
+extern "C" int S_ISGEOREFERENCED(const char* text)
+{
+    return Answer([&] { return CKvMapProjection::IsGeoreferenced(Text(text)) ? 1 : 0; });
+}
+
+extern "C" int S_HASDATUM(const char* text)
+{
+    return Answer([&] { return CKvMapProjection::HasDatum(Text(text)) ? 1 : 0; });
+}
+
+// The string first and the mask second, unlike the member.
+extern "C" int S_ISTYPE(const char* text, int typeMask)
+{
+    return Answer([&] { return CKvMapProjection::IsType(typeMask, Text(text)) ? 1 : 0; });
+}
+
+extern "C" int S_AREIDENTICAL(const char* a, const char* b)
+{
+    return Answer([&] { return CKvMapProjection::AreIdentical(Text(a), Text(b)) ? 1 : 0; });
+}
+
+// A text that cannot be made into a system has the default axes.
+extern "C" int S_GETCOORDSYSTYPE(const char* text)
+{
+    return Answer([&] { return CKvMapProjection::GetCoordSysType(Text(text)); }, 1);
+}
+
+extern "C" void S_PROJECTIONSHORTNAME(const char* text, char* buffer, int size, int* status)
+{
+    CopyResult(CKvMapProjection::ShortName(Text(text)), buffer, size, status);
+}
+
+extern "C" void S_LONGITUDETOUTMZONE(char* buffer, int size, int* status, double lon)
+{
+    CopyResult(CKvMapProjection::LongitudeToUTMZone(lon), buffer, size, status);
+}
+
+extern "C" void S_GETGOOGLEMAPPROJECTIONSTRING(char* buffer, int size, int* status)
+{
+    CopyResult(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eGoogleMercator), buffer, size, status);
+}
+
+extern "C" void S_PROJECTIONORIGIN(const char* text, double* x, double* y, int* status)
+{
+    try {
+        CKvMapProjection(Text(text)).GetOrigin(x, y);
+        *status = 0;
+    } catch (...) {
+        *status = -1;
+    }
+}
+
+extern "C" KVP_HANDLE NewKvProjection(const char* text)
+{
+    try {
+        return CKvMapProjection::GetProjection(Text(text), nullptr);
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+extern "C" void DeleteKvProjection(KVP_HANDLE engine)
+{
+    CKvProjection::Release(engine);
+}
 
 extern "C" void CARTSETUPLINUX(const char* systemDirectory, const char* userDirectory)
 {

@@ -1,0 +1,257 @@
+#include "geodesy/KvDatumConverter.h"
+
+#include "catalogue/KvEllipsoid.h"
+#include "coordsys/KvMapProjection.h"
+#include "projections/KvProjection.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace {
+
+constexpr double kPi = 3.141592653589793;
+
+bool EllipsoidOf(const CKvMapProjection* system, CKvEllipsoid& ellipsoid)
+{
+    return system->GetProjection() != nullptr && system->GetProjection()->GetAnonymousEllipsoid(ellipsoid);
+}
+
+// The shift as the converter uses it: rotations from arc-seconds to radians,
+// the scale from ppm to a plain correction.
+CKvCartDef::ETypeOfDatumShift TakeShift(const CKvMapProjection* system, double* shift)
+{
+    CKvDatumShift record;
+    system->GetDatumShift(record);
+    std::fill(shift, shift + CKvDatumShift::NoOfParameters, 0.0);
+    const CKvCartDef::ETypeOfDatumShift type = record.GetType();
+    if (type == CKvCartDef::eThreeParameters || type == CKvCartDef::eSevenParameters)
+        std::copy(record.GetParameters(), record.GetParameters() + 3, shift);
+    if (type == CKvCartDef::eSevenParameters) {
+        for (int i = 3; i < 6; ++i)
+            shift[i] = record[i] * kPi / 3600.0 / 180.0;
+        shift[6] = record[6] / 1e6;
+    }
+    return type;
+}
+
+// Position-vector Helmert, small angles: from the shift's datum to WGS 84.
+void ApplyShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X, double& Y, double& Z)
+{
+    if (type == CKvCartDef::eThreeParameters) {
+        X += s[0];
+        Y += s[1];
+        Z += s[2];
+    } else if (type == CKvCartDef::eSevenParameters) {
+        const double k = 1.0 + s[6];
+        const double x = X, y = Y, z = Z;
+        X = (x - s[5] * y + s[4] * z) * k + s[0];
+        Y = (s[5] * x + y - s[3] * z) * k + s[1];
+        Z = (-s[4] * x + s[3] * y + z) * k + s[2];
+    }
+}
+
+// From WGS 84 back to the shift's datum: the transposed rotation, divided by the scale.
+void RemoveShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X, double& Y, double& Z)
+{
+    if (type == CKvCartDef::eThreeParameters) {
+        X -= s[0];
+        Y -= s[1];
+        Z -= s[2];
+    } else if (type == CKvCartDef::eSevenParameters) {
+        const double k = 1.0 + s[6];
+        const double dx = X - s[0], dy = Y - s[1], dz = Z - s[2];
+        X = (dx + s[5] * dy - s[4] * dz) / k;
+        Y = (-s[5] * dx + dy + s[3] * dz) / k;
+        Z = (s[4] * dx - s[3] * dy + dz) / k;
+    }
+}
+
+} // namespace
+
+CKvDatumConverter::CKvDatumConverter(const char* source, const char* target)
+    : m_pSource(nullptr), m_pTarget(nullptr), m_ownsSystems(true)
+{
+    std::unique_ptr<CKvMapProjection> sourceSystem(new CKvMapProjection(source));
+    std::unique_ptr<CKvMapProjection> targetSystem(new CKvMapProjection(target));
+    m_pSource = sourceSystem.release();
+    m_pTarget = targetSystem.release();
+    _init();
+}
+
+CKvDatumConverter::CKvDatumConverter(CKvMapProjection* source, CKvMapProjection* target)
+    : m_pSource(source), m_pTarget(target), m_ownsSystems(false)
+{
+    _init();
+}
+
+CKvDatumConverter::CKvDatumConverter(const CKvDatumConverter& other)
+    : CKvCartDef(other), m_pSource(nullptr), m_pTarget(nullptr), m_ownsSystems(false)
+{
+    _copy(other);
+}
+
+CKvDatumConverter& CKvDatumConverter::operator=(const CKvDatumConverter& other)
+{
+    if (this != &other) {
+        _dealloc();
+        _copy(other);
+    }
+    return *this;
+}
+
+CKvDatumConverter::~CKvDatumConverter()
+{
+    _dealloc();
+}
+
+void CKvDatumConverter::_init()
+{
+    m_local = CKvMapProjection::IsLocal(m_pSource->GetName()) || CKvMapProjection::IsLocal(m_pTarget->GetName());
+    m_conversionType = eProjToProj;
+    CKvEllipsoid sourceEllipsoid, targetEllipsoid;
+    const bool known = EllipsoidOf(m_pSource, sourceEllipsoid) && EllipsoidOf(m_pTarget, targetEllipsoid);
+    m_sourceType = TakeShift(m_pSource, m_sourceShift);
+    m_targetType = TakeShift(m_pTarget, m_targetShift);
+    if (known) {
+        m_sameEllipsoid = sourceEllipsoid.IsEquivalent(targetEllipsoid);
+        m_bypass = m_sameEllipsoid && m_sourceType == eNoDatumShift && m_targetType == eNoDatumShift;
+    } else {
+        // Without a figure on one side there is nothing to shift between.
+        m_sameEllipsoid = true;
+        m_bypass = true;
+    }
+    m_bypassDefault = m_bypass;
+}
+
+// Owned systems are copied, so that each converter deletes only its own;
+// systems the source converter does not own are shared, unowned.
+void CKvDatumConverter::_copy(const CKvDatumConverter& other)
+{
+    if (other.m_ownsSystems) {
+        std::unique_ptr<CKvMapProjection> source(new CKvMapProjection(*other.m_pSource));
+        std::unique_ptr<CKvMapProjection> target(new CKvMapProjection(*other.m_pTarget));
+        m_pSource = source.release();
+        m_pTarget = target.release();
+    } else {
+        m_pSource = other.m_pSource;
+        m_pTarget = other.m_pTarget;
+    }
+    m_ownsSystems = other.m_ownsSystems;
+    m_conversionType = other.m_conversionType;
+    m_sameEllipsoid = other.m_sameEllipsoid;
+    m_bypass = other.m_bypass;
+    m_bypassDefault = other.m_bypassDefault;
+    m_local = other.m_local;
+    m_sourceType = other.m_sourceType;
+    m_targetType = other.m_targetType;
+    std::copy(other.m_sourceShift, other.m_sourceShift + CKvDatumShift::NoOfParameters, m_sourceShift);
+    std::copy(other.m_targetShift, other.m_targetShift + CKvDatumShift::NoOfParameters, m_targetShift);
+}
+
+void CKvDatumConverter::_dealloc()
+{
+    if (m_ownsSystems) {
+        delete m_pSource;
+        delete m_pTarget;
+    }
+    m_pSource = nullptr;
+    m_pTarget = nullptr;
+    m_ownsSystems = false;
+}
+
+void CKvDatumConverter::DatumShift(double& X, double& Y, double& Z) const
+{
+    ApplyShift(m_sourceType, m_sourceShift, X, Y, Z);
+    RemoveShift(m_targetType, m_targetShift, X, Y, Z);
+}
+
+void CKvDatumConverter::InvDatumShift(double& X, double& Y, double& Z) const
+{
+    ApplyShift(m_targetType, m_targetShift, X, Y, Z);
+    RemoveShift(m_sourceType, m_sourceShift, X, Y, Z);
+}
+
+void CKvDatumConverter::_geocentric(double& lon, double& lat, double& h, bool forward) const
+{
+    if (m_bypass)
+        return;
+    const CKvMapProjection* from = forward ? m_pSource : m_pTarget;
+    const CKvMapProjection* to = forward ? m_pTarget : m_pSource;
+    double X = 0.0, Y = 0.0, Z = 0.0;
+    from->Geo2XYZ(lon, lat, h, &X, &Y, &Z);
+    if (forward)
+        DatumShift(X, Y, Z);
+    else
+        InvDatumShift(X, Y, Z);
+    to->XYZ2Geo(X, Y, Z, &lon, &lat, &h);
+}
+
+void CKvDatumConverter::_convert(double& x, double& y, double& h, bool forward) const
+{
+    if (m_local)
+        return;
+    const CKvMapProjection* from = forward ? m_pSource : m_pTarget;
+    const CKvMapProjection* to = forward ? m_pTarget : m_pSource;
+    // Forward, types 0 and 1 read projected input and 0 and 2 write projected
+    // output; the reverse conversion reads what the forward one writes.
+    const bool projectedSource = m_conversionType == eProjToProj || m_conversionType == eProjToGeo;
+    const bool projectedTarget = m_conversionType == eProjToProj || m_conversionType == eGeoToProj;
+    const bool projectedIn = forward ? projectedSource : projectedTarget;
+    const bool projectedOut = forward ? projectedTarget : projectedSource;
+    double lon = x, lat = y;
+    if (projectedIn)
+        from->Proj2Geo(x, y, &lon, &lat);
+    _geocentric(lon, lat, h, forward);
+    if (projectedOut) {
+        to->Geo2Proj(lon, lat, &x, &y);
+    } else {
+        x = lon;
+        y = lat;
+    }
+}
+
+void CKvDatumConverter::Convert(double& x, double& y) const
+{
+    double h = 0.0;
+    _convert(x, y, h, true);
+}
+
+void CKvDatumConverter::Convert(double& x, double& y, double& h) const
+{
+    _convert(x, y, h, true);
+}
+
+void CKvDatumConverter::InvConvert(double& x, double& y) const
+{
+    double h = 0.0;
+    _convert(x, y, h, false);
+}
+
+void CKvDatumConverter::InvConvert(double& x, double& y, double& h) const
+{
+    _convert(x, y, h, false);
+}
+
+bool CKvDatumConverter::SetDatumShift(ETypeOfDatumShift type, const double* parameters, bool source)
+{
+    double* shift = source ? m_sourceShift : m_targetShift;
+    (source ? m_sourceType : m_targetType) = type;
+    if (type == eThreeParameters)
+        std::copy(parameters, parameters + 3, shift);
+    else if (type == eSevenParameters)
+        std::copy(parameters, parameters + CKvDatumShift::NoOfParameters, shift);
+    m_bypass = m_sameEllipsoid && m_sourceType == eNoDatumShift && m_targetType == eNoDatumShift;
+    return m_bypass;
+}
+
+void CKvDatumConverter::InvertOrder()
+{
+    std::swap(m_pSource, m_pTarget);
+    if (m_conversionType == eProjToGeo)
+        m_conversionType = eGeoToProj;
+    else if (m_conversionType == eGeoToProj)
+        m_conversionType = eProjToGeo;
+    std::swap(m_sourceType, m_targetType);
+    std::swap(m_sourceShift, m_targetShift);
+}
