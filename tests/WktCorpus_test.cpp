@@ -2,6 +2,7 @@
 // against PROJ: each text must read to the type its projection name stands for,
 // its engine must agree with PROJ's own definition of the EPSG code, and the
 // PROJ.4 text we write must make PROJ compute what our engine computes.
+#include "coordsys/KvMapProjection.h"
 #include "projections/KvProjection.h"
 #include "wkt/KvPRJParser.h"
 #include "wkt/KvProjTranslator.h"
@@ -156,4 +157,51 @@ TEST(WktCorpus, EnginesAgreeWithProjAndTheTranslationWithTheEngine)
     }
     EXPECT_GT(compared, 2500);
     EXPECT_LT(adjusted, 25); // the deliberate differences stay the exception
+}
+
+TEST(WktCorpus, CoordinateSystemObjectsTransformAsProjInTheirAxisOrder)
+{
+    // Each text as given, and with its axes declared northing/easting and
+    // westing/southing (the south-oriented grids of southern Africa): the object
+    // must give PROJ's grid in that order and with those signs, and invert it.
+    struct Axes
+    {
+        const char* nodes;
+        bool swap;
+        double sign;
+    };
+    const Axes variants[] = {{"", false, 1.0},
+                             {",AXIS[\"Northing\",NORTH],AXIS[\"Easting\",EAST]", true, 1.0},
+                             {",AXIS[\"Westing\",WEST],AXIS[\"Southing\",SOUTH]", false, -1.0}};
+    int compared = 0;
+    for (const CorpusEntry& e : LoadCorpus()) {
+        if (e.points.empty() || e.wkt.find("AXIS[") != std::string::npos || e.type == 15)
+            continue; // Krovak's own axes are southing/westing already
+        for (const Axes& axes : variants) {
+            std::string wkt = e.wkt;
+            wkt.insert(wkt.size() - 1, axes.nodes);
+            const CKvMapProjection system(wkt);
+            ASSERT_NE(system.GetProjection(), nullptr) << e.id;
+            for (const CorpusPoint& p : e.points) {
+                double x = NAN, y = NAN, lon = NAN, lat = NAN;
+                system.Geo2Proj(p.lon, p.lat, &x, &y);
+                const double east = axes.sign * p.xAdjusted, north = axes.sign * p.yAdjusted;
+                EXPECT_NEAR(x, axes.swap ? north : east, 1e-3) << e.id << axes.nodes;
+                EXPECT_NEAR(y, axes.swap ? east : north, 1e-3) << e.id << axes.nodes;
+                // Beyond half a turn from the origin the conics are not one-to-one
+                // (the longitude difference is not reduced); nothing to invert there.
+                double lon0 = 0, lat0 = 0;
+                system.GetOrigin(&lon0, &lat0);
+                if (std::fabs(p.lon - lon0) > 180.0)
+                    continue;
+                // The Albers inverse is the three-term authalic series, 1.5 mm at worst here.
+                const double back = e.type == 16 ? 2e-8 : 1e-8;
+                system.Proj2Geo(x, y, &lon, &lat);
+                EXPECT_NEAR(lon, p.lon, back) << e.id << axes.nodes;
+                EXPECT_NEAR(lat, p.lat, back) << e.id << axes.nodes;
+                ++compared;
+            }
+        }
+    }
+    EXPECT_GT(compared, 3 * 2500);
 }
