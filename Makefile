@@ -1,4 +1,4 @@
-# Quick start: `make test` builds and runs the test suite, `make run` runs the bundled example.
+# Quick start: `make test` builds and runs the test suite, `make run` runs the C example host program.
 BUILD      ?= build
 SAN_BUILD  ?= build-sanitize
 BENCH_BUILD ?= build-bench
@@ -26,7 +26,7 @@ test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
 run: build
-	$(BUILD)/geodesic_walk
+	$(BUILD)/c_host
 
 test-sanitize: deps
 	$(CMAKE) -S . -B $(SAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DKVCART_SANITIZE=ON
