@@ -506,9 +506,14 @@ const char* CKvMapProjection::EnumMapProjections(int mask, long* count)
     const CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
     for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it) {
         const std::string name = (*it)->GetName();
-        if (!IsType(mask, name.c_str()))
+        // The special names by their bits; every other definition by the class
+        // of its own type, which is what its engine's WKT reads back as (and
+        // far cheaper than building the system to ask it).
+        const bool special = IsType(12, name.c_str());
+        if (special ? !IsType(mask & 12, name.c_str())
+                    : !CKvMapProjData::IsEquivalent(mask, (*it)->GetProjectionType()))
             continue;
-        if (IsType(12, name.c_str())) {
+        if (special) {
             listing += name.c_str();
         } else {
             CString wkt;
