@@ -3,11 +3,12 @@ BUILD      ?= build
 SAN_BUILD  ?= build-sanitize
 BENCH_BUILD ?= build-bench
 FUZZ_BUILD ?= build-fuzz
+TSAN_BUILD ?= build-tsan
 FUZZ_SECONDS ?= 60
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE      ?= cmake
 
-.PHONY: all deps configure build test run test-sanitize bench fuzz clean
+.PHONY: all deps configure build test run test-sanitize test-tsan bench fuzz clean
 
 all: build
 
@@ -34,6 +35,13 @@ test-sanitize: deps
 	cd $(SAN_BUILD) && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 		ctest --output-on-failure -j $(JOBS)
 
+# Several threads transforming at once, under ThreadSanitizer: any report fails.
+test-tsan: deps
+	$(CMAKE) -S . -B $(TSAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DKVCART_TSAN=ON -DKVCART_TESTS=OFF
+	$(CMAKE) --build $(TSAN_BUILD) -j $(JOBS)
+	mkdir -p $(TSAN_BUILD)/user
+	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(TSAN_BUILD)/thread_transforms data/ $(TSAN_BUILD)/user/ 4 3
+
 bench: deps
 	$(CMAKE) -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DKVCART_BENCH=ON -DKVCART_TESTS=OFF
 	$(CMAKE) --build $(BENCH_BUILD) -j $(JOBS)
@@ -52,4 +60,4 @@ fuzz: deps
 	done
 
 clean:
-	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(SAN_BUILD) $(BENCH_BUILD) $(FUZZ_BUILD) $(TSAN_BUILD)

@@ -325,6 +325,11 @@ CKvMapProjData* CKvMapProjection::MapProjection(const char* name)
     return setup->GetMapProjectionList().GetMapProjection(name != nullptr ? name : "");
 }
 
+const CKvMapProjData* CKvMapProjection::FindMapProjectionDefinition(const char* name)
+{
+    return CKvCartSetup::Instance()->GetMapProjectionList().GetMapProjection(name != nullptr ? name : "");
+}
+
 const CKvEllipsoid* CKvMapProjection::Ellipsoid(const char* projectionName)
 {
     CKvCartSetup* setup = CKvCartSetup::Instance();

@@ -124,6 +124,8 @@ public:
     // The catalogue definition of that name, editable: the projection list is
     // marked modified, so that changes made through it are written back.
     static CKvMapProjData* MapProjection(const char* name);
+    // The catalogue definition of that name, read-only (nothing is marked), or null.
+    static const CKvMapProjData* FindMapProjectionDefinition(const char* name);
     // The ellipsoid of the catalogue projection of that name, or null.
     static const CKvEllipsoid* Ellipsoid(const char* projectionName);
     static const CKvEllipsoid* EllipsoidFromID(const char* id);

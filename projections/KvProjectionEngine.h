@@ -62,9 +62,13 @@ public:
 
     // Copies the catalogue definition of the engine's name into definition;
     // false, leaving it untouched, when there is none of this definition class.
+    // The look-up only reads the catalogue: describing a system must neither mark
+    // the user's catalogue for writing back nor write shared state that other
+    // threads read.
     bool GetMapProjection(TDefinition& definition) const
     {
-        const TDefinition* found = dynamic_cast<const TDefinition*>(CKvMapProjection::MapProjection(GetName()));
+        const TDefinition* found =
+            dynamic_cast<const TDefinition*>(CKvMapProjection::FindMapProjectionDefinition(GetName()));
         if (found == nullptr)
             return false;
         definition.CopyFieldsFrom(*found);

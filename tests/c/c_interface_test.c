@@ -258,11 +258,20 @@ int main(int argc, char** argv)
         fprintf(stderr, "usage: %s system-directory/ user-directory/\n", argv[0]);
         return 2;
     }
-    CARTSETUPLINUX(argv[1], argv[2]);
-    systems();
-    queries();
-    grids_and_datums();
-    comma_locale();
+    {
+        /* Making and describing systems only reads the catalogue: nothing of the
+         * user's is written back. */
+        char custom[4096];
+        snprintf(custom, sizeof custom, "%scustom_projection.gxr", argv[2]);
+        remove(custom);
+        CARTSETUPLINUX(argv[1], argv[2]);
+        systems();
+        queries();
+        grids_and_datums();
+        comma_locale();
+        CHECK(CARTWRITEBACKLINUX() == 0);
+        CHECK(fopen(custom, "r") == NULL);
+    }
     if (failures != 0)
         fprintf(stderr, "%d checks failed\n", failures);
     return failures == 0 ? 0 : 1;
