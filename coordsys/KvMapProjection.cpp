@@ -59,6 +59,20 @@ void CKvMapProjection::_construct(const char* text)
         m_info.SetProjectionInfo(parser);
     }
     m_projectionString = text;
+    _takeFigure();
+}
+
+void CKvMapProjection::_takeFigure()
+{
+    m_figure = SFigure();
+    if (m_pProjection == nullptr)
+        return;
+    CKvEllipsoid ellipsoid;
+    m_pProjection->GetAnonymousEllipsoid(ellipsoid);
+    m_figure.a = ellipsoid.GetMajor();
+    m_figure.b = ellipsoid.GetMinor();
+    m_figure.f = ellipsoid.GetFlatness();
+    m_figure.e2 = ellipsoid.GetEccentricity() * ellipsoid.GetEccentricity();
 }
 
 CKvMapProjection::CKvMapProjection(const CKvMapProjection& other) : m_pProjection(nullptr)
@@ -86,6 +100,7 @@ void CKvMapProjection::_copy(const CKvMapProjection& other)
     m_pProjection = other.m_pProjection != nullptr ? other.m_pProjection->Clone() : nullptr;
     m_info = other.m_info;
     m_projectionString = other.m_projectionString;
+    m_figure = other.m_figure;
 }
 
 void CKvMapProjection::_dealloc()
@@ -190,10 +205,7 @@ void CKvMapProjection::Geo2XYZ(double lon, double lat, double h, double* X, doub
 {
     if (m_pProjection == nullptr)
         return;
-    CKvEllipsoid ellipsoid;
-    m_pProjection->GetAnonymousEllipsoid(ellipsoid);
-    const double a = ellipsoid.GetMajor();
-    const double e2 = ellipsoid.GetEccentricity() * ellipsoid.GetEccentricity();
+    const double a = m_figure.a, e2 = m_figure.e2;
     const double phi = lat * kPi / 180.0, lambda = lon * kPi / 180.0;
     const double sinPhi = std::sin(phi);
     const double N = a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
@@ -206,10 +218,7 @@ void CKvMapProjection::XYZ2Geo(double X, double Y, double Z, double* lon, double
 {
     if (m_pProjection == nullptr)
         return;
-    CKvEllipsoid ellipsoid;
-    m_pProjection->GetAnonymousEllipsoid(ellipsoid);
-    const double a = ellipsoid.GetMajor(), b = ellipsoid.GetMinor(), f = ellipsoid.GetFlatness();
-    const double e2 = ellipsoid.GetEccentricity() * ellipsoid.GetEccentricity();
+    const double a = m_figure.a, b = m_figure.b, f = m_figure.f, e2 = m_figure.e2;
     // Bowring (1976), one step from the parametric latitude.
     const double p = std::sqrt(X * X + Y * Y);
     const double r = std::sqrt(p * p + Z * Z);

@@ -149,8 +149,17 @@ private:
     bool _geodesicEllipsoid(CKvEllipsoid& ellipsoid) const;
 
     CKvProjection* m_pProjection;
+    // The engine's figure, taken once so that geocentric conversions, which the
+    // datum converter runs per point, neither copy an ellipsoid nor allocate.
+    void _takeFigure();
+    struct SFigure
+    {
+        double a = 0.0, b = 0.0, f = 0.0, e2 = 0.0;
+    };
+
     CKvProjectionInfo m_info;
     std::string m_projectionString;
+    SFigure m_figure;
 };
 
 #endif

@@ -8,7 +8,6 @@
 #include "wkt/KvProjTranslator.h"
 
 #include <cstring>
-#include <new>
 #include <string>
 
 namespace {
