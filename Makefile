@@ -1,4 +1,5 @@
-# Quick start: `make test` builds and runs the test suite, `make run` runs the C example host program.
+# Quick start: `make run` builds the library and the kvcart program and converts a sample of real
+# places; `make test` builds and runs the test suite.
 BUILD      ?= build
 SAN_BUILD  ?= build-sanitize
 BENCH_BUILD ?= build-bench
@@ -27,7 +28,7 @@ test: build
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
 run: build
-	$(BUILD)/c_host
+	@sh examples/run_sample.sh $(BUILD)/kvcart examples/places.txt
 
 test-sanitize: deps
 	$(CMAKE) -S . -B $(SAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DKVCART_SANITIZE=ON

@@ -72,6 +72,7 @@ int CKvEllipsoidList::ReadEllipsoids(const std::string& fileName, bool custom)
             CKvEllipsoid* ellipsoid = new CKvEllipsoid(name.GetStdString(), id.GetStdString(), a, invf);
             (custom ? m_custom : m_system).push_back(ellipsoid);
             record->AddEntry(ellipsoid);
+            m_sourceLines[ellipsoid] = section.line;
         }
     }
     return CKvUserCatalogue::FinishRead(m_userFiles, std::move(record), custom, m_problems);
@@ -134,6 +135,7 @@ void CKvEllipsoidList::DeleteEllipsoid(CKvEllipsoid* ellipsoid)
     m_custom.erase(found);
     for (const auto& record : m_userFiles)
         record->Forget(ellipsoid);
+    m_sourceLines.erase(ellipsoid);
     delete ellipsoid;
     GenerateCompleteList();
 }
@@ -142,4 +144,10 @@ void CKvEllipsoidList::EditEllipsoid(CKvEllipsoid* ellipsoid)
 {
     if (std::find(m_custom.begin(), m_custom.end(), ellipsoid) != m_custom.end())
         GenerateCompleteList();
+}
+
+int CKvEllipsoidList::GetSourceLine(const CKvEllipsoid* ellipsoid) const
+{
+    const auto found = m_sourceLines.find(ellipsoid);
+    return found == m_sourceLines.end() ? 0 : found->second;
 }

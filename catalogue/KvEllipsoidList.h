@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 // The ellipsoid catalogue: the system entries and the user's custom entries,
@@ -36,6 +37,8 @@ public:
     bool WriteBackCustom(const std::string& fileName, std::string& message);
     // Every problem met in the files read so far, one "file:line: what" per line.
     const std::string& GetProblems() const { return m_problems; }
+    // The line of the section an ellipsoid was read from; 0 for one made in memory.
+    int GetSourceLine(const CKvEllipsoid* ellipsoid) const;
     void GenerateCompleteList();
 
     const CKvEllipsoid* GetEllipsoid(const std::string& id) const;
@@ -55,6 +58,7 @@ private:
     std::vector<CKvEllipsoid*> m_complete; // refers to the two above
     CKvUserCatalogue::List m_userFiles;
     std::string m_problems;
+    std::unordered_map<const CKvEllipsoid*, int> m_sourceLines;
 };
 
 #endif

@@ -88,6 +88,7 @@ int CKvMapProjectionList::ReadMapProjections(const std::string& fileName, bool c
         definition->ReadFromHandle(section, custom);
         m_definitions.push_back(definition);
         record->AddEntry(definition);
+        m_sourceLines[definition] = section->line;
     }
     return CKvUserCatalogue::FinishRead(m_userFiles, std::move(record), custom, m_problems);
 }
@@ -135,5 +136,12 @@ void CKvMapProjectionList::DeleteMapProjection(CKvMapProjData* definition)
     m_definitions.erase(std::remove(m_definitions.begin(), m_definitions.end(), definition), m_definitions.end());
     for (const auto& record : m_userFiles)
         record->Forget(definition);
+    m_sourceLines.erase(definition);
     delete definition;
+}
+
+int CKvMapProjectionList::GetSourceLine(const CKvMapProjData* definition) const
+{
+    const auto found = m_sourceLines.find(definition);
+    return found == m_sourceLines.end() ? 0 : found->second;
 }

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 // The projection catalogue: one list of owned definitions, system and custom
@@ -34,6 +35,8 @@ public:
     bool WriteBackCustom(const std::string& fileName, std::string& message);
     // Every problem met in the files read so far, one "file:line: what" per line.
     const std::string& GetProblems() const { return m_problems; }
+    // The line of the section a definition was read from; 0 for one made in memory.
+    int GetSourceLine(const CKvMapProjData* definition) const;
 
     // Matches names after reducing both to their short form.
     CKvMapProjData* GetMapProjection(const std::string& name) const;
@@ -49,6 +52,7 @@ private:
     std::vector<CKvMapProjData*> m_definitions;
     CKvUserCatalogue::List m_userFiles;
     std::string m_problems;
+    std::unordered_map<const CKvMapProjData*, int> m_sourceLines;
 };
 
 #endif

@@ -864,6 +864,30 @@ CKvMapProjData* CKvPRJParser::_CreateProjData() const
                                             m_ellipsoidName.GetStdString(), values);
 }
 
+void CKvPRJParser::ConvertToDegreesAndMetres()
+{
+    if (m_angularUnit == Undefined || m_projUnit == Undefined)
+        return;
+    const double k = m_angularUnit / kDegree;
+    const double u = m_projUnit;
+    const double pm = m_primeMeridian == Undefined ? 0.0 : m_primeMeridian;
+    const auto convert = [](double& value, double factor, double offset) {
+        if (value != Undefined)
+            value = value * factor + offset;
+    };
+    for (double* length : {&m_falseEasting, &m_falseNorthing})
+        convert(*length, u, 0.0);
+    for (double* longitude : {&m_centralMeridian, &m_longitudeOfCenter})
+        convert(*longitude, k, pm);
+    // The rotated pole and its rotation are taken as written, in degrees.
+    for (double* angle : {&m_standardParallel1, &m_standardParallel2, &m_latitudeOfOrigin, &m_latitudeOfCenter,
+                          &m_azimuth, &m_xyPlaneRotation, &m_pseudoParallel})
+        convert(*angle, k, 0.0);
+    SetAngularUnit("Degree", kDegree);
+    SetProjUnit("Meter", 1.0);
+    SetPrimeMeridian("Greenwich", 0.0);
+}
+
 CString CKvPRJParser::GetProjectionTypeTitle() const
 {
     const std::unique_ptr<CKvMapProjData> definition(_CreateProjData());

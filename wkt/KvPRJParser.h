@@ -78,6 +78,10 @@ public:
     // A new definition with the record's values as stored; null for types
     // outside 1..20.
     CKvMapProjData* _CreateProjData() const;
+    // Brings the record to degrees, metres and the Greenwich meridian by the
+    // rules CreateMapProjection builds engines with, so that _CreateProjData then
+    // gives a definition as the catalogue stores it. Undefined fields stay so.
+    void ConvertToDegreesAndMetres();
     CString GetProjectionTypeTitle() const;
 
     // One-line WKT of the record. False for a type without a writer; the text
