@@ -910,14 +910,21 @@ int CKvCliCommands::_check()
 
 bool CKvCliCommands::_saveUserCatalogue()
 {
+    // A user file that did not read cleanly is not written over: the library
+    // saves the edit to a rescue file beside it and says so. Either way the
+    // catalogue file itself was not updated, which is a failure here.
     CKvCartSetup* setup = CKvCartSetup::Instance();
     if (!MakeDirectories(m_userDirectory)) {
         std::fprintf(m_err, "kvcart: cannot create the user directory '%s': %s\n", m_userDirectory.c_str(),
                      std::strerror(errno));
-    } else if (setup->WriteBack()) {
-        return true;
+        return false;
     }
-    std::fprintf(m_err, "kvcart: the user catalogue could not be saved:\n%s", setup->GetLastError().c_str());
+    const size_t known = setup->GetLastError().size();
+    const bool saved = setup->WriteBack();
+    const std::string message = setup->GetLastError().substr(std::min(known, setup->GetLastError().size()));
+    if (saved && message.empty())
+        return true;
+    std::fprintf(m_err, "kvcart: the user catalogue was not updated:\n%s", message.c_str());
     return false;
 }
 

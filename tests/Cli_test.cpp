@@ -1,0 +1,418 @@
+// The kvcart program run as a user runs it: arguments, standard input or
+// files, standard output and error, the exit status. Reference coordinates come
+// from PROJ (cs2cs, geod) on the same points.
+#include "TestSupport.h"
+#include "tools/kvcart/KvPointStream.h"
+
+#include "geodesy/KvDatumConverter.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+namespace {
+
+struct SRun
+{
+    int status = -1;
+    std::string out, err;
+    std::vector<std::string> OutLines() const
+    {
+        std::vector<std::string> lines;
+        std::istringstream in(out);
+        for (std::string line; std::getline(in, line);)
+            lines.push_back(line);
+        return lines;
+    }
+};
+
+std::string Quote(const std::string& arg)
+{
+    std::string quoted = "'";
+    for (char c : arg)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+// Runs the program in dir with XDG_CONFIG_HOME there, so that the default user
+// directory is the test's own; input, when given, is standard input.
+SRun Kvcart(const kvtest::TempDir& dir, const std::vector<std::string>& args, const std::string* input = nullptr)
+{
+    std::string command = "cd " + Quote(dir.Path()) + " && XDG_CONFIG_HOME=" + Quote(dir.Path() + "config") + " " +
+                          Quote(KVCART_CLI);
+    for (const std::string& arg : args)
+        command += " " + Quote(arg);
+    if (input != nullptr) {
+        kvtest::WriteFile(dir.File("stdin.txt"), *input);
+        command += " < stdin.txt";
+    } else {
+        command += " < /dev/null";
+    }
+    command += " > stdout.txt 2> stderr.txt";
+    SRun run;
+    const int raw = std::system(command.c_str());
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.out = kvtest::ReadFile(dir.File("stdout.txt"));
+    run.err = kvtest::ReadFile(dir.File("stderr.txt"));
+    return run;
+}
+
+SRun Kvcart(const kvtest::TempDir& dir, const std::vector<std::string>& args, const std::string& input)
+{
+    return Kvcart(dir, args, &input);
+}
+
+const char kOsgb36Wkt[] =
+    "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\","
+    "SPHEROID[\"Airy 1830\",6377563.396,299.3249646],"
+    "TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]],PRIMEM[\"Greenwich\",0],"
+    "UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],"
+    "PARAMETER[\"latitude_of_origin\",49],PARAMETER[\"central_meridian\",-2],"
+    "PARAMETER[\"scale_factor\",0.9996012717],PARAMETER[\"false_easting\",400000],"
+    "PARAMETER[\"false_northing\",-100000],UNIT[\"metre\",1]]";
+
+} // namespace
+
+TEST(Cli, TransformKeepsEveryLineAlignedAndMarksWhatItCannotRead)
+{
+    kvtest::TempDir dir;
+    const std::string input = "# header: lon lat\n"
+                              "\n"
+                              "9.5 47.5\n"
+                              "9.5,47.5,100,Zurich\n"
+                              "9.5\t47.5 Zurich lake\r\n"
+                              "abc 47.5\n"
+                              "9.5\n"
+                              "9.5 1e400\n"
+                              "nan 47.5\n"
+                              "9.5 47.5x\n"
+                              "9.5 95 beyond the pole\n"
+                              "  9.5   47.5   \n";
+    const SRun run = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, input);
+    EXPECT_EQ(run.status, 1);
+    const std::vector<std::string> lines = run.OutLines();
+    ASSERT_EQ(lines.size(), 12u);
+    EXPECT_EQ(lines[0], "# header: lon lat");
+    EXPECT_EQ(lines[1], "");
+    // cs2cs +proj=utm +zone=32 +datum=WGS84: 537656.6740 5260850.8753
+    EXPECT_EQ(lines[2], "537656.6740 5260850.8753");
+    EXPECT_EQ(lines[3], "537656.6740,5260850.8753,100.0000,Zurich");
+    EXPECT_EQ(lines[4], "537656.6740\t5260850.8753 Zurich lake\r");
+    for (int i : {5, 6, 7, 8, 9})
+        EXPECT_EQ(lines[i], "* *") << i;
+    EXPECT_EQ(lines[10], "* * beyond the pole");
+    EXPECT_EQ(lines[11], "537656.6740   5260850.8753   ");
+    for (const char* message :
+         {"stdin:6: expected a coordinate, found 'abc'", "stdin:7: only one coordinate", "stdin:8: number out of range",
+          "stdin:9: not a finite number 'nan'", "stdin:10: expected a number, found '47.5x'",
+          "stdin:11: the point cannot be converted", "6 lines could not be converted"})
+        EXPECT_NE(run.err.find(message), std::string::npos) << message << "\n" << run.err;
+
+    // Files in turn, "-" for standard input; a missing file is reported and the rest done.
+    kvtest::WriteFile(dir.File("a.txt"), "9.5 47.5\n");
+    const SRun files = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "a.txt", "-", "missing.txt", "a.txt"},
+                              std::string("9 0\n"));
+    EXPECT_EQ(files.status, 1);
+    EXPECT_EQ(files.out, "537656.6740 5260850.8753\n500000.0000 0.0000\n537656.6740 5260850.8753\n");
+    EXPECT_NE(files.err.find("cannot open 'missing.txt'"), std::string::npos);
+
+    // Inverse, and the precision option.
+    const SRun back = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "--inverse", "--precision", "6"},
+                             std::string("537656.6740 5260850.8753\n"));
+    EXPECT_EQ(back.status, 0);
+    EXPECT_EQ(back.out, "9.500000 47.500000\n");
+}
+
+TEST(Cli, BadSystemsAndOptionsStopBeforeAnyPointIsRead)
+{
+    kvtest::TempDir dir;
+    const std::string points = "9.5 47.5\n";
+    const struct
+    {
+        std::vector<std::string> args;
+        const char* message;
+    } cases[] = {
+        {{"transform", "LONG/LAT", "Nowhere Grid"}, "unknown coordinate system 'Nowhere Grid'"},
+        {{"transform", "UTM", "LONG/LAT"}, "'UTM' names no zone"},
+        {{"transform", "LONG/LAT", "@missing.prj"}, "cannot read 'missing.prj'"},
+        {{"transform", "LONG/LAT", "UTM-32", "--precision", "18"}, "--precision takes a whole number"},
+        {{"transform", "LONG/LAT", "UTM-32", "--towgs84-to", "1,2"}, "--towgs84-to takes 3 or 7 numbers"},
+        {{"transform", "LONG/LAT", "UTM-32", "--towgs84-to", "1,2,x"}, "--towgs84-to takes 3 or 7 numbers"},
+        {{"transform", "LONG/LAT"}, "missing arguments"},
+        {{"transform", "LONG/LAT", "UTM-32", "--frobnicate"}, "unknown option '--frobnicate'"},
+        {{"transform", "LONG/LAT", "UTM-32", "--type", "1"}, "'--type' does not apply to transform"},
+        {{"zone", "east"}, "longitude 'east' is not a finite number"},
+        {{"geod", "0", "91", "0", "1"}, "outside -90..90"},
+        {{"reproject"}, "unknown command 'reproject'"},
+        {{"list", "--catalogue", "no-such-dir"}, "holds no catalogue"},
+        {{}, "Usage: kvcart COMMAND"},
+    };
+    for (const auto& c : cases) {
+        const SRun run = Kvcart(dir, c.args, points);
+        EXPECT_EQ(run.status, 2) << c.message;
+        EXPECT_NE((run.err + run.out).find(c.message), std::string::npos) << c.message << "\n" << run.err;
+        if (!c.args.empty() && c.args[0] == "transform") {
+            EXPECT_EQ(run.out, "") << c.message;
+        }
+    }
+}
+
+TEST(Cli, PrjFilesAndDatumShiftsMatchProj)
+{
+    kvtest::TempDir dir;
+    kvtest::WriteFile(dir.File("bng.prj"), std::string(kOsgb36Wkt) + "\r\n");
+    // cs2cs EPSG:4326 EPSG:27700 (Helmert, no grid): 530006.22 180446.28, 318217.99 176508.92
+    const std::string places = "-0.12810 51.50800 Trafalgar Square\n-3.17910 51.48160 Cardiff\n";
+    const char* expected = "530006.22 180446.28 Trafalgar Square\n318217.99 176508.92 Cardiff\n";
+    const SRun prj = Kvcart(dir, {"transform", "LONG/LAT", "@bng.prj", "--precision", "2"}, places);
+    EXPECT_EQ(prj.status, 0) << prj.err;
+    EXPECT_EQ(prj.out, expected);
+    const SRun option = Kvcart(dir,
+                               {"transform", "LONG/LAT", "British National Grid", "--precision", "2", "--towgs84-to",
+                                "446.448,-125.157,542.06,0.15,0.247,0.842,-20.489"},
+                               places);
+    EXPECT_EQ(option.out, expected) << option.err;
+    // Without a shift the latitude and longitude are kept across the change of ellipsoid.
+    const SRun bypass =
+        Kvcart(dir, {"transform", "LONG/LAT", "@bng.prj", "--precision", "2", "--bypass-datum"}, places);
+    const SRun plain = Kvcart(dir, {"transform", "LONG/LAT", "British National Grid", "--precision", "2"}, places);
+    EXPECT_EQ(bypass.out, plain.out);
+    EXPECT_NE(bypass.out, expected);
+
+    // Back to WGS 84: the transposed rotation leaves about a millimetre (2e-8 degrees).
+    const SRun there = Kvcart(dir, {"transform", "LONG/LAT", "@bng.prj", "--precision", "6"}, places);
+    const SRun back = Kvcart(dir, {"transform", "LONG/LAT", "@bng.prj", "--inverse", "--precision", "10"}, there.out);
+    double lon = 0, lat = 0;
+    ASSERT_EQ(std::sscanf(back.out.c_str(), "%lf %lf", &lon, &lat), 2) << back.err;
+    EXPECT_NEAR(lon, -0.1281, 2e-8);
+    EXPECT_NEAR(lat, 51.508, 2e-8);
+
+    // Geographical to geographical with a 3-parameter shift on the source.
+    const SRun geo = Kvcart(dir,
+                            {"transform", "LONG/LAT", "LONG/LAT", "--towgs84-from", "100,0,0"},
+                            std::string("0 0 0\n"));
+    EXPECT_EQ(geo.out, "0.000000000 0.000000000 100.0000\n");
+
+    const SRun proj4 = Kvcart(dir, {"proj4", "@bng.prj"});
+    EXPECT_EQ(proj4.status, 0);
+    EXPECT_NE(proj4.out.find("+proj=tmerc +lat_0=49 +lon_0=-2 +k=0.9996012717"), std::string::npos) << proj4.out;
+    EXPECT_NE(proj4.out.find("+towgs84=446.448,-125.157,542.0"), std::string::npos) << proj4.out;
+}
+
+TEST(Cli, DescribesSystemsAndAnswersTheSmallQuestions)
+{
+    kvtest::TempDir dir;
+    const SRun info = Kvcart(dir, {"info", "UTM-32"});
+    EXPECT_EQ(info.status, 0);
+    for (const char* line :
+         {"Name:          UTM-32\n", "Projection:    Transverse mercator\n", "0.9996\n", "500000 Meter\n",
+          "Ellipsoid:     WGS 84 (a = 6378137 m, 1/f = 298.257223563)\n",
+          "Origin:        longitude 9, latitude 0; grid 500000.000 0.000\n", "Axes:          east, north\n",
+          "Datum shift:   none\n", "    PROJECTION[\"Transverse_Mercator\"],\n", "PROJ.4:        +proj=tmerc"})
+        EXPECT_NE(info.out.find(line), std::string::npos) << line << "\n" << info.out;
+    const SRun wkt = Kvcart(dir, {"info", kOsgb36Wkt});
+    EXPECT_NE(wkt.out.find("Datum shift:   446.448,-125.157,542.06,0.15,0.247,0.842,-20.489 to WGS 84"),
+              std::string::npos)
+        << wkt.out;
+
+    const SRun branch = Kvcart(dir, {"list", "--branch", "OSGB 1936"});
+    EXPECT_EQ(branch.OutLines().size(), 1u);
+    EXPECT_EQ(branch.out.rfind("British National Grid ", 0), 0u);
+    const SRun geographic = Kvcart(dir, {"list", "--type", "4"});
+    EXPECT_EQ(geographic.out.rfind("LONG/LAT ", 0), 0u);
+    EXPECT_EQ(geographic.OutLines().size(), 1u);
+    const SRun all = Kvcart(dir, {"list"});
+    EXPECT_GT(all.OutLines().size(), 300u); // 60 UTM zones, the state planes, the national grids
+    const SRun ellipsoids = Kvcart(dir, {"ellipsoids", "--system"});
+    EXPECT_NE(ellipsoids.out.find("WE   6378137        298.257223563    WGS 84\n"), std::string::npos);
+
+    const std::pair<const char*, const char*> zones[] = {{"9.5", "UTM-32\n"},  {"-180", "UTM-1\n"},
+                                                         {"180", "UTM-1\n"},   {"179.99", "UTM-60\n"},
+                                                         {"540", "UTM-1\n"},   {"-0.0", "UTM-31\n"}};
+    for (const auto& z : zones)
+        EXPECT_EQ(Kvcart(dir, {"zone", z.first}).out, z.second) << z.first;
+
+    // geod +ellps=WGS84 on 48.85 2.35 45 100000: 49.481723219 3.325817860, back azimuth -134.261671854
+    const SRun geod = Kvcart(dir, {"geod", "2.35", "48.85", "45", "100000"});
+    EXPECT_EQ(geod.out, "3.325817860 49.481723219 45.738328146\n");
+    // Across the antimeridian the longitude comes back into -180..180.
+    const SRun across = Kvcart(dir, {"geod", "179.9", "0", "90", "50000"});
+    double lon = 0;
+    ASSERT_EQ(std::sscanf(across.out.c_str(), "%lf", &lon), 1);
+    EXPECT_NEAR(lon, -179.65083, 1e-4);
+
+    for (const char* command :
+         {"transform", "info", "proj4", "list", "ellipsoids", "zone", "geod", "check", "add", "remove"}) {
+        const SRun help = Kvcart(dir, {command, "--help"});
+        EXPECT_EQ(help.status, 0);
+        EXPECT_EQ(help.out.rfind(std::string("Usage: kvcart ") + command, 0), 0u) << command;
+    }
+    EXPECT_EQ(Kvcart(dir, {"--version"}).out.rfind("kvcart ", 0), 0u);
+}
+
+TEST(Cli, CatalogueAndUserDirectoryOptions)
+{
+    kvtest::TempDir dir;
+    // A catalogue directory of one's own, with a grid the shipped one lacks.
+    std::system(("mkdir -p " + Quote(dir.File("cat")) + " && cp " + Quote(KVCART_SHIPPED_DATA_DIR) + "*.gxr " +
+                 Quote(dir.File("cat/")))
+                    .c_str());
+    const std::string grid = "TARGET MAP_PROJECTION_DEFINITION\n"
+                             "  SECTION UTM_PROJECTION\n"
+                             "    Projection_Name \"Test Grid\"\n    Branch_Name \"Tests\"\n    Ellipsoid \"WE\"\n"
+                             "    Scale 1\n    Centre 10\n    Origin_Latitude 0\n    Feast 0\n    Fnorth 0\n"
+                             "  END_SECTION\nEND_TARGET\n";
+    kvtest::WriteFile(dir.File("cat/map_projection.gxr"), grid);
+    const std::string point = "10 0\n";
+    EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "Test Grid", "--catalogue", "cat"}, point).out,
+              "0.0000 0.0000\n");
+    EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "Test Grid"}, point).status, 2);
+
+    // The user directory: --user-dir, else $XDG_CONFIG_HOME/kvcart/.
+    std::system(("mkdir -p " + Quote(dir.File("mine")) + " " + Quote(dir.File("config/kvcart"))).c_str());
+    kvtest::WriteFile(dir.File("mine/custom_projection.gxr"), grid);
+    EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "Test Grid", "--user-dir", "mine"}, point).out,
+              "0.0000 0.0000\n");
+    kvtest::WriteFile(dir.File("config/kvcart/custom_projection.gxr"), grid);
+    const SRun listed = Kvcart(dir, {"list", "--branch", "Tests"});
+    EXPECT_EQ(listed.out.find("Test Grid"), 0u);
+    EXPECT_NE(listed.out.find("[user]"), std::string::npos);
+}
+
+TEST(Cli, UserCatalogueEditsSurviveTheNextRunAndLoseNothing)
+{
+    kvtest::TempDir dir;
+    kvtest::WriteFile(dir.File("bng.prj"), kOsgb36Wkt);
+    // The user's file already holds a comment and a section this library does not know.
+    std::system(("mkdir -p " + Quote(dir.File("config/kvcart"))).c_str());
+    const std::string own = "TARGET MAP_PROJECTION_DEFINITION\n"
+                            "  SECTION FUTURE_PROJECTION\n    Projection_Name \"Later\"\n  END_SECTION\n"
+                            "END_TARGET\n";
+    kvtest::WriteFile(dir.File("config/kvcart/custom_projection.gxr"), own);
+
+    SRun add = Kvcart(dir, {"add", "My BNG", "@bng.prj", "--branch", "Mine"});
+    EXPECT_EQ(add.status, 0) << add.err;
+    EXPECT_NE(add.err.find("holds no datum shift"), std::string::npos);
+    const std::string saved = kvtest::ReadFile(dir.File("config/kvcart/custom_projection.gxr"));
+    EXPECT_NE(saved.find("SECTION FUTURE_PROJECTION"), std::string::npos) << saved;
+    EXPECT_NE(saved.find("\"My BNG\""), std::string::npos);
+
+    // A second run knows the name and converts as the WKT does without its shift.
+    const std::string point = "-0.1281 51.508\n";
+    const SRun byName = Kvcart(dir, {"transform", "LONG/LAT", "My BNG"}, point);
+    const SRun byWkt = Kvcart(dir, {"transform", "LONG/LAT", "@bng.prj", "--bypass-datum"}, point);
+    EXPECT_EQ(byName.status, 0) << byName.err;
+    EXPECT_EQ(byName.out, byWkt.out);
+    EXPECT_EQ(Kvcart(dir, {"list", "--branch", "Mine"}).out.rfind("My BNG ", 0), 0u);
+
+    // Copies of catalogue systems; duplicates, shipped entries and built-in names are refused.
+    EXPECT_EQ(Kvcart(dir, {"add", "Zone 32 copy", "UTM-32"}).status, 0);
+    EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "Zone 32 copy"}, std::string("9 0\n")).out,
+              "500000.0000 0.0000\n");
+    EXPECT_EQ(Kvcart(dir, {"add", "My BNG", "UTM-32"}).status, 1);
+    EXPECT_EQ(Kvcart(dir, {"add", "Plain", "LONG/LAT"}).status, 1);
+    const SRun shipped = Kvcart(dir, {"remove", "UTM-32"});
+    EXPECT_EQ(shipped.status, 1);
+    EXPECT_NE(shipped.err.find("cannot be removed"), std::string::npos);
+
+    // Ellipsoids: added, used, not removable while used.
+    EXPECT_EQ(Kvcart(dir, {"add", "--ellipsoid", "XS", "Test sphere", "6371000", "0"}).status, 0);
+    EXPECT_EQ(Kvcart(dir, {"add", "--ellipsoid", "XS", "Again", "6371000", "0"}).status, 1);
+    EXPECT_EQ(Kvcart(dir, {"ellipsoids", "--custom"}).out, "XS   6371000        0                Test sphere\n");
+    const std::string sphereGrid =
+        "PROJCS[\"S\",GEOGCS[\"S\",DATUM[\"S\",SPHEROID[\"Test sphere\",6371000,0]],PRIMEM[\"Greenwich\",0],"
+        "UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Mercator_1SP\"],PARAMETER[\"central_meridian\",0],"
+        "PARAMETER[\"scale_factor\",1],PARAMETER[\"false_easting\",0],PARAMETER[\"false_northing\",0],"
+        "UNIT[\"metre\",1]]";
+    EXPECT_EQ(Kvcart(dir, {"add", "Sphere Mercator", sphereGrid}).status, 0);
+    EXPECT_EQ(Kvcart(dir, {"remove", "--ellipsoid", "XS"}).status, 1);
+    EXPECT_EQ(Kvcart(dir, {"remove", "Sphere Mercator"}).status, 0);
+    EXPECT_EQ(Kvcart(dir, {"remove", "--ellipsoid", "XS"}).status, 0);
+    EXPECT_EQ(Kvcart(dir, {"ellipsoids", "--custom"}).out, "");
+
+    EXPECT_EQ(Kvcart(dir, {"remove", "My BNG"}).status, 0);
+    EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "My BNG"}, point).status, 2);
+    EXPECT_NE(kvtest::ReadFile(dir.File("config/kvcart/custom_projection.gxr")).find("SECTION FUTURE_PROJECTION"),
+              std::string::npos);
+
+    // A user file that does not read is never written over: the edit goes to a rescue file.
+    const std::string broken = "TARGET MAP_PROJECTION_DEFINITION\n  SECTION UTM_PROJECTION\n";
+    kvtest::WriteFile(dir.File("config/kvcart/custom_projection.gxr"), broken);
+    const SRun refused = Kvcart(dir, {"add", "Another", "UTM-33"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find("was not written"), std::string::npos) << refused.err;
+    EXPECT_EQ(kvtest::ReadFile(dir.File("config/kvcart/custom_projection.gxr")), broken);
+    EXPECT_NE(kvtest::ReadFile(dir.File("config/kvcart/custom_projection.unsaved.gxr")).find("\"Another\""),
+              std::string::npos);
+}
+
+TEST(Cli, CheckReportsEveryProblemWithItsLine)
+{
+    kvtest::TempDir dir;
+    for (const char* shipped : {"ellipsoid.gxr", "map_projection.gxr", "state_plane_nad83.gxr"}) {
+        const SRun ok = Kvcart(dir, {"check", std::string(KVCART_SHIPPED_DATA_DIR) + shipped});
+        EXPECT_EQ(ok.status, 0) << shipped << ok.out;
+        EXPECT_NE(ok.out.find("no problems"), std::string::npos);
+    }
+    const std::string section = "  SECTION UTM_PROJECTION\n"                 // +0
+                                "    Projection_Name \"%s\"\n"               // +1
+                                "    Ellipsoid \"%s\"\n"                     // +2
+                                "    Scale 0.9996\n    Centre 9\n"           // +3, +4
+                                "    Origin_Latitude %s\n    Feast 500000\n" // +5, +6
+                                "  END_SECTION\n";                           // +7
+    const auto make = [&section](const char* name, const char* ellipsoid, const char* latitude) {
+        char text[512];
+        std::snprintf(text, sizeof text, section.c_str(), name, ellipsoid, latitude);
+        return std::string(text);
+    };
+    const std::string file = "TARGET MAP_PROJECTION_DEFINITION\n" // line 1
+                             + make("A", "ZZ", "0")               // 2: unknown ellipsoid
+                             + make("A", "WE", "0")               // 10: duplicate name
+                             + make("B", "WE", "95")              // 18: unusable parameters
+                             + "  SECTION UTM_PROJECTION\n    Projection_Name \"C\"\n    Bogus 3\n  END_SECTION\n" +
+                             "  SECTION UTM_PROJECTION\n    Projection_Name \"D\"\n    Scale \"x\"\n  END_SECTION\n" +
+                             "END_TARGET\n";
+    kvtest::WriteFile(dir.File("bad.gxr"), file);
+    const SRun bad = Kvcart(dir, {"check", "bad.gxr"});
+    EXPECT_EQ(bad.status, 1);
+    const std::vector<std::string> lines = bad.OutLines();
+    ASSERT_EQ(lines.size(), 5u) << bad.out;
+    EXPECT_EQ(lines[0], "bad.gxr:2: ellipsoid 'ZZ' is not in the catalogue");
+    EXPECT_EQ(lines[1], "bad.gxr:10: the name 'A' is also used on line 2");
+    EXPECT_EQ(lines[2].rfind("bad.gxr:18: the parameters do not make a usable", 0), 0u);
+    EXPECT_EQ(lines[3], "bad.gxr:28: keyword 'Bogus' is not known in section 'UTM_PROJECTION'");
+    EXPECT_EQ(lines[4].rfind("bad.gxr:32: keyword 'Scale' takes a number", 0), 0u);
+
+    kvtest::WriteFile(dir.File("ell.gxr"), "TARGET ELLIPSOID_DEFINITION\n"
+                                           "  SECTION REF_ELLIPSOID\n    Ellipsoid_Name \"Flat\"\n    ID_Code \"F1\"\n"
+                                           "    Semi_Major_Axis -1\n    Inverse_Flatness 300\n  END_SECTION\n"
+                                           "END_TARGET\n");
+    const SRun ellipsoid = Kvcart(dir, {"check", "ell.gxr"});
+    EXPECT_EQ(ellipsoid.status, 1);
+    EXPECT_EQ(ellipsoid.out, "ell.gxr:2: Semi_Major_Axis must be a positive length\n");
+
+    kvtest::WriteFile(dir.File("cut.gxr"), "TARGET MAP_PROJECTION_DEFINITION\n  SECTION UTM_PROJECTION\n");
+    const SRun cut = Kvcart(dir, {"check", "cut.gxr"});
+    EXPECT_EQ(cut.status, 1);
+    EXPECT_NE(cut.out.find("cut.gxr:2:"), std::string::npos) << cut.out;
+    EXPECT_EQ(Kvcart(dir, {"check", "absent.gxr"}).status, 1);
+}
+
+// The line converter on its own, under a comma-decimal locale: numbers are
+// read and written in the C locale whatever the host program set.
+TEST(Cli, PointLinesStayInTheCLocale)
+{
+    kvtest::ShippedCatalogue();
+    kvtest::CommaLocale comma;
+    CKvDatumConverter converter("LONG/LAT", "UTM-32");
+    converter.SetConversionType(CKvDatumConverter::eGeoToProj);
+    CKvPointStream stream(converter, false, 3, 2);
+    std::string out, problem;
+    const std::string line = "9.5 47.5 100 tail";
+    EXPECT_TRUE(stream.ConvertLine(line.data(), line.size(), out, problem));
+    EXPECT_EQ(out, "537656.674 5260850.875 100.00 tail");
+}
