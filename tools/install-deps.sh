@@ -1,11 +1,12 @@
 #!/bin/sh
 # Installs the Debian packages the build needs, when they are missing.
-# Only the compilers (clang for the fuzz targets), CMake and the test/benchmark
+# Only the compilers (clang for the fuzz targets), CMake, pkg-config (the install
+# test builds a host with it) and the test/benchmark
 # frameworks: the library itself
 # depends on the C++ standard library and libm alone.
 set -e
 need=""
-for pkg in g++ cmake make libgtest-dev libbenchmark-dev locales clang libclang-rt-14-dev; do
+for pkg in g++ cmake make pkgconf libgtest-dev libbenchmark-dev locales clang libclang-rt-14-dev; do
   dpkg -s "$pkg" >/dev/null 2>&1 || need="$need $pkg"
 done
 [ -z "$need" ] && exit 0

@@ -1,0 +1,48 @@
+#!/bin/sh
+# Installs the build into a scratch prefix, then builds and runs a small host
+# program against it twice: with CMake's find_package(KvCart) and with
+# pkg-config. The installed kvcart program must find its catalogue unaided,
+# and the installation must work from wherever it was moved to.
+# Usage: consumer_test.sh BUILD_DIR SOURCE_DIR SCRATCH_DIR
+set -eu
+build=$1
+source=$2
+scratch=$3
+rm -rf "$scratch"
+mkdir -p "$scratch"
+prefix=$scratch/prefix
+
+cmake --install "$build" --prefix "$prefix" >/dev/null
+for f in include/kvcart/interface/KvCart.h share/kvcart/ellipsoid.gxr share/kvcart/map_projection.gxr \
+         share/man/man1/kvcart.1 bin/kvcart; do
+  test -e "$prefix/$f" || { echo "not installed: $f"; exit 1; }
+done
+libdir=$(find "$prefix" -name 'libkvcart.so.0' -print | head -n 1)
+test -n "$libdir" || { echo "libkvcart.so.0 not installed"; exit 1; }
+libdir=$(dirname "$libdir")
+soname=$(objdump -p "$libdir/libkvcart.so.0" | awk '/SONAME/ {print $2}')
+test "$soname" = "libkvcart.so.0" || { echo "SONAME is '$soname'"; exit 1; }
+
+# find_package
+cmake -S "$source/tests/install/consumer" -B "$scratch/with-cmake" -DCMAKE_PREFIX_PATH="$prefix" \
+      -DCMAKE_BUILD_RPATH="$libdir" >/dev/null
+cmake --build "$scratch/with-cmake" >/dev/null
+"$scratch/with-cmake/consumer"
+
+# pkg-config, after moving the installation: the .pc file finds its prefix itself.
+mv "$prefix" "$scratch/moved"
+prefix=$scratch/moved
+libdir=$prefix/${libdir#"$scratch/prefix/"}
+export PKG_CONFIG_PATH="$libdir/pkgconfig"
+version=$(sed -n "s/^project(KvCart VERSION \([0-9.]*\).*/\1/p" "$source/CMakeLists.txt")
+test "$(pkg-config --modversion kvcart)" = "$version" || { echo "pkg-config gives the wrong version"; exit 1; }
+c++ -std=c++17 -o "$scratch/with-pkgconfig" "$source/tests/install/consumer/consumer.cpp" \
+    -DCATALOGUE_DIR="\"$(pkg-config --variable=datadir kvcart)/\"" \
+    $(pkg-config --cflags --libs kvcart) -Wl,-rpath,"$libdir"
+"$scratch/with-pkgconfig"
+
+# The moved program finds the catalogue beside it and writes nothing unasked.
+out=$(echo "9.5 47.5" | XDG_CONFIG_HOME="$scratch/config" "$prefix/bin/kvcart" transform LONG/LAT UTM-32)
+test "$out" = "537656.6740 5260850.8753" || { echo "installed kvcart gave '$out'"; exit 1; }
+test ! -e "$scratch/config" || { echo "a read-only run created the user directory"; exit 1; }
+echo "install, find_package, pkg-config and the installed program: ok"
