@@ -53,7 +53,7 @@ bench: deps
 fuzz: deps
 	$(CMAKE) -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER=clang++ -DKVCART_FUZZ=ON -DKVCART_TESTS=OFF
 	$(CMAKE) --build $(FUZZ_BUILD) -j $(JOBS)
-	set -e; for target in catalogue wkt interface; do \
+	set -e; for target in catalogue wkt interface points; do \
 		mkdir -p $(FUZZ_BUILD)/corpus-$$target; \
 		UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 $(FUZZ_BUILD)/fuzz_$$target -max_total_time=$(FUZZ_SECONDS) \
 			-timeout=10 -rss_limit_mb=4096 -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/$$target- \

@@ -903,8 +903,8 @@ int CKvCliCommands::_check()
     for (const std::string& problem : problems)
         std::fprintf(m_out, "%s\n", problem.c_str());
     if (problems.empty())
-        std::fprintf(m_out, "%s: %zu %s, no problems\n", path.c_str(), sectionLines.size(),
-                     ellipsoids ? "ellipsoids" : "definitions");
+        std::fprintf(m_out, "%s: %zu %s%s, no problems\n", path.c_str(), sectionLines.size(),
+                     ellipsoids ? "ellipsoid" : "definition", sectionLines.size() == 1 ? "" : "s");
     return problems.empty() ? eSuccess : eBadInput;
 }
 
