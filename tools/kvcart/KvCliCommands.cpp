@@ -246,16 +246,6 @@ bool MakeDirectories(const std::string& directory)
     return ::stat(directory.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
-bool ParseNumber(const std::string& text, double& value)
-{
-    const char* begin = text.c_str();
-    const char* end = begin + text.size();
-    if (begin < end && *begin == '+')
-        ++begin;
-    const std::from_chars_result r = std::from_chars(begin, end, value);
-    return r.ec == std::errc() && r.ptr == end && begin != end && std::isfinite(value);
-}
-
 // "dx,dy,dz" or "dx,dy,dz,rx,ry,rz,s": the count of values, 0 when malformed.
 int ParseShift(const std::string& text, double* values)
 {
@@ -263,7 +253,7 @@ int ParseShift(const std::string& text, double* values)
     std::string field;
     std::istringstream stream(text);
     while (std::getline(stream, field, ',')) {
-        if (count == 7 || !ParseNumber(field, values[count]))
+        if (count == 7 || !CKvPointStream::ParseNumber(field, values[count]))
             return 0;
         ++count;
     }
@@ -272,10 +262,9 @@ int ParseShift(const std::string& text, double* values)
 
 std::string Format(double value, int precision)
 {
-    char buffer[400];
-    const std::to_chars_result r =
-        std::to_chars(buffer, buffer + sizeof buffer, value == 0.0 ? 0.0 : value, std::chars_format::fixed, precision);
-    return std::string(buffer, r.ptr);
+    std::string text;
+    CKvPointStream::AppendFixed(text, value, precision);
+    return text;
 }
 
 // The shortest text that reads back as the same double, in plain notation
@@ -305,23 +294,24 @@ struct CKvCliCommands::SCommand
     int (CKvCliCommands::*run)();
     int minPositionals;
     int maxPositionals; // -1: any number
-    std::vector<const char*> options;
+    std::vector<CKvCliArguments::SOption> options;
 };
 
 const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
 {
     static const std::vector<SCommand> commands = {
         {"transform", kTransformHelp, &CKvCliCommands::_transform, 2, -1,
-         {"inverse", "towgs84-from", "towgs84-to", "bypass-datum", "precision"}},
+         {{"inverse", false}, {"towgs84-from", true}, {"towgs84-to", true}, {"bypass-datum", false},
+          {"precision", true}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
-        {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {"towgs84"}},
-        {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {"type", "branch"}},
-        {"ellipsoids", kEllipsoidsHelp, &CKvCliCommands::_ellipsoids, 0, 0, {"system", "custom"}},
+        {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}}},
+        {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {{"type", true}, {"branch", true}}},
+        {"ellipsoids", kEllipsoidsHelp, &CKvCliCommands::_ellipsoids, 0, 0, {{"system", false}, {"custom", false}}},
         {"zone", kZoneHelp, &CKvCliCommands::_zone, 1, 1, {}},
-        {"geod", kGeodHelp, &CKvCliCommands::_geod, 4, 4, {"cs"}},
+        {"geod", kGeodHelp, &CKvCliCommands::_geod, 4, 4, {{"cs", true}}},
         {"check", kCheckHelp, &CKvCliCommands::_check, 1, 1, {}},
-        {"add", kAddHelp, &CKvCliCommands::_add, 2, 4, {"branch", "ellipsoid"}},
-        {"remove", kRemoveHelp, &CKvCliCommands::_remove, 1, 1, {"ellipsoid"}},
+        {"add", kAddHelp, &CKvCliCommands::_add, 2, 4, {{"branch", true}, {"ellipsoid", false}}},
+        {"remove", kRemoveHelp, &CKvCliCommands::_remove, 1, 1, {{"ellipsoid", false}}},
     };
     return commands;
 }
@@ -384,12 +374,7 @@ int CKvCliCommands::Main(int argc, const char* const* argv)
     std::vector<CKvCliArguments::SOption> known = {{"catalogue", true}, {"user-dir", true}, {"help", false},
                                                    {"version", false}};
     for (const SCommand& command : _commands())
-        for (const char* option : command.options) {
-            const bool takesValue = std::strcmp(option, "inverse") != 0 && std::strcmp(option, "bypass-datum") != 0 &&
-                                    std::strcmp(option, "system") != 0 && std::strcmp(option, "custom") != 0 &&
-                                    std::strcmp(option, "ellipsoid") != 0;
-            known.push_back({option, takesValue});
-        }
+        known.insert(known.end(), command.options.begin(), command.options.end());
     std::string error;
     if (!m_args.Parse(argc, argv, known, error))
         return _usage(error);
@@ -413,7 +398,8 @@ int CKvCliCommands::Main(int argc, const char* const* argv)
         return eSuccess;
     }
     std::vector<const char*> allowed = {"catalogue", "user-dir"};
-    allowed.insert(allowed.end(), m_pCommand->options.begin(), m_pCommand->options.end());
+    for (const CKvCliArguments::SOption& option : m_pCommand->options)
+        allowed.push_back(option.name);
     const std::string stray = m_args.FirstNotIn(allowed);
     if (!stray.empty())
         return _usage("option '--" + stray + "' does not apply to " + name);
@@ -492,7 +478,7 @@ bool CKvCliCommands::_coordSysText(const std::string& argument, std::string& tex
 
 bool CKvCliCommands::_number(const std::string& argument, const char* what, double& value) const
 {
-    if (ParseNumber(argument, value))
+    if (CKvPointStream::ParseNumber(argument, value))
         return true;
     _usage(std::string(what) + " '" + argument + "' is not a finite number");
     return false;
@@ -573,7 +559,7 @@ int CKvCliCommands::_transform()
     int precisionXY = geoOut ? 9 : 4, precisionH = 4;
     if (m_args.Has("precision")) {
         double value = 0.0;
-        if (!ParseNumber(m_args.GetValue("precision"), value) || value < 0 || value > 17 ||
+        if (!CKvPointStream::ParseNumber(m_args.GetValue("precision"), value) || value < 0 || value > 17 ||
             value != std::floor(value))
             return _usage("--precision takes a whole number from 0 to 17");
         precisionXY = precisionH = static_cast<int>(value);
@@ -728,7 +714,7 @@ int CKvCliCommands::_list()
 {
     double mask = 15;
     if (m_args.Has("type") &&
-        (!ParseNumber(m_args.GetValue("type"), mask) || mask < 1 || mask > 15 || mask != std::floor(mask)))
+        (!CKvPointStream::ParseNumber(m_args.GetValue("type"), mask) || mask < 1 || mask > 15 || mask != std::floor(mask)))
         return _usage("--type takes a whole number from 1 to 15");
     const int flags = static_cast<int>(mask);
     const bool byBranch = m_args.Has("branch");
@@ -846,9 +832,8 @@ int CKvCliCommands::_check()
         list.ReadEllipsoids(path, true);
         addProblems(list.GetProblems());
         std::map<std::string, int> seen;
-        int index = 0;
         for (auto it = list.GetIteratorBegin(CKvEllipsoidList::eCustom);
-             it != list.GetIteratorEnd(CKvEllipsoidList::eCustom); ++it, ++index) {
+             it != list.GetIteratorEnd(CKvEllipsoidList::eCustom); ++it) {
             const CKvEllipsoid& e = **it;
             const int line = list.GetSourceLine(&e);
             if (e.GetID().empty())

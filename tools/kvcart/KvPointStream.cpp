@@ -68,16 +68,6 @@ ENumber ReadNumber(const char* p, const char* end, double& value, const char*& a
     return std::isfinite(value) ? ENumber::eOk : ENumber::eNotFinite;
 }
 
-void AppendNumber(std::string& out, double value, int precision)
-{
-    if (value == 0.0)
-        value = 0.0; // no "-0.000"
-    char buffer[400]; // a fixed-notation 1e308 with 17 decimals fits
-    const std::to_chars_result r =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, precision);
-    out.append(buffer, r.ptr);
-}
-
 std::string Quoted(const char* p, const char* end)
 {
     if (p == end)
@@ -87,6 +77,23 @@ std::string Quoted(const char* p, const char* end)
 }
 
 } // namespace
+
+bool CKvPointStream::ParseNumber(const std::string& text, double& value)
+{
+    const char* end = text.c_str() + text.size();
+    const char* after = nullptr;
+    return !text.empty() && ReadNumber(text.c_str(), end, value, after) == ENumber::eOk && after == end;
+}
+
+void CKvPointStream::AppendFixed(std::string& out, double value, int precision)
+{
+    if (value == 0.0)
+        value = 0.0; // no "-0.000"
+    char buffer[400]; // a fixed-notation 1e308 with 17 decimals fits
+    const std::to_chars_result r =
+        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, precision);
+    out.append(buffer, r.ptr);
+}
 
 CKvPointStream::CKvPointStream(const CKvDatumConverter& converter, bool inverse, int precisionXY, int precisionH)
     : m_converter(converter), m_bInverse(inverse), m_precisionXY(precisionXY), m_precisionH(precisionH)
@@ -172,12 +179,12 @@ bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& o
         out.append(tail, end);
         return false;
     }
-    AppendNumber(out, x, m_precisionXY);
+    AppendFixed(out, x, m_precisionXY);
     out.append(separatorBegin[1], numberBegin[1]);
-    AppendNumber(out, y, m_precisionXY);
+    AppendFixed(out, y, m_precisionXY);
     if (hasHeight) {
         out.append(separatorBegin[2], numberBegin[2]);
-        AppendNumber(out, h, m_precisionH);
+        AppendFixed(out, h, m_precisionH);
     }
     out.append(tail, end);
     return true;

@@ -33,6 +33,11 @@ public:
     // in problem.
     bool ConvertLine(const char* line, size_t length, std::string& out, std::string& problem) const;
 
+    // The whole text is one finite number (C locale, a leading '+' allowed).
+    static bool ParseNumber(const std::string& text, double& value);
+    // Appends value in fixed notation with precision decimals, never "-0.000".
+    static void AppendFixed(std::string& out, double value, int precision);
+
     // Converts every line of in to out; messages "name:line: what" go to err.
     // Returns the number of marked lines, or -1 when reading or writing failed
     // (the reason is then written to err too).
