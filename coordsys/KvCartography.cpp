@@ -17,8 +17,11 @@ CKvCartography::CKvCartography(const char* projection, double lon0, double lat0,
 {
     CString name(projection != nullptr ? projection : "");
     // The generic name picks the zone of the origin, unclamped: 180 gives 61.
-    if (name == "UTM")
-        name.Format("UTM-%d", static_cast<int>((lon0 + 180.0) / 6.0) + 1);
+    // An origin with no zone number (NaN, infinite, beyond any integer) keeps
+    // the generic name, which the projection refuses.
+    const double zone = std::trunc((lon0 + 180.0) / 6.0) + 1.0;
+    if (name == "UTM" && std::fabs(zone) < 1e9)
+        name.Format("UTM-%d", static_cast<int>(zone));
     m_pProjection = new CKvMapProjection(name.GetString());
     _init(lon0, lat0, orientation);
 }

@@ -19,6 +19,9 @@ TEST(Cartography, ZoneOfTheOriginAndRoundTrips)
     EXPECT_STREQ(beyond.GetProjectionString(), "");
     EXPECT_EQ(beyond.GetTrueNorth(0.0, 0.0), 0.0);
     EXPECT_THROW(CKvCartography(" UTM", 9.5, 50.0, 0.0), std::out_of_range);
+    // An origin longitude with no zone leaves the generic name, which cannot be used.
+    for (double lon0 : {double(NAN), double(INFINITY), -double(INFINITY), 1e308, -3e10})
+        EXPECT_THROW(CKvCartography("UTM", lon0, 0.0, 0.0), std::out_of_range) << lon0;
 
     const CKvCartography grid("UTM-32", 9.0, 50.0, 90.0); // on the central meridian: no convergence
     double X0 = 0, Y0 = 0, X = 0, Y = 0;
