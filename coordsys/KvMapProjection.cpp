@@ -1,5 +1,7 @@
 #include "coordsys/KvMapProjection.h"
 
+#include "projections/KvBatch.h"
+
 #include "catalogue/KvCartSetup.h"
 #include "geodesy/KvVincenty.h"
 #include "paramfile/String.h"
@@ -125,6 +127,43 @@ void CKvMapProjection::Proj2Geo(double x, double y, double* lon, double* lat) co
     m_info.InvConvert(x, y);
     if (m_pProjection != nullptr)
         m_pProjection->Proj2Geo(x, y, lon, lat);
+}
+
+void CKvMapProjection::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                std::size_t yStride) const
+{
+    if (m_pProjection != nullptr)
+        m_pProjection->Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+    if (m_info.KeepsEngineAxes())
+        return;
+    for (std::size_t i = 0; i < n; ++i)
+        m_info.Convert(*CKvBatch::At(x, xStride, i), *CKvBatch::At(y, yStride, i));
+}
+
+void CKvMapProjection::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                std::size_t latStride) const
+{
+    if (m_pProjection == nullptr)
+        return;
+    if (m_info.KeepsEngineAxes()) {
+        m_pProjection->Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+        return;
+    }
+    // The grid coordinates are brought to the engine's axes block by block.
+    double engineX[CKvBatch::BlockSize], engineY[CKvBatch::BlockSize];
+    for (std::size_t first = 0; first < n; first += CKvBatch::BlockSize) {
+        const std::size_t count = n - first < CKvBatch::BlockSize ? n - first : CKvBatch::BlockSize;
+        for (std::size_t i = 0; i < count; ++i) {
+            engineX[i] = *CKvBatch::At(x, xStride, first + i);
+            engineY[i] = *CKvBatch::At(y, yStride, first + i);
+            m_info.InvConvert(engineX[i], engineY[i]);
+        }
+        m_pProjection->Proj2Geo(count, engineX, sizeof(double), engineY, sizeof(double),
+                                CKvBatch::At(lon, lonStride, first), lonStride, CKvBatch::At(lat, latStride, first),
+                                latStride);
+    }
 }
 
 void CKvMapProjection::GetOrigin(double* x, double* y) const

@@ -5,6 +5,8 @@
 #include "catalogue/KvEllipsoidList.h"
 #include "coordsys/KvProjectionInfo.h"
 
+#include <cstddef>
+
 #include <string>
 
 class CKvMapProjData;
@@ -55,6 +57,22 @@ public:
     // Degrees in; the system's axis order and signs out (and the reverse).
     void Geo2Proj(double lon, double lat, double* x, double* y) const;
     void Proj2Geo(double x, double y, double* lon, double* lat) const;
+    // n points at once, with the rules and results of n single calls: strides in
+    // bytes for each array (as PROJ's proj_trans_generic), outputs may be the
+    // inputs. The engine's own batch loop does the work, the axis order and
+    // signs are applied around it.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const;
+    void Geo2Proj(std::size_t n, const double* lon, const double* lat, double* x, double* y) const
+    {
+        Geo2Proj(n, lon, sizeof(double), lat, sizeof(double), x, sizeof(double), y, sizeof(double));
+    }
+    void Proj2Geo(std::size_t n, const double* x, const double* y, double* lon, double* lat) const
+    {
+        Proj2Geo(n, x, sizeof(double), y, sizeof(double), lon, sizeof(double), lat, sizeof(double));
+    }
     void GetOrigin(double* x, double* y) const;
     double GetConvergence(double lon, double lat) const;
     void GetDefaultArea(double* x0, double* y0, double* x1, double* y1) const;

@@ -135,6 +135,11 @@ void CKvProjectionInfo::Convert(double& x, double& y) const
         std::swap(x, y);
 }
 
+bool CKvProjectionInfo::KeepsEngineAxes() const
+{
+    return m_firstAxis.GetSign() == 1.0 && m_secondAxis.GetSign() == 1.0 && !IsVertical(m_firstAxis.GetType());
+}
+
 void CKvProjectionInfo::InvConvert(double& x, double& y) const
 {
     if (IsVertical(m_firstAxis.GetType()))

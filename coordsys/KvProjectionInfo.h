@@ -70,6 +70,8 @@ public:
     // whether the two coordinates change places.
     void Convert(double& x, double& y) const;
     void InvConvert(double& x, double& y) const;
+    // True when Convert and InvConvert change nothing (easting, northing, both positive).
+    bool KeepsEngineAxes() const;
 
 protected:
     void _copy(const CKvProjectionInfo& other);

@@ -255,3 +255,56 @@ void CKvDatumConverter::InvertOrder()
     std::swap(m_sourceType, m_targetType);
     std::swap(m_sourceShift, m_targetShift);
 }
+
+void CKvDatumConverter::Convert(std::size_t n, double* x, double* y, double* h) const
+{
+    _convert(n, x, y, h, true);
+}
+
+void CKvDatumConverter::InvConvert(std::size_t n, double* x, double* y, double* h) const
+{
+    _convert(n, x, y, h, false);
+}
+
+void CKvDatumConverter::_convert(std::size_t n, double* x, double* y, double* h, bool forward) const
+{
+    if (m_local)
+        return;
+    const CKvMapProjection* from = forward ? m_pSource : m_pTarget;
+    const CKvMapProjection* to = forward ? m_pTarget : m_pSource;
+    const bool projectedSource = m_conversionType == eProjToProj || m_conversionType == eProjToGeo;
+    const bool projectedTarget = m_conversionType == eProjToProj || m_conversionType == eGeoToProj;
+    const bool projectedIn = forward ? projectedSource : projectedTarget;
+    const bool projectedOut = forward ? projectedTarget : projectedSource;
+    constexpr std::size_t Block = 64;
+    double lon[Block], lat[Block];
+    for (std::size_t first = 0; first < n; first += Block) {
+        const std::size_t count = n - first < Block ? n - first : Block;
+        double* bx = x + first;
+        double* by = y + first;
+        if (projectedIn) {
+            // As a single call: the geographical values start as the input ones,
+            // which a system without an engine leaves in place.
+            std::copy(bx, bx + count, lon);
+            std::copy(by, by + count, lat);
+            from->Proj2Geo(count, bx, by, lon, lat);
+        } else {
+            std::copy(bx, bx + count, lon);
+            std::copy(by, by + count, lat);
+        }
+        if (!m_bypass) {
+            for (std::size_t i = 0; i < count; ++i) {
+                double height = h != nullptr ? h[first + i] : 0.0;
+                _geocentric(lon[i], lat[i], height, forward);
+                if (h != nullptr)
+                    h[first + i] = height;
+            }
+        }
+        if (projectedOut) {
+            to->Geo2Proj(count, lon, lat, bx, by);
+        } else {
+            std::copy(lon, lon + count, bx);
+            std::copy(lat, lat + count, by);
+        }
+    }
+}

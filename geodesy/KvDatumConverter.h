@@ -4,6 +4,8 @@
 #include "geodesy/KvCartDef.h"
 #include "geodesy/KvDatumShift.h"
 
+#include <cstddef>
+
 class CKvMapProjection;
 
 // Converts coordinates from a source coordinate system to a target system on
@@ -37,6 +39,11 @@ public:
     void Convert(double& x, double& y, double& h) const;
     void InvConvert(double& x, double& y) const;
     void InvConvert(double& x, double& y, double& h) const;
+    // n points in place, with the results of n single calls; h may be null (the
+    // heights are then taken as 0 and not returned). The map projections run
+    // their batch loops on blocks of points.
+    void Convert(std::size_t n, double* x, double* y, double* h = nullptr) const;
+    void InvConvert(std::size_t n, double* x, double* y, double* h = nullptr) const;
     // Source-geocentric to target-geocentric metres, and back.
     void DatumShift(double& X, double& Y, double& Z) const;
     void InvDatumShift(double& X, double& Y, double& Z) const;
@@ -64,6 +71,7 @@ private:
     // lon/lat/h of the source through geocentric coordinates to the target (forward).
     void _geocentric(double& lon, double& lat, double& h, bool forward) const;
     void _convert(double& x, double& y, double& h, bool forward) const;
+    void _convert(std::size_t n, double* x, double* y, double* h, bool forward) const;
 
     CKvMapProjection* m_pSource;
     CKvMapProjection* m_pTarget;

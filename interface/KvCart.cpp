@@ -109,6 +109,18 @@ extern "C" void C_KVMP_PROJ2GEO(KVMP_HANDLE handle, double x, double y, double* 
     handle->Proj2Geo(x, y, lon, lat);
 }
 
+extern "C" void C_KVMP_GEO2PROJ_N(KVMP_HANDLE handle, size_t n, const double* lon, const double* lat, double* x,
+                                  double* y)
+{
+    handle->Geo2Proj(n, lon, lat, x, y);
+}
+
+extern "C" void C_KVMP_PROJ2GEO_N(KVMP_HANDLE handle, size_t n, const double* x, const double* y, double* lon,
+                                  double* lat)
+{
+    handle->Proj2Geo(n, x, y, lon, lat);
+}
+
 extern "C" void C_KVMP_GETORIGIN(KVMP_HANDLE handle, double* x, double* y)
 {
     handle->GetOrigin(x, y);
@@ -227,6 +239,16 @@ extern "C" void C_KVDC_INVCONVERTXY(KVDC_HANDLE handle, double* x, double* y)
 extern "C" void C_KVDC_CONVERTXYH(KVDC_HANDLE handle, double* x, double* y, double* h)
 {
     handle->Convert(*x, *y, *h);
+}
+
+extern "C" void C_KVDC_CONVERTXY_N(KVDC_HANDLE handle, size_t n, double* x, double* y)
+{
+    handle->Convert(n, x, y, nullptr);
+}
+
+extern "C" void C_KVDC_CONVERTXYH_N(KVDC_HANDLE handle, size_t n, double* x, double* y, double* h)
+{
+    handle->Convert(n, x, y, h);
 }
 
 extern "C" void C_KVDC_INVCONVERTXYH(KVDC_HANDLE handle, double* x, double* y, double* h)

@@ -16,6 +16,8 @@
  * bytes: retry with len + 1 bytes and size = len.
  */
 
+#include <stddef.h>
+
 #ifdef __cplusplus
 class CKvMapProjection;
 class CKvCartography;
@@ -43,6 +45,11 @@ void C_KVMP_GETNAME(KVMP_HANDLE handle, char* buffer, int size, int* status);
 void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int size, int* status);
 void C_KVMP_GEO2PROJ(KVMP_HANDLE handle, double lon, double lat, double* x, double* y);
 void C_KVMP_PROJ2GEO(KVMP_HANDLE handle, double x, double y, double* lon, double* lat);
+/* n points at once, with the results of n single calls; the outputs may be the
+ * inputs (in place). These run the engines' batch loops, the fast way to
+ * transform arrays. */
+void C_KVMP_GEO2PROJ_N(KVMP_HANDLE handle, size_t n, const double* lon, const double* lat, double* x, double* y);
+void C_KVMP_PROJ2GEO_N(KVMP_HANDLE handle, size_t n, const double* x, const double* y, double* lon, double* lat);
 void C_KVMP_GETORIGIN(KVMP_HANDLE handle, double* x, double* y);
 /* Grid convergence, degrees: the angle from true north to grid north. */
 double C_KVMP_GETCONVERGENCE(KVMP_HANDLE handle, double lon, double lat);
@@ -79,6 +86,9 @@ void C_KVDC_CONVERTXY(KVDC_HANDLE handle, double* x, double* y);
 void C_KVDC_INVCONVERTXY(KVDC_HANDLE handle, double* x, double* y);
 void C_KVDC_CONVERTXYH(KVDC_HANDLE handle, double* x, double* y, double* h);
 void C_KVDC_INVCONVERTXYH(KVDC_HANDLE handle, double* x, double* y, double* h);
+/* n points in place, as n calls of C_KVDC_CONVERTXY / C_KVDC_CONVERTXYH. */
+void C_KVDC_CONVERTXY_N(KVDC_HANDLE handle, size_t n, double* x, double* y);
+void C_KVDC_CONVERTXYH_N(KVDC_HANDLE handle, size_t n, double* x, double* y, double* h);
 /* Source-geocentric to target-geocentric metres, and back. */
 void C_KVDC_DATUMSHIFT(KVDC_HANDLE handle, double* X, double* Y, double* Z);
 void C_KVDC_INVDATUMSHIFT(KVDC_HANDLE handle, double* X, double* Y, double* Z);

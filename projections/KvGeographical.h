@@ -13,6 +13,8 @@ public:
     explicit CKvGeographical(const CKvGeographicalProjection* definition);
     CKvGeographical(const std::string& name, const CKvEllipsoid& ellipsoid);
 
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     bool IsGeographical() const override { return true; }

@@ -12,6 +12,8 @@ public:
     CKvGnomic();
 
     const char* GetName() const override { return "Gnomic"; }
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
 };

@@ -18,6 +18,8 @@ public:
                  double YB);
 
     const char* GetName() const override { return "Isometric"; }
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* out1, double* out2) const override;
 

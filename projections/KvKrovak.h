@@ -26,6 +26,8 @@ public:
               double azimuth, double xyPlaneRotation, double xScale, double yScale, double falseEasting,
               double falseNorthing, const CKvEllipsoid& ellipsoid);
 
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     void GetOrigin(double* x, double* y) const override;

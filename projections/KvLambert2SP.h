@@ -16,6 +16,8 @@ public:
     CKvLambert2SP(const std::string& name, double phi1, double phi2, double lambdaF, double phiF, double falseEasting,
                   double falseNorthing, const CKvEllipsoid& ellipsoid);
 
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     void GetOrigin(double* x, double* y) const override;

@@ -14,6 +14,8 @@
 template <class TEngine, class TDefinition> class CKvMercatorEngine : public CKvEngine<TEngine, TDefinition>
 {
 public:
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
         // The longitude is deliberately not wrapped: lon0 + 360 lies a whole

@@ -9,6 +9,8 @@
 template <class TEngine, class TDefinition> class CKvPolarStereographicEngine : public CKvEngine<TEngine, TDefinition>
 {
 public:
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
         if (!CKvAngle::GuardForward(lat, x, y))

@@ -1,6 +1,22 @@
 #include "projections/KvProjection.h"
 
+#include "projections/KvBatch.h"
+
 CKvProjection::~CKvProjection() = default;
+
+void CKvProjection::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                             std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const
+{
+    CKvBatch::ForEachPoint(n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                           [this](double a, double b, double* u, double* v) { Geo2Proj(a, b, u, v); });
+}
+
+void CKvProjection::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                             double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const
+{
+    CKvBatch::ForEachPoint(n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+                           [this](double a, double b, double* u, double* v) { Proj2Geo(a, b, u, v); });
+}
 
 void CKvProjection::GetOrigin(double* x, double* y) const
 {

@@ -3,6 +3,8 @@
 
 #include "catalogue/KvEllipsoid.h"
 
+#include <cstddef>
+
 class CKvPRJParser;
 
 // The interface of every projection engine. Geographic coordinates cross it in
@@ -17,6 +19,23 @@ public:
     virtual const char* GetName() const = 0;
     virtual void Geo2Proj(double lon, double lat, double* x, double* y) const = 0;
     virtual void Proj2Geo(double x, double y, double* lon, double* lat) const = 0;
+    // n points at once, with the same rules and the same results as n single
+    // calls. Each array has its own stride in bytes (as PROJ's proj_trans_generic);
+    // the outputs may be the inputs (in-place). The default runs the single-point
+    // calls; engines replace it with a loop over their own formulas.
+    virtual void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                          std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const;
+    virtual void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                          double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const;
+    // Contiguous arrays.
+    void Geo2Proj(std::size_t n, const double* lon, const double* lat, double* x, double* y) const
+    {
+        Geo2Proj(n, lon, sizeof(double), lat, sizeof(double), x, sizeof(double), y, sizeof(double));
+    }
+    void Proj2Geo(std::size_t n, const double* x, const double* y, double* lon, double* lat) const
+    {
+        Proj2Geo(n, x, sizeof(double), y, sizeof(double), lon, sizeof(double), lat, sizeof(double));
+    }
     // Defaults: origin (0, 0), convergence 0, area (0, 0, 0, 0), neither local nor
     // geographical, no derived parameters, no anonymous ellipsoid.
     virtual void GetOrigin(double* x, double* y) const;

@@ -3,6 +3,7 @@
 
 #include "catalogue/KvMapProjData.h"
 #include "coordsys/KvMapProjection.h"
+#include "projections/KvBatch.h"
 #include "projections/KvProjection.h"
 
 // What every engine built for a named coordinate system has in common: its name
@@ -59,6 +60,25 @@ template <class TEngine, class TDefinition> class CKvEngine : public CKvProjecti
 {
 public:
     CKvProjection* Clone() const override { return new TEngine(static_cast<const TEngine&>(*this)); }
+
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
+    // The batch loop of the engine class itself: the qualified calls bind the
+    // engine's own formulas statically, with no virtual call per point.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override
+    {
+        const TEngine& self = static_cast<const TEngine&>(*this);
+        CKvBatch::ForEachPoint(n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                               [&self](double a, double b, double* u, double* v) { self.TEngine::Geo2Proj(a, b, u, v); });
+    }
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
+    {
+        const TEngine& self = static_cast<const TEngine&>(*this);
+        CKvBatch::ForEachPoint(n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+                               [&self](double a, double b, double* u, double* v) { self.TEngine::Proj2Geo(a, b, u, v); });
+    }
 
     // Copies the catalogue definition of the engine's name into definition;
     // false, leaving it untouched, when there is none of this definition class.

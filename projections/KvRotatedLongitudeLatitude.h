@@ -19,6 +19,8 @@ public:
     CKvRotatedLongitudeLatitude(const std::string& name, double southPoleLongitude, double southPoleLatitude,
                                 double rotationAngle, const CKvEllipsoid& ellipsoid);
 
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     // (lambdaP, phiP + 90): the grid's own origin in true coordinates.

@@ -17,6 +17,8 @@ public:
     CKvTransverseMercator(const std::string& name, double k0, double centralMeridian, double originLatitude,
                           double falseEasting, double falseNorthing, const CKvEllipsoid& ellipsoid);
 
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     void GetOrigin(double* x, double* y) const override;

@@ -4,9 +4,27 @@
 
 #include "catalogue/KvFloatCompareRel.h"
 #include "projections/KvConformalLatitude.h"
+#include "projections/KvMathKernel.h"
 #include "projections/KvTransverseMercatorSeries.h"
 
 #include <cmath>
+
+#ifdef KVCART_VECTOR_MATH
+// glibc's vector variants (libmvec) of the functions the fast paths call, so that
+// the block loops below vectorize. They are within a few ulps of the scalar
+// functions, and the fast paths only apply them to small corrections or to
+// angles whose few-ulp error stays below the stated agreement.
+extern "C" {
+#pragma omp declare simd notinbranch
+double atan2(double, double) noexcept;
+#pragma omp declare simd notinbranch
+double asinh(double) noexcept;
+#pragma omp declare simd notinbranch
+double asin(double) noexcept;
+#pragma omp declare simd notinbranch
+double exp(double) noexcept;
+}
+#endif
 
 namespace {
 constexpr double kPi = 3.141592653589793;
@@ -57,6 +75,17 @@ void CKvTransverseMercatorJHS::_init(double k0, double centralMeridian, double o
         m_M0 = m_A1 * (xi0 + CKvTransverseMercatorSeries::SumSin(m_h, xi0));
     }
 
+    // Karney (2011), conformal to geodetic latitude: phi = chi + sum d_k sin 2k chi.
+    const double n = m_n;
+    m_d[0] = n * (2.0 + n * (-2.0 / 3 + n * (-2.0 + n * (116.0 / 45 + n * (26.0 / 45 + n * (-2854.0 / 675))))));
+    m_d[1] = n * n * (7.0 / 3 + n * (-8.0 / 5 + n * (-227.0 / 45 + n * (2704.0 / 315 + n * (2323.0 / 945)))));
+    m_d[2] = n * n * n * (56.0 / 15 + n * (-136.0 / 35 + n * (-1262.0 / 105 + n * (73814.0 / 2835))));
+    m_d[3] = n * n * n * n * (4279.0 / 630 + n * (-332.0 / 35 + n * (-399572.0 / 14175)));
+    m_d[4] = n * n * n * n * n * (4174.0 / 315 + n * (-144838.0 / 6237));
+    m_d[5] = n * n * n * n * n * n * (601676.0 / 22275);
+    m_fastForward = m_e >= 0.0 && m_e <= CKvMathKernel::EccentricSinhLimit;
+    m_fastInverse = m_fastForward && std::fabs(n) <= 0.0025;
+
     if (GetName()[0] == '\0')
         _setName(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM));
     m_bLocal = CKvMapProjection::IsLocal(GetName());
@@ -69,6 +98,130 @@ void CKvTransverseMercatorJHS::Geo2Proj(double lon, double lat, double* x, doubl
         *y = lat;
         return;
     }
+    if (!m_fastForward || !_forwardFast(lon, lat, *x, *y))
+        _forwardGeneral(lon, lat, x, y);
+}
+
+void CKvTransverseMercatorJHS::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    if (m_bLocal) {
+        *lon = x;
+        *lat = y;
+        return;
+    }
+    if (!m_fastInverse || !_inverseFast(x, y, *lon, *lat))
+        _inverseGeneral(x, y, lon, lat);
+}
+
+// The forward formulas of the general path, rearranged so that no large angle
+// comes out of a transcendental call: tan chi = (sqrt(1 + s^2) sin phi - s) / cos phi
+// with s = sinh(e atanh(e sin phi)) by its series, and
+// xi' = atan2(tan chi, cos dl) = phi + atan2(sin(xi' - phi), cos(xi' - phi)),
+// both multiplied by cos^2 phi; 1 - cos dl comes from its own series, so that
+// nothing cancels near the central meridian.
+KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, double lat, double& x, double& y) const
+{
+    const double phi = lat * kDeg;
+    const double dLambda = lon * kDeg - m_lambda0;
+    double sphi, cphi, vphi, sdl, cdl, vdl;
+    CKvMathKernel::SinCos(phi, sphi, cphi, vphi);
+    CKvMathKernel::SinCos(dLambda, sdl, cdl, vdl);
+    const double sig = CKvMathKernel::EccentricSinh(m_e * sphi, m_e);
+    const double q1 = std::sqrt(1.0 + sig * sig);
+    const double tanChiCos = q1 * sphi - sig; // tan chi cos phi
+    const double tanBeta = tanChiCos / cphi;
+    const double D = std::sqrt(tanBeta * tanBeta + cdl * cdl);
+    const double xiP = phi + std::atan2(cphi * (sphi * (sig * sig / (q1 + 1.0) + vdl) - sig),
+                                        cdl * cphi * cphi + tanChiCos * sphi);
+    const double sinhEta = sdl / D, coshEta = std::sqrt(1.0 + tanBeta * tanBeta) / D;
+    const double etaP = std::asinh(sinhEta);
+    const double sinXi = tanBeta / D, cosXi = cdl / D;
+    double xi, eta;
+    CKvTransverseMercatorSeries::Apply(m_h, xiP, etaP, 2.0 * sinXi * cosXi, cosXi * cosXi - sinXi * sinXi,
+                                       2.0 * sinhEta * coshEta, coshEta * coshEta + sinhEta * sinhEta, 1.0, xi, eta);
+    x = m_FE + m_k0 * m_A1 * eta;
+    y = m_FN + m_k0 * (m_A1 * xi - m_M0);
+    return (std::fabs(lat) <= 90.0) & (std::fabs(dLambda) <= kPi / 2);
+}
+
+// The inverse: Krueger's series back to (xi', eta'), then chi = xi' plus the
+// small angle between them, chi - xi' = atan2(-sin xi' sinh^2 eta',
+// (cos xi' + r)(r cos xi' + sin^2 xi')) with r = sqrt(sinh^2 eta' + cos^2 xi'), and
+// Karney's series from chi to phi in place of the iteration.
+KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, double y, double& lon, double& lat) const
+{
+    const double eta = (x - m_FE) / (m_k0 * m_A1);
+    const double xi = (y - m_FN + m_k0 * m_M0) / (m_k0 * m_A1);
+    const double E = std::exp(2.0 * eta);
+    double s2, c2, v2;
+    CKvMathKernel::SinCos(2.0 * xi, s2, c2, v2);
+    double xiP, etaP;
+    CKvTransverseMercatorSeries::Apply(m_hp, xi, eta, s2, c2, (E - 1.0 / E) / 2.0, (E + 1.0 / E) / 2.0, -1.0, xiP,
+                                       etaP);
+    double sx, cx, vx;
+    CKvMathKernel::SinCos(xiP, sx, cx, vx);
+    const double sh = CKvMathKernel::SinhSmall(etaP);
+    const double ch = std::sqrt(1.0 + sh * sh);
+    const double r = std::sqrt(sh * sh + cx * cx);
+    const double chi = xiP + std::atan2(-sx * sh * sh, (cx + r) * (r * cx + sx * sx));
+    const double sinChi = sx / ch, cosChi = r / ch;
+    const double phi =
+        chi + CKvMathKernel::ClenshawSin<6>(m_d, 2.0 * sinChi * cosChi, (cosChi - sinChi) * (cosChi + sinChi));
+    lon = (m_lambda0 + std::asin(sh / r)) / kDeg;
+    lat = phi / kDeg;
+    return (std::fabs(xi) <= kPi / 2) & (std::fabs(eta) <= 1.0) & (std::fabs(etaP) <= 0.5) & (cx > 0.0);
+}
+
+void CKvTransverseMercatorJHS::_forwardBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
+                                             const double* lon, const double* lat, double* x, double* y, bool* ok)
+{
+#pragma omp simd
+    for (std::size_t i = 0; i < count; ++i)
+        ok[i] = engine._forwardFast(lon[i], lat[i], x[i], y[i]);
+}
+
+void CKvTransverseMercatorJHS::_inverseBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
+                                             const double* x, const double* y, double* lon, double* lat, bool* ok)
+{
+#pragma omp simd
+    for (std::size_t i = 0; i < count; ++i)
+        ok[i] = engine._inverseFast(x[i], y[i], lon[i], lat[i]);
+}
+
+void CKvTransverseMercatorJHS::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                        std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                        std::size_t yStride) const
+{
+    if (m_bLocal || !m_fastForward) {
+        CKvEngine::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+        return;
+    }
+    CKvBatch::ForEachBlock(
+        n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+        [this](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
+            _forwardBlock(*this, count, a, b, u, v, ok);
+        },
+        [this](double a, double b, double* u, double* v) { _forwardGeneral(a, b, u, v); });
+}
+
+void CKvTransverseMercatorJHS::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                        std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                        std::size_t latStride) const
+{
+    if (m_bLocal || !m_fastInverse) {
+        CKvEngine::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+        return;
+    }
+    CKvBatch::ForEachBlock(
+        n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+        [this](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
+            _inverseBlock(*this, count, a, b, u, v, ok);
+        },
+        [this](double a, double b, double* u, double* v) { _inverseGeneral(a, b, u, v); });
+}
+
+void CKvTransverseMercatorJHS::_forwardGeneral(double lon, double lat, double* x, double* y) const
+{
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double phi = lat * kDeg;
@@ -96,13 +249,8 @@ void CKvTransverseMercatorJHS::Geo2Proj(double lon, double lat, double* x, doubl
     *y = m_FN + m_k0 * (m_A1 * xi - m_M0);
 }
 
-void CKvTransverseMercatorJHS::Proj2Geo(double x, double y, double* lon, double* lat) const
+void CKvTransverseMercatorJHS::_inverseGeneral(double x, double y, double* lon, double* lat) const
 {
-    if (m_bLocal) {
-        *lon = x;
-        *lat = y;
-        return;
-    }
     const double eta = (x - m_FE) / (m_k0 * m_A1);
     const double xi = (y - m_FN + m_k0 * m_M0) / (m_k0 * m_A1);
     const double E = std::exp(2.0 * eta);

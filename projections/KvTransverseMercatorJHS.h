@@ -2,14 +2,23 @@
 #define KVCART_PROJECTIONS_KVTRANSVERSEMERCATORJHS_H
 
 #include "catalogue/KvTransverseMercatorProjection.h"
+#include "projections/KvBatch.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
 
 // Transverse Mercator by the JHS 154 formulas (IOGP Guidance Note 7-2, method
 // 9807): exact conformal latitude, Krüger's series to n^4 for the projection of
-// the conformal sphere, and an iterated conformal latitude in the inverse. This is
-// the engine every transverse Mercator definition creates.
+// the conformal sphere, and the conformal latitude back to the geodetic one. This
+// is the engine every transverse Mercator definition creates.
+//
+// Points within a quarter turn of the central meridian take a fast path: the
+// eccentricity term of the conformal latitude by its power series, sines and
+// cosines by inline polynomials, the large angles split into the exact input
+// angle plus a small correction, and in the inverse Karney's (2011) series from
+// conformal to geodetic latitude (to n^6, for n up to 0.0025, which covers every
+// terrestrial ellipsoid with an error under 1e-16 rad). Other points, and figures
+// outside those bounds, take the general path of the JHS formulas as written.
 class CKvTransverseMercatorJHS : public CKvEngine<CKvTransverseMercatorJHS, CKvTransverseMercatorProjection>
 {
 public:
@@ -19,8 +28,17 @@ public:
     CKvTransverseMercatorJHS(const std::string& name, double k0, double centralMeridian, double originLatitude,
                              double falseEasting, double falseNorthing, const CKvEllipsoid& ellipsoid);
 
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    // The batch forms run the fast path on blocks of points, vectorized with
+    // glibc's vector maths where available; they agree with the single-point calls
+    // within 1e-9 m and 1e-14 degrees up to 30 degrees from the central meridian.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
     void GetOrigin(double* x, double* y) const override;
     bool IsLocal() const override { return m_bLocal; }
     double GetConvergence(double lon, double lat) const override;
@@ -30,6 +48,17 @@ public:
 
 private:
     void _init(double k0, double centralMeridian, double originLatitude, double falseEasting, double falseNorthing);
+    // One point on the fast path; false when the point needs the general one.
+    bool _forwardFast(double lon, double lat, double& x, double& y) const;
+    bool _inverseFast(double x, double y, double& lon, double& lat) const;
+    void _forwardGeneral(double lon, double lat, double* x, double* y) const;
+    void _inverseGeneral(double x, double y, double* lon, double* lat) const;
+    KVCART_VECTOR_CLONES static void _forwardBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
+                                                   const double* lon, const double* lat, double* x, double* y,
+                                                   bool* ok);
+    KVCART_VECTOR_CLONES static void _inverseBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
+                                                   const double* x, const double* y, double* lon, double* lat,
+                                                   bool* ok);
 
     double m_a, m_b, m_k0, m_f, m_FE, m_FN;
     double m_lambda0, m_phi0; // radians
@@ -37,7 +66,9 @@ private:
     double m_h[4];  // forward series
     double m_hp[4]; // inverse series, subtracted
     double m_M0;
+    double m_d[6]; // conformal to geodetic latitude, coefficients of sin 2k chi
     bool m_bLocal;
+    bool m_fastForward, m_fastInverse;
 };
 
 #endif

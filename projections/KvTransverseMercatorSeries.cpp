@@ -22,25 +22,6 @@ void CKvTransverseMercatorSeries::Apply(const double* h, double xi, double eta, 
           outEta);
 }
 
-void CKvTransverseMercatorSeries::Apply(const double* h, double xi, double eta, double s1, double c1, double sh1,
-                                        double ch1, double sign, double& outXi, double& outEta)
-{
-    double s = s1, c = c1, sh = sh1, ch = ch1;
-    double sumXi = h[0] * s * ch, sumEta = h[0] * c * sh;
-    for (int k = 1; k < 4; ++k) {
-        const double sNext = s * c1 + c * s1;
-        c = c * c1 - s * s1;
-        s = sNext;
-        const double shNext = sh * ch1 + ch * sh1;
-        ch = ch * ch1 + sh * sh1;
-        sh = shNext;
-        sumXi += h[k] * s * ch;
-        sumEta += h[k] * c * sh;
-    }
-    outXi = xi + sign * sumXi;
-    outEta = eta + sign * sumEta;
-}
-
 namespace {
 // e'^2 cos^2 phi, written as (1 - e^2 sin^2 phi) / (1 - e^2) - 1.
 double SecondEccentricityTerm(double scaledA, double scaledB, double phi)

@@ -30,6 +30,8 @@ public:
     ~CKvVariantEngine() override { delete m_pVariant; }
 
     // Without an ellipsoid there is no variant, and no point: NaN.
+    using CKvProjection::Geo2Proj;
+    using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
         if (m_pVariant != nullptr)

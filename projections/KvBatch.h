@@ -1,0 +1,77 @@
+#ifndef KVCART_PROJECTIONS_KVBATCH_H
+#define KVCART_PROJECTIONS_KVBATCH_H
+
+#include <cstddef>
+
+// The vectorized block loops are compiled once per instruction set and the
+// loader picks the widest that the processor has (GCC's function clones); with
+// glibc's vector maths each clone calls the libmvec functions of its own width.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__)
+#define KVCART_VECTOR_CLONES __attribute__((target_clones("default", "avx2", "avx512f")))
+#define KVCART_VECTOR_MATH 1
+#else
+#define KVCART_VECTOR_CLONES
+#endif
+
+// Strided arrays as PROJ's proj_trans_generic takes them: a base pointer and a
+// distance in bytes from one element to the next. Each point's two inputs are
+// read before its two outputs are written, so that the outputs may be the
+// inputs themselves (in-place use).
+class CKvBatch
+{
+public:
+    // Points per block of the vectorized loops: enough to fill the vector units
+    // and to amortize the pass over the exceptional points, small enough to stay
+    // in the first-level cache (four arrays of 2 KiB) on the stack.
+    static constexpr std::size_t BlockSize = 64;
+
+    static const double* At(const double* base, std::size_t stride, std::size_t i)
+    {
+        return reinterpret_cast<const double*>(reinterpret_cast<const char*>(base) + i * stride);
+    }
+    static double* At(double* base, std::size_t stride, std::size_t i)
+    {
+        return reinterpret_cast<double*>(reinterpret_cast<char*>(base) + i * stride);
+    }
+
+    // f(a, b, &u, &v) for each point, in order.
+    template <class F>
+    static void ForEachPoint(std::size_t n, const double* a, std::size_t sa, const double* b, std::size_t sb, double* u,
+                             std::size_t su, double* v, std::size_t sv, F f)
+    {
+        for (std::size_t i = 0; i < n; ++i) {
+            const double ai = *At(a, sa, i), bi = *At(b, sb, i);
+            double ui, vi;
+            f(ai, bi, &ui, &vi);
+            *At(u, su, i) = ui;
+            *At(v, sv, i) = vi;
+        }
+    }
+
+    // Runs the points in blocks of contiguous copies: block(count, a, b, u, v, ok)
+    // computes a whole block and clears ok[i] for every point it leaves to the
+    // general per-point path, point(a, b, &u, &v), which then computes it.
+    template <class FBlock, class FPoint>
+    static void ForEachBlock(std::size_t n, const double* a, std::size_t sa, const double* b, std::size_t sb, double* u,
+                             std::size_t su, double* v, std::size_t sv, FBlock block, FPoint point)
+    {
+        alignas(64) double ab[BlockSize], bb[BlockSize], ub[BlockSize], vb[BlockSize];
+        bool ok[BlockSize];
+        for (std::size_t first = 0; first < n; first += BlockSize) {
+            const std::size_t count = n - first < BlockSize ? n - first : BlockSize;
+            for (std::size_t i = 0; i < count; ++i) {
+                ab[i] = *At(a, sa, first + i);
+                bb[i] = *At(b, sb, first + i);
+            }
+            block(count, ab, bb, ub, vb, ok);
+            for (std::size_t i = 0; i < count; ++i) {
+                if (!ok[i])
+                    point(ab[i], bb[i], &ub[i], &vb[i]);
+                *At(u, su, first + i) = ub[i];
+                *At(v, sv, first + i) = vb[i];
+            }
+        }
+    }
+};
+
+#endif
