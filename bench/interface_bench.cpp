@@ -35,6 +35,11 @@ const char kLambert93[] =
 
 const System kSystems[] = {
     {"UTM32", "UTM-32", "+proj=utm +zone=32 +ellps=WGS84", 9.0, 50.0},
+    {"WorldMercator", "World Mercator", "+proj=merc +ellps=WGS84", 0.0, 30.0},
+    {"RDNew", "RD New",
+     "+proj=sterea +lat_0=52.15616055555555 +lon_0=5.38763888888889 +k=0.9999079 +x_0=155000 +y_0=463000 "
+     "+ellps=bessel",
+     5.4, 52.2},
     {"Lambert93NorthEast", kLambert93,
      "+proj=pipeline +step +proj=lcc +lat_1=49 +lat_2=44 +lat_0=46.5 +lon_0=3 +x_0=700000 +y_0=6600000 +ellps=GRS80 "
      "+step +proj=axisswap +order=2,1",
@@ -71,6 +76,26 @@ void Count(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * kPoints);
     state.counters["ns/point"] = benchmark::Counter(static_cast<double>(state.iterations() * kPoints),
                                                     benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+// The whole array through the C batch functions.
+void CInterfaceBatch(benchmark::State& state, const System* s, bool forward)
+{
+    const Points p = MakePoints(*s);
+    KVMP_HANDLE handle = nullptr;
+    int status = 0;
+    C_KVMP_CREATE(s->text, &handle, &status);
+    std::vector<double> u(kPoints), v(kPoints);
+    for (auto _ : state) {
+        if (forward)
+            C_KVMP_GEO2PROJ_N(handle, kPoints, p.lon.data(), p.lat.data(), u.data(), v.data());
+        else
+            C_KVMP_PROJ2GEO_N(handle, kPoints, p.x.data(), p.y.data(), u.data(), v.data());
+        benchmark::DoNotOptimize(u.data());
+        benchmark::ClobberMemory();
+    }
+    C_KVMP_DESTROY(&handle, &status);
+    Count(state);
 }
 
 // Through the C interface, forward (lon/lat in) or inverse (grid in).
@@ -152,6 +177,35 @@ void ProjTrans(benchmark::State& state, const System* s, PJ_DIRECTION direction)
     proj_context_destroy(context);
     Count(state);
 }
+
+// PROJ's own array interface on the same points (radians in, as PROJ wants).
+void ProjTransGeneric(benchmark::State& state, const System* s, PJ_DIRECTION direction)
+{
+    const Points p = MakePoints(*s);
+    PJ_CONTEXT* context = proj_context_create();
+    PJ* pj = proj_create(context, s->proj);
+    if (pj == nullptr) {
+        state.SkipWithError("PROJ could not make the system");
+        proj_context_destroy(context);
+        return;
+    }
+    std::vector<double> a(kPoints), b(kPoints);
+    for (auto _ : state) {
+        state.PauseTiming();
+        for (int i = 0; i < kPoints; ++i) {
+            a[i] = direction == PJ_FWD ? proj_torad(p.lon[i]) : p.x[i];
+            b[i] = direction == PJ_FWD ? proj_torad(p.lat[i]) : p.y[i];
+        }
+        state.ResumeTiming();
+        proj_trans_generic(pj, direction, a.data(), sizeof(double), kPoints, b.data(), sizeof(double), kPoints,
+                           nullptr, 0, 0, nullptr, 0, 0);
+        benchmark::DoNotOptimize(a.data());
+        benchmark::ClobberMemory();
+    }
+    proj_destroy(pj);
+    proj_context_destroy(context);
+    Count(state);
+}
 #else
 void ProjMissing(benchmark::State& state)
 {
@@ -166,11 +220,15 @@ const bool kRegistered = [] {
         const std::string name = std::string("Interface/") + s.name;
         benchmark::RegisterBenchmark((name + "/C_KVMP_GEO2PROJ").c_str(), CInterface, &s, true);
         benchmark::RegisterBenchmark((name + "/engine-forward").c_str(), EngineForward, &s);
+        benchmark::RegisterBenchmark((name + "/C_KVMP_GEO2PROJ_N").c_str(), CInterfaceBatch, &s, true);
         benchmark::RegisterBenchmark((name + "/C_KVMP_PROJ2GEO").c_str(), CInterface, &s, false);
+        benchmark::RegisterBenchmark((name + "/C_KVMP_PROJ2GEO_N").c_str(), CInterfaceBatch, &s, false);
         benchmark::RegisterBenchmark((name + "/engine-inverse").c_str(), EngineInverse, &s);
 #ifdef KVCART_BENCH_WITH_PROJ
         benchmark::RegisterBenchmark((name + "/proj_trans-forward").c_str(), ProjTrans, &s, PJ_FWD);
         benchmark::RegisterBenchmark((name + "/proj_trans-inverse").c_str(), ProjTrans, &s, PJ_INV);
+        benchmark::RegisterBenchmark((name + "/proj_trans_generic-forward").c_str(), ProjTransGeneric, &s, PJ_FWD);
+        benchmark::RegisterBenchmark((name + "/proj_trans_generic-inverse").c_str(), ProjTransGeneric, &s, PJ_INV);
 #endif
     }
 #ifndef KVCART_BENCH_WITH_PROJ

@@ -1,0 +1,74 @@
+// The arithmetic limit of the UTM batch: the transcendental functions that the
+// transverse Mercator fast path calls (forward atan2 and asinh, inverse exp,
+// atan2 and asin), each once per point on arguments of the same size, in the
+// same vectorized loops and instruction-set clones as the engine, and nothing
+// else. The batch benchmarks compare against this.
+#include "projections/KvBatch.h"
+
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+#ifdef KVCART_VECTOR_MATH
+extern "C" {
+#pragma omp declare simd notinbranch
+double atan2(double, double) noexcept;
+#pragma omp declare simd notinbranch
+double asinh(double) noexcept;
+#pragma omp declare simd notinbranch
+double asin(double) noexcept;
+#pragma omp declare simd notinbranch
+double exp(double) noexcept;
+}
+#endif
+
+namespace {
+
+constexpr std::size_t kPoints = 1024;
+
+KVCART_VECTOR_CLONES void ForwardCalls(std::size_t n, const double* a, const double* b, double* u, double* v)
+{
+#pragma omp simd
+    for (std::size_t i = 0; i < n; ++i) {
+        u[i] = std::atan2(a[i], b[i]);
+        v[i] = std::asinh(a[i]);
+    }
+}
+
+KVCART_VECTOR_CLONES void InverseCalls(std::size_t n, const double* a, const double* b, double* u, double* v)
+{
+#pragma omp simd
+    for (std::size_t i = 0; i < n; ++i) {
+        u[i] = std::exp(a[i]) + std::atan2(a[i], b[i]);
+        v[i] = std::asin(a[i]);
+    }
+}
+
+void Limit(benchmark::State& state, bool forward)
+{
+    std::vector<double> a(kPoints), b(kPoints), u(kPoints), v(kPoints);
+    for (std::size_t i = 0; i < kPoints; ++i) {
+        a[i] = 0.1 * ((i * 37) % kPoints) / kPoints - 0.05; // eta-sized arguments
+        b[i] = 0.5 + 0.5 * ((i * 61) % kPoints) / kPoints;  // cos-sized ones
+    }
+    for (auto _ : state) {
+        if (forward)
+            ForwardCalls(kPoints, a.data(), b.data(), u.data(), v.data());
+        else
+            InverseCalls(kPoints, a.data(), b.data(), u.data(), v.data());
+        benchmark::DoNotOptimize(u.data());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * kPoints);
+    state.counters["ns/point"] = benchmark::Counter(static_cast<double>(state.iterations() * kPoints),
+                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+
+const bool kRegistered = [] {
+    benchmark::RegisterBenchmark("Interface/UTM32/limit-forward-vector-maths", Limit, true);
+    benchmark::RegisterBenchmark("Interface/UTM32/limit-inverse-vector-maths", Limit, false);
+    return true;
+}();
+
+} // namespace
