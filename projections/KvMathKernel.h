@@ -19,6 +19,30 @@
 class CKvMathKernel
 {
 public:
+    // c[0] + c[1] w + ... + c[N-1] w^(N-1) by Estrin's scheme: halves split by
+    // powers w^(2^k), so that the dependency chain is log2 N multiply-adds long
+    // instead of N (Horner), for the scalar path's latency.
+    // w^H for H a power of two, by squaring.
+    template <int H> static KVCART_ALWAYS_INLINE double Power(double w)
+    {
+        if constexpr (H == 1) {
+            return w;
+        } else {
+            const double half = Power<H / 2>(w);
+            return half * half;
+        }
+    }
+
+    template <int N> static KVCART_ALWAYS_INLINE double Estrin(double w, const double* c)
+    {
+        if constexpr (N == 1) {
+            return c[0];
+        } else {
+            constexpr int H = N > 8 ? 8 : N > 4 ? 4 : N > 2 ? 2 : 1;
+            return Estrin<H>(w, c) + Power<H>(w) * Estrin<N - H>(w, c + H);
+        }
+    }
+
     // Arguments up to this size are reduced exactly enough by the three-part
     // Cody-Waite split of pi/2 below (the quadrant number stays under 2^17, so
     // k * P1, with P1 of 33 significant bits, is exact).
@@ -38,23 +62,14 @@ public:
         const double k = (x * TwoOverPi + Round) - Round;
         const double r = ((x - k * P1) - k * P2) - k * P3;
         const double r2 = r * r;
-        const double sr =
-            r + r * r2 *
-                    (-1.0 / 6 +
-                     r2 * (1.0 / 120 +
-                           r2 * (-1.0 / 5040 +
-                                 r2 * (1.0 / 362880 +
-                                       r2 * (-1.0 / 39916800 +
-                                             r2 * (1.0 / 6227020800 +
-                                                   r2 * (-1.0 / 1307674368000 + r2 * (1.0 / 355687428096000))))))));
-        const double vr =
-            r2 * (0.5 +
-                  r2 * (-1.0 / 24 +
-                        r2 * (1.0 / 720 +
-                              r2 * (-1.0 / 40320 +
-                                    r2 * (1.0 / 3628800 +
-                                          r2 * (-1.0 / 479001600 +
-                                                r2 * (1.0 / 87178291200 + r2 * (-1.0 / 20922789888000))))))));
+        static constexpr double SinSeries[8] = {-1.0 / 6,         1.0 / 120,          -1.0 / 5040,
+                                                  1.0 / 362880,      -1.0 / 39916800,    1.0 / 6227020800,
+                                                  -1.0 / 1307674368000, 1.0 / 355687428096000};
+        static constexpr double VersineSeries[8] = {0.5,              -1.0 / 24,          1.0 / 720,
+                                                      -1.0 / 40320,     1.0 / 3628800,      -1.0 / 479001600,
+                                                      1.0 / 87178291200, -1.0 / 20922789888000};
+        const double sr = r + r * r2 * Estrin<8>(r2, SinSeries);
+        const double vr = r2 * Estrin<8>(r2, VersineSeries);
         const double cr = 1.0 - vr;
         // The quadrant k mod 4, as q = k - 4 round(k / 4) in {-2, -1, 0, 1, 2}. The
         // choices below are products with exact 0, 1 and -1 rather than selects, so
@@ -76,55 +91,77 @@ public:
     // relative).
     static KVCART_ALWAYS_INLINE double SinhSmall(double x)
     {
+        static constexpr double Series[8] = {1.0 / 6,          1.0 / 120,           1.0 / 5040,
+                                             1.0 / 362880,     1.0 / 39916800,      1.0 / 6227020800,
+                                             1.0 / 1307674368000, 1.0 / 355687428096000};
         const double x2 = x * x;
-        return x + x * x2 *
-                       (1.0 / 6 +
-                        x2 * (1.0 / 120 +
-                              x2 * (1.0 / 5040 +
-                                    x2 * (1.0 / 362880 +
-                                          x2 * (1.0 / 39916800 +
-                                                x2 * (1.0 / 6227020800 +
-                                                      x2 * (1.0 / 1307674368000 + x2 * (1.0 / 355687428096000))))))));
+        return x + x * x2 * Estrin<8>(x2, Series);
     }
 
-    // sinh(e atanh(e sin phi)), from z = e sin phi with |z| <= 0.1 and e <= 0.1:
-    // atanh by its series to z^19 and sinh of the product (at most 0.01) to its
-    // fifth-order term, both with remainders below 1e-19 relative. This is the
-    // sinh of the eccentricity part of the isometric latitude, the one step that
-    // makes the conformal latitude cost transcendental calls.
-    static KVCART_ALWAYS_INLINE double EccentricSinh(double z, double e)
+    // The coefficients c[j] of z^(2j) in sinh(e atanh z) / z, for |z| <= e <=
+    // EccentricSinhLimit: the series of atanh to z^21 times e, composed with sinh to
+    // its ninth power (u = e atanh z <= 0.011 there); the terms left out are below
+    // 1e-22 relative. This is the sinh of the eccentricity part of the isometric
+    // latitude, the one step that would make the conformal latitude cost
+    // transcendental calls; as a single series it is one short polynomial.
+    static void EccentricSinhSeries(double e, double* c)
     {
-        const double z2 = z * z;
-        const double atanh =
-            z + z * z2 *
-                    (1.0 / 3 +
-                     z2 * (1.0 / 5 +
-                           z2 * (1.0 / 7 +
-                                 z2 * (1.0 / 9 +
-                                       z2 * (1.0 / 11 +
-                                             z2 * (1.0 / 13 + z2 * (1.0 / 15 + z2 * (1.0 / 17 + z2 * (1.0 / 19)))))))));
-        const double u = e * atanh;
-        const double u2 = u * u;
-        return u + u * u2 * (1.0 / 6 + u2 * (1.0 / 120 + u2 * (1.0 / 5040)));
+        constexpr int Degree = 22; // powers z^0 .. z^21
+        double u[Degree] = {}, power[Degree] = {}, sum[Degree] = {};
+        for (int k = 1; k < Degree; k += 2)
+            u[k] = e / k;
+        for (int k = 0; k < Degree; ++k)
+            power[k] = sum[k] = u[k];
+        const double factor[4] = {1.0 / 6, 1.0 / 120, 1.0 / 5040, 1.0 / 362880};
+        for (int term = 0; term < 4; ++term) {
+            // power *= u^2, truncated at z^21
+            for (int pass = 0; pass < 2; ++pass) {
+                double next[Degree] = {};
+                for (int i = 0; i < Degree; ++i)
+                    for (int j = 0; i + j < Degree; ++j)
+                        next[i + j] += power[i] * u[j];
+                for (int k = 0; k < Degree; ++k)
+                    power[k] = next[k];
+            }
+            for (int k = 0; k < Degree; ++k)
+                sum[k] += factor[term] * power[k];
+        }
+        for (int j = 0; j < 11; ++j)
+            c[j] = sum[2 * j + 1];
     }
 
-    // Eccentricities up to this size may use EccentricSinh.
+    // Small-argument series for the scalar path, where a data-dependent branch
+    // to libm costs nothing: atan t for |t| <= AtanSmallLimit (to t^15, remainder
+    // below 1e-19 relative), asinh x and asin x for |x| <= 0.1 (to x^19, below
+    // 1e-19 relative).
+    static constexpr double AtanSmallLimit = 0.05;
+    static constexpr double AsinSmallLimit = 0.1;
+    static KVCART_ALWAYS_INLINE double AtanSmall(double t)
+    {
+        static constexpr double Series[7] = {-1.0 / 3, 1.0 / 5, -1.0 / 7, 1.0 / 9, -1.0 / 11, 1.0 / 13, -1.0 / 15};
+        const double t2 = t * t;
+        return t + t * t2 * Estrin<7>(t2, Series);
+    }
+    static KVCART_ALWAYS_INLINE double AsinhSmall(double x)
+    {
+        static constexpr double Series[9] = {-1.0 / 6,          3.0 / 40,         -5.0 / 112,
+                                             35.0 / 1152,       -63.0 / 2816,     231.0 / 13312,
+                                             -143.0 / 10240,    6435.0 / 557056,  -12155.0 / 1245184};
+        const double x2 = x * x;
+        return x + x * x2 * Estrin<9>(x2, Series);
+    }
+    static KVCART_ALWAYS_INLINE double AsinSmall(double x)
+    {
+        static constexpr double Series[9] = {1.0 / 6,         3.0 / 40,        5.0 / 112,
+                                             35.0 / 1152,     63.0 / 2816,     231.0 / 13312,
+                                             143.0 / 10240,   6435.0 / 557056, 12155.0 / 1245184};
+        const double x2 = x * x;
+        return x + x * x2 * Estrin<9>(x2, Series);
+    }
+
+    // Eccentricities up to this size may use EccentricSinhSeries.
     static constexpr double EccentricSinhLimit = 0.1;
 
-    // sum over k = 1..N of c[k-1] sin(2k t), by Clenshaw's recurrence from
-    // sin 2t and cos 2t.
-    template <int N> static KVCART_ALWAYS_INLINE double ClenshawSin(const double* c, double s2, double c2)
-    {
-        const double twoCos = 2.0 * c2;
-        double b1 = 0.0, b2 = 0.0;
-#pragma GCC unroll 8
-        for (int k = N - 1; k >= 0; --k) {
-            const double b0 = twoCos * b1 - b2 + c[k];
-            b2 = b1;
-            b1 = b0;
-        }
-        return b1 * s2;
-    }
 };
 
 #endif

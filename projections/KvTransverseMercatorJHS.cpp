@@ -29,6 +29,9 @@ double exp(double) noexcept;
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+constexpr double kDegreesPerRadian = 180.0 / kPi;
+// sqrt(1 + s^2) - 1 = s^2 (1/2 - s^2/8 + s^4/16 - 5 s^6/128 + 7 s^8/256 - ...)
+constexpr double kSqrtOnePlusMinusOne[5] = {0.5, -1.0 / 8, 1.0 / 16, -5.0 / 128, 7.0 / 256};
 } // namespace
 
 CKvTransverseMercatorJHS::CKvTransverseMercatorJHS(const CKvTransverseMercatorProjection* definition)
@@ -83,6 +86,14 @@ void CKvTransverseMercatorJHS::_init(double k0, double centralMeridian, double o
     m_d[3] = n * n * n * n * (4279.0 / 630 + n * (-332.0 / 35 + n * (-399572.0 / 14175)));
     m_d[4] = n * n * n * n * n * (4174.0 / 315 + n * (-144838.0 / 6237));
     m_d[5] = n * n * n * n * n * n * (601676.0 / 22275);
+    // The same as a polynomial in cos 2chi: sin 2k chi = sin 2chi U_{k-1}(cos 2chi).
+    m_dPoly[0] = m_d[0] - m_d[2] + m_d[4];
+    m_dPoly[1] = 2.0 * m_d[1] - 4.0 * m_d[3] + 6.0 * m_d[5];
+    m_dPoly[2] = 4.0 * m_d[2] - 12.0 * m_d[4];
+    m_dPoly[3] = 8.0 * m_d[3] - 32.0 * m_d[5];
+    m_dPoly[4] = 16.0 * m_d[4];
+    m_dPoly[5] = 32.0 * m_d[5];
+    CKvMathKernel::EccentricSinhSeries(m_e, m_sig);
     m_fastForward = m_e >= 0.0 && m_e <= CKvMathKernel::EccentricSinhLimit;
     m_fastInverse = m_fastForward && std::fabs(n) <= 0.0025;
 
@@ -98,7 +109,7 @@ void CKvTransverseMercatorJHS::Geo2Proj(double lon, double lat, double* x, doubl
         *y = lat;
         return;
     }
-    if (!m_fastForward || !_forwardFast(lon, lat, *x, *y))
+    if (!m_fastForward || !_forwardFast<false>(lon, lat, *x, *y))
         _forwardGeneral(lon, lat, x, y);
 }
 
@@ -109,7 +120,7 @@ void CKvTransverseMercatorJHS::Proj2Geo(double x, double y, double* lon, double*
         *lat = y;
         return;
     }
-    if (!m_fastInverse || !_inverseFast(x, y, *lon, *lat))
+    if (!m_fastInverse || !_inverseFast<false>(x, y, *lon, *lat))
         _inverseGeneral(x, y, lon, lat);
 }
 
@@ -119,6 +130,7 @@ void CKvTransverseMercatorJHS::Proj2Geo(double x, double y, double* lon, double*
 // xi' = atan2(tan chi, cos dl) = phi + atan2(sin(xi' - phi), cos(xi' - phi)),
 // both multiplied by cos^2 phi; 1 - cos dl comes from its own series, so that
 // nothing cancels near the central meridian.
+template <bool Vector>
 KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, double lat, double& x, double& y) const
 {
     const double phi = lat * kDeg;
@@ -126,16 +138,31 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
     double sphi, cphi, vphi, sdl, cdl, vdl;
     CKvMathKernel::SinCos(phi, sphi, cphi, vphi);
     CKvMathKernel::SinCos(dLambda, sdl, cdl, vdl);
-    const double sig = CKvMathKernel::EccentricSinh(m_e * sphi, m_e);
-    const double q1 = std::sqrt(1.0 + sig * sig);
-    const double tanChiCos = q1 * sphi - sig; // tan chi cos phi
-    const double tanBeta = tanChiCos / cphi;
-    const double D = std::sqrt(tanBeta * tanBeta + cdl * cdl);
-    const double xiP = phi + std::atan2(cphi * (sphi * (sig * sig / (q1 + 1.0) + vdl) - sig),
-                                        cdl * cphi * cphi + tanChiCos * sphi);
-    const double sinhEta = sdl / D, coshEta = std::sqrt(1.0 + tanBeta * tanBeta) / D;
-    const double etaP = std::asinh(sinhEta);
-    const double sinXi = tanBeta / D, cosXi = cdl / D;
+    // s = sinh(e atanh(e sin phi)) as one odd series in e sin phi, and
+    // sqrt(1 + s^2) - 1 by its own: no division and no square root on the way.
+    const double z = m_e * sphi;
+    const double sig = z * CKvMathKernel::Estrin<11>(z * z, m_sig);
+    const double sig2 = sig * sig;
+    const double q1m1 = sig2 * CKvMathKernel::Estrin<5>(sig2, kSqrtOnePlusMinusOne);
+    const double tanChiCos = (1.0 + q1m1) * sphi - sig; // tan chi cos phi
+    const double cc = cdl * cphi;
+    // Everything below is multiplied by cos phi >= 0: D cos phi and its reciprocal.
+    const double inv = 1.0 / std::sqrt(tanChiCos * tanChiCos + cc * cc);
+    const double num = cphi * (sphi * (q1m1 + vdl) - sig);
+    const double den = cc * cphi + tanChiCos * sphi;
+    const double sinhEta = sdl * cphi * inv, coshEta = std::sqrt(cphi * cphi + tanChiCos * tanChiCos) * inv;
+    double xiP, etaP;
+    if constexpr (Vector) {
+        xiP = phi + std::atan2(num, den);
+        etaP = std::asinh(sinhEta);
+    } else {
+        const double t = num / den;
+        xiP = phi + (den > 0.0 && std::fabs(t) <= CKvMathKernel::AtanSmallLimit ? CKvMathKernel::AtanSmall(t)
+                                                                                : std::atan2(num, den));
+        etaP = std::fabs(sinhEta) <= CKvMathKernel::AsinSmallLimit ? CKvMathKernel::AsinhSmall(sinhEta)
+                                                                    : std::asinh(sinhEta);
+    }
+    const double sinXi = tanChiCos * inv, cosXi = cc * inv;
     double xi, eta;
     CKvTransverseMercatorSeries::Apply(m_h, xiP, etaP, 2.0 * sinXi * cosXi, cosXi * cosXi - sinXi * sinXi,
                                        2.0 * sinhEta * coshEta, coshEta * coshEta + sinhEta * sinhEta, 1.0, xi, eta);
@@ -148,28 +175,55 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
 // small angle between them, chi - xi' = atan2(-sin xi' sinh^2 eta',
 // (cos xi' + r)(r cos xi' + sin^2 xi')) with r = sqrt(sinh^2 eta' + cos^2 xi'), and
 // Karney's series from chi to phi in place of the iteration.
+template <bool Vector>
 KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, double y, double& lon, double& lat) const
 {
     const double eta = (x - m_FE) / (m_k0 * m_A1);
     const double xi = (y - m_FN + m_k0 * m_M0) / (m_k0 * m_A1);
-    const double E = std::exp(2.0 * eta);
-    double s2, c2, v2;
-    CKvMathKernel::SinCos(2.0 * xi, s2, c2, v2);
+    double sh2, ch2; // sinh 2eta, cosh 2eta
+    if (Vector || !(std::fabs(eta) <= 0.25)) {
+        const double E = std::exp(2.0 * eta);
+        sh2 = (E - 1.0 / E) / 2.0;
+        ch2 = (E + 1.0 / E) / 2.0;
+    } else {
+        sh2 = CKvMathKernel::SinhSmall(2.0 * eta);
+        ch2 = std::sqrt(1.0 + sh2 * sh2);
+    }
+    // One sine and cosine of xi serve Krueger's series (through the double angle)
+    // and, turned by the series' small correction d = xi' - xi, the angle xi'.
+    double sxi, cxi, vxi;
+    CKvMathKernel::SinCos(xi, sxi, cxi, vxi);
     double xiP, etaP;
-    CKvTransverseMercatorSeries::Apply(m_hp, xi, eta, s2, c2, (E - 1.0 / E) / 2.0, (E + 1.0 / E) / 2.0, -1.0, xiP,
+    CKvTransverseMercatorSeries::Apply(m_hp, xi, eta, 2.0 * sxi * cxi, (cxi - sxi) * (cxi + sxi), sh2, ch2, -1.0, xiP,
                                        etaP);
-    double sx, cx, vx;
-    CKvMathKernel::SinCos(xiP, sx, cx, vx);
+    const double d = xiP - xi, d2 = d * d; // exact: the two are close
+    const double sd = d - d * d2 * (1.0 / 6 - d2 * (1.0 / 120));
+    const double vd = d2 * (0.5 - d2 * (1.0 / 24 - d2 * (1.0 / 720)));
+    const double sx = sxi + (cxi * sd - sxi * vd), cx = cxi - (sxi * sd + cxi * vd);
     const double sh = CKvMathKernel::SinhSmall(etaP);
-    const double ch = std::sqrt(1.0 + sh * sh);
     const double r = std::sqrt(sh * sh + cx * cx);
-    const double chi = xiP + std::atan2(-sx * sh * sh, (cx + r) * (r * cx + sx * sx));
-    const double sinChi = sx / ch, cosChi = r / ch;
-    const double phi =
-        chi + CKvMathKernel::ClenshawSin<6>(m_d, 2.0 * sinChi * cosChi, (cosChi - sinChi) * (cosChi + sinChi));
-    lon = (m_lambda0 + std::asin(sh / r)) / kDeg;
-    lat = phi / kDeg;
-    return (std::fabs(xi) <= kPi / 2) & (std::fabs(eta) <= 1.0) & (std::fabs(etaP) <= 0.5) & (cx > 0.0);
+    const double num = -sx * sh * sh, den = (cx + r) * (r * cx + sx * sx);
+    double dChi, dl; // chi - xi' and the longitude from the central meridian
+    if constexpr (Vector) {
+        dChi = std::atan2(num, den);
+        dl = std::asin(sh / r);
+    } else {
+        const double t = num / den, z = sh / r;
+        dChi = den > 0.0 && std::fabs(t) <= CKvMathKernel::AtanSmallLimit ? CKvMathKernel::AtanSmall(t)
+                                                                         : std::atan2(num, den);
+        dl = std::fabs(z) <= CKvMathKernel::AsinSmallLimit ? CKvMathKernel::AsinSmall(z) : std::asin(z);
+    }
+    // sin chi = sin xi' / cosh eta' and cos chi = r / cosh eta', so the double angle
+    // needs only 1 / cosh^2 eta' = 1 / (1 + sinh^2 eta'); the series in sin 2k chi
+    // is sin 2chi times a polynomial in cos 2chi (Chebyshev's U).
+    const double invCosh2 = 1.0 / (1.0 + sh * sh);
+    // The two small corrections are summed first, then added to xi'.
+    const double phi = xiP + (dChi + 2.0 * sx * r * invCosh2 *
+                                         CKvMathKernel::Estrin<6>((r - sx) * (r + sx) * invCosh2, m_dPoly));
+    lon = (m_lambda0 + dl) * kDegreesPerRadian;
+    lat = phi * kDegreesPerRadian;
+    return (std::fabs(xi) <= kPi / 2) & (std::fabs(eta) <= 1.0) & (std::fabs(etaP) <= 0.5) & (cx > 0.0) &
+           (std::fabs(d) <= 0.01);
 }
 
 void CKvTransverseMercatorJHS::_forwardBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
@@ -177,7 +231,7 @@ void CKvTransverseMercatorJHS::_forwardBlock(const CKvTransverseMercatorJHS& eng
 {
 #pragma omp simd
     for (std::size_t i = 0; i < count; ++i)
-        ok[i] = engine._forwardFast(lon[i], lat[i], x[i], y[i]);
+        ok[i] = engine._forwardFast<true>(lon[i], lat[i], x[i], y[i]);
 }
 
 void CKvTransverseMercatorJHS::_inverseBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
@@ -185,7 +239,7 @@ void CKvTransverseMercatorJHS::_inverseBlock(const CKvTransverseMercatorJHS& eng
 {
 #pragma omp simd
     for (std::size_t i = 0; i < count; ++i)
-        ok[i] = engine._inverseFast(x[i], y[i], lon[i], lat[i]);
+        ok[i] = engine._inverseFast<true>(x[i], y[i], lon[i], lat[i]);
 }
 
 void CKvTransverseMercatorJHS::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,

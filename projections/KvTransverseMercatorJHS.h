@@ -50,8 +50,10 @@ public:
 private:
     void _init(double k0, double centralMeridian, double originLatitude, double falseEasting, double falseNorthing);
     // One point on the fast path; false when the point needs the general one.
-    bool _forwardFast(double lon, double lat, double& x, double& y) const;
-    bool _inverseFast(double x, double y, double& lon, double& lat) const;
+    // Vector: the form for the vectorized loops (vector maths for every
+    // transcendental call); otherwise small angles take their series.
+    template <bool Vector> bool _forwardFast(double lon, double lat, double& x, double& y) const;
+    template <bool Vector> bool _inverseFast(double x, double y, double& lon, double& lat) const;
     void _forwardGeneral(double lon, double lat, double* x, double* y) const;
     void _inverseGeneral(double x, double y, double* lon, double* lat) const;
     KVCART_VECTOR_CLONES static void _forwardBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
@@ -67,7 +69,9 @@ private:
     double m_h[4];  // forward series
     double m_hp[4]; // inverse series, subtracted
     double m_M0;
-    double m_d[6]; // conformal to geodetic latitude, coefficients of sin 2k chi
+    double m_d[6];     // conformal to geodetic latitude, coefficients of sin 2k chi
+    double m_dPoly[6]; // the same series as sin 2chi times a polynomial in cos 2chi
+    double m_sig[11];  // sinh(e atanh z) / z as a polynomial in z^2
     bool m_bLocal;
     bool m_fastForward, m_fastInverse;
 };

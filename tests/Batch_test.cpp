@@ -381,7 +381,18 @@ TEST(Batch, MathKernelsAgainstLibm)
     EXPECT_NEAR(v, 2.0 * std::sin(0.5e-5) * std::sin(0.5e-5), 1e-26);
     for (double x = -0.5; x <= 0.5; x += 0.001)
         ASSERT_NEAR(CKvMathKernel::SinhSmall(x), std::sinh(x), 2.3e-16 * std::fmax(1.0, std::fabs(std::sinh(x))));
-    for (double z = -0.1; z <= 0.1; z += 0.0005)
-        ASSERT_NEAR(CKvMathKernel::EccentricSinh(z, 0.0818191908426215),
-                    std::sinh(0.0818191908426215 * std::atanh(z)), 4.5e-16 * std::fabs(z) * 0.0818191908426215);
+    for (double e : {0.0818191908426215, 0.1, 0.0}) {
+        double c[11];
+        CKvMathKernel::EccentricSinhSeries(e, c);
+        for (double z = -e; z <= e; z += e / 200 + 1e-3)
+            ASSERT_NEAR(z * CKvMathKernel::Estrin<11>(z * z, c), std::sinh(e * std::atanh(z)),
+                        4.5e-16 * std::fabs(z) * e) << e << " " << z;
+    }
+    // The small-argument series of the scalar path.
+    for (double t = -0.05; t <= 0.05; t += 0.0007)
+        ASSERT_NEAR(CKvMathKernel::AtanSmall(t), std::atan(t), 2.3e-16 * std::fabs(t)) << t;
+    for (double x = -0.1; x <= 0.1; x += 0.0013) {
+        ASSERT_NEAR(CKvMathKernel::AsinhSmall(x), std::asinh(x), 2.3e-16 * std::fabs(x)) << x;
+        ASSERT_NEAR(CKvMathKernel::AsinSmall(x), std::asin(x), 2.3e-16 * std::fabs(x)) << x;
+    }
 }
