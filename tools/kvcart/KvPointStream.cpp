@@ -106,26 +106,27 @@ CKvPointStream::~CKvPointStream()
     std::free(m_pLine);
 }
 
-bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& out, std::string& problem) const
+bool CKvPointStream::_parse(const char* line, size_t length, SLine& parsed, std::string& problem) const
 {
     const char* end = line + length;
     const char* p = line;
     while (p < end && IsBlank(*p))
         ++p;
     if (p == end || *p == '#') {
-        out.append(line, length);
+        parsed.kind = SLine::eCopy;
         return true;
     }
 
     // The coordinates, with the separators as written so that they are kept.
-    double value[3] = {0.0, 0.0, 0.0};
+    parsed.kind = SLine::eBad;
+    parsed.value[0] = parsed.value[1] = parsed.value[2] = 0.0;
     const char* separatorBegin[3] = {line, nullptr, nullptr};
     const char* numberBegin[3] = {p, nullptr, nullptr};
     const char* tail = end;
     int count = 0;
     for (const char* q = p; count < 3;) {
         const char* after = nullptr;
-        const ENumber result = ReadNumber(q, end, value[count], after);
+        const ENumber result = ReadNumber(q, end, parsed.value[count], after);
         if (result != ENumber::eOk) {
             if (count == 2 && result == ENumber::eNotANumber) {
                 tail = separatorBegin[2]; // "x y text": the text is copied through
@@ -138,7 +139,7 @@ bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& o
             else
                 problem = (result == ENumber::eOutOfRange ? "number out of range " : "not a finite number ") +
                           Quoted(q, tokenEnd);
-            out.append("* *");
+            parsed.tail = length; // a line that cannot be read keeps none of its text
             return false;
         }
         numberBegin[count] = q;
@@ -150,7 +151,7 @@ bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& o
         if (next == end) {
             if (count == 1) {
                 problem = "only one coordinate; expected \"x y\" or \"x y h\"";
-                out.append("* *");
+                parsed.tail = length;
                 return false;
             }
             break;
@@ -159,59 +160,152 @@ bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& o
         numberBegin[count] = next;
         q = next;
     }
-
-    double x = value[0], y = value[1], h = value[2];
-    const bool hasHeight = count == 3;
-    if (hasHeight) {
-        if (m_bInverse)
-            m_converter.InvConvert(x, y, h);
-        else
-            m_converter.Convert(x, y, h);
-    } else {
-        if (m_bInverse)
-            m_converter.InvConvert(x, y);
-        else
-            m_converter.Convert(x, y);
+    parsed.kind = SLine::ePoint;
+    parsed.hasHeight = count == 3;
+    parsed.separator[0] = static_cast<size_t>(separatorBegin[1] - line);
+    parsed.separator[1] = static_cast<size_t>(numberBegin[1] - line);
+    if (parsed.hasHeight) {
+        parsed.separator[2] = static_cast<size_t>(separatorBegin[2] - line);
+        parsed.separator[3] = static_cast<size_t>(numberBegin[2] - line);
     }
-    if (!std::isfinite(x) || !std::isfinite(y) || (hasHeight && !std::isfinite(h))) {
+    parsed.tail = static_cast<size_t>(tail - line);
+    return true;
+}
+
+bool CKvPointStream::_format(const char* line, size_t length, const SLine& parsed, std::string& out,
+                             std::string& problem) const
+{
+    if (parsed.kind == SLine::eCopy) {
+        out.append(line, length);
+        return true;
+    }
+    if (parsed.kind == SLine::eBad) {
+        out.append("* *");
+        return false;
+    }
+    const double x = parsed.value[0], y = parsed.value[1], h = parsed.value[2];
+    if (!std::isfinite(x) || !std::isfinite(y) || (parsed.hasHeight && !std::isfinite(h))) {
         problem = "the point cannot be converted: it lies outside the domain of the coordinate systems";
         out.append("* *");
-        out.append(tail, end);
+        out.append(line + parsed.tail, length - parsed.tail);
         return false;
     }
     AppendFixed(out, x, m_precisionXY);
-    out.append(separatorBegin[1], numberBegin[1]);
+    out.append(line + parsed.separator[0], parsed.separator[1] - parsed.separator[0]);
     AppendFixed(out, y, m_precisionXY);
-    if (hasHeight) {
-        out.append(separatorBegin[2], numberBegin[2]);
+    if (parsed.hasHeight) {
+        out.append(line + parsed.separator[2], parsed.separator[3] - parsed.separator[2]);
         AppendFixed(out, h, m_precisionH);
     }
-    out.append(tail, end);
+    out.append(line + parsed.tail, length - parsed.tail);
     return true;
+}
+
+bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& out, std::string& problem) const
+{
+    SLine parsed;
+    if (!_parse(line, length, parsed, problem))
+        return _format(line, length, parsed, out, problem);
+    if (parsed.kind == SLine::ePoint) {
+        double* v = parsed.value;
+        if (parsed.hasHeight) {
+            if (m_bInverse)
+                m_converter.InvConvert(v[0], v[1], v[2]);
+            else
+                m_converter.Convert(v[0], v[1], v[2]);
+        } else {
+            if (m_bInverse)
+                m_converter.InvConvert(v[0], v[1]);
+            else
+                m_converter.Convert(v[0], v[1]);
+        }
+    }
+    return _format(line, length, parsed, out, problem);
+}
+
+void CKvPointStream::_convertBlock(size_t count)
+{
+    // Points with and without heights go through the converter's batch form in
+    // two groups; each keeps the rules of its single-point form.
+    for (int withHeight = 0; withHeight < 2; ++withHeight) {
+        size_t n = 0;
+        for (size_t i = 0; i < count; ++i) {
+            const SLine& line = m_lines[i];
+            if (line.kind != SLine::ePoint || line.hasHeight != (withHeight == 1))
+                continue;
+            m_x[n] = line.value[0];
+            m_y[n] = line.value[1];
+            m_h[n] = line.value[2];
+            ++n;
+        }
+        if (n == 0)
+            continue;
+        double* h = withHeight == 1 ? m_h : nullptr;
+        if (m_bInverse)
+            m_converter.InvConvert(n, m_x, m_y, h);
+        else
+            m_converter.Convert(n, m_x, m_y, h);
+        n = 0;
+        for (size_t i = 0; i < count; ++i) {
+            SLine& line = m_lines[i];
+            if (line.kind != SLine::ePoint || line.hasHeight != (withHeight == 1))
+                continue;
+            line.value[0] = m_x[n];
+            line.value[1] = m_y[n];
+            if (withHeight == 1)
+                line.value[2] = m_h[n];
+            ++n;
+        }
+    }
 }
 
 long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
 {
     long lineNumber = 0, marked = 0;
-    ssize_t n = 0;
-    while ((n = getline(&m_pLine, &m_lineCapacity, in)) != -1) {
-        ++lineNumber;
-        size_t length = static_cast<size_t>(n);
-        if (length > 0 && m_pLine[length - 1] == '\n')
-            --length;
-        const bool cr = length > 0 && m_pLine[length - 1] == '\r';
-        if (cr)
-            --length;
-        if (!ConvertLine(m_pLine, length, m_out, m_problem)) {
-            ++marked;
-            std::fprintf(err, "kvcart: %s:%ld: %s\n", name, lineNumber, m_problem.c_str());
+    bool failedWrite = false;
+    // Lines are read a block at a time into one reused buffer, parsed, converted
+    // together, and written in their order.
+    bool more = true;
+    while (more && !failedWrite) {
+        size_t count = 0;
+        m_block.clear();
+        while (count < kBlockLines) {
+            const ssize_t n = getline(&m_pLine, &m_lineCapacity, in);
+            if (n == -1) {
+                more = false;
+                break;
+            }
+            size_t length = static_cast<size_t>(n);
+            if (length > 0 && m_pLine[length - 1] == '\n')
+                --length;
+            const bool cr = length > 0 && m_pLine[length - 1] == '\r';
+            if (cr)
+                --length;
+            SLine& line = m_lines[count];
+            line.offset = m_block.size();
+            line.length = length;
+            line.cr = cr;
+            m_block.append(m_pLine, length);
+            if (!_parse(m_pLine, length, line, m_problems[count]))
+                line.kind = SLine::eBad;
+            ++count;
         }
-        if (cr)
-            m_out.push_back('\r');
-        m_out.push_back('\n');
+        _convertBlock(count);
+        for (size_t i = 0; i < count; ++i) {
+            const SLine& line = m_lines[i];
+            ++lineNumber;
+            const char* text = m_block.data() + line.offset;
+            if (!_format(text, line.length, line, m_out, m_problems[i])) {
+                ++marked;
+                std::fprintf(err, "kvcart: %s:%ld: %s\n", name, lineNumber, m_problems[i].c_str());
+            }
+            if (line.cr)
+                m_out.push_back('\r');
+            m_out.push_back('\n');
+        }
         if (m_out.size() >= kFlushSize) {
             if (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size())
-                break;
+                failedWrite = true;
             m_out.clear();
         }
     }
@@ -219,7 +313,7 @@ long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
         std::fprintf(err, "kvcart: %s: cannot read: %s\n", name, std::strerror(errno));
         return -1;
     }
-    if (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size() || std::fflush(out) != 0) {
+    if (failedWrite || std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size() || std::fflush(out) != 0) {
         std::fprintf(err, "kvcart: cannot write the output: %s\n", std::strerror(errno));
         m_out.clear();
         return -1;

@@ -43,7 +43,36 @@ public:
     // (the reason is then written to err too).
     long Run(FILE* in, const char* name, FILE* out, FILE* err);
 
+    // Lines converted together by Run, through the converter's batch form.
+    static constexpr size_t kBlockLines = 256;
+
 private:
+    // One input line as read: what it is, its numbers, and where its separators
+    // and trailing text lie (offsets into the line).
+    struct SLine
+    {
+        enum EKind
+        {
+            eCopy,
+            eBad,
+            ePoint
+        } kind = eCopy;
+        double value[3] = {0.0, 0.0, 0.0};
+        bool hasHeight = false;
+        size_t separator[4] = {0, 0, 0, 0}; // begin and end of the separators before y and h
+        size_t tail = 0;
+        size_t offset = 0, length = 0; // the line's place in the block buffer
+        bool cr = false;
+    };
+
+    // Reads the line into parsed; false, with the reason, for a line that
+    // cannot be read (it is then marked).
+    bool _parse(const char* line, size_t length, SLine& parsed, std::string& problem) const;
+    // Writes the output line of a parsed (and converted) line; false for a marked one.
+    bool _format(const char* line, size_t length, const SLine& parsed, std::string& out, std::string& problem) const;
+    // Converts the points among the first count lines of the block.
+    void _convertBlock(size_t count);
+
     const CKvDatumConverter& m_converter;
     bool m_bInverse;
     int m_precisionXY;
@@ -51,7 +80,10 @@ private:
     char* m_pLine = nullptr; // getline's buffer, reused
     size_t m_lineCapacity = 0;
     std::string m_out;       // pending output, flushed in large blocks
-    std::string m_problem;
+    std::string m_block;     // the text of the current block of lines
+    SLine m_lines[kBlockLines];
+    std::string m_problems[kBlockLines];
+    double m_x[kBlockLines], m_y[kBlockLines], m_h[kBlockLines];
 };
 
 #endif
