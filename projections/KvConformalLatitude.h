@@ -1,6 +1,8 @@
 #ifndef KVCART_PROJECTIONS_KVCONFORMALLATITUDE_H
 #define KVCART_PROJECTIONS_KVCONFORMALLATITUDE_H
 
+#include "projections/KvMathKernel.h"
+
 // The conformal latitude chi of a geodetic latitude phi, through their tangents
 // (C. F. F. Karney, "Transverse Mercator with an accuracy of a few nanometers",
 // J. Geodesy 85, 2011, eqs. 7-9 and 19-21):
@@ -15,11 +17,39 @@ public:
     // psi the isometric latitude: the radius function of the conformal conics and
     // azimuthals (IOGP Guidance Note 7-2's t).
     static double T(double phi, double e);
+    // psi = asinh(tan phi) - e atanh(e sin phi) = -ln T(phi, e), the isometric
+    // latitude: away from the poles as atanh(sin phi) - e atanh(e sin phi), one
+    // log1p and a short series; near them, and for eccentricities beyond the
+    // series, as -ln T.
+    static double Isometric(double phi, double e);
     // tan chi from tan phi.
     static double TauPrime(double tau, double e);
     // tan phi from tan chi, by Newton's method on the equation above: the same root
     // that a fixed-point iteration reaches, in two or three steps to full precision.
     static double Tau(double tauPrime, double e);
+
+    // The geodetic latitude from the conformal one in closed form: Karney (2011),
+    // phi = chi + sum_k d_k sin 2k chi to n^6, whose error is about 200 n^7 rad,
+    // below 1.2e-16 rad for n <= SeriesLimit, which covers every terrestrial
+    // ellipsoid. The sum is kept as sin 2chi times a polynomial in cos 2chi
+    // (sin 2k chi = sin 2chi U_{k-1}(cos 2chi), Chebyshev's U), one short
+    // polynomial with no further sine.
+    static constexpr double SeriesLimit = 0.0025;
+    struct SInverse
+    {
+        double e = 0.0;
+        bool series = false; // false: Newton's method on the exact equation
+        double poly[6] = {0, 0, 0, 0, 0, 0};
+    };
+    static SInverse MakeInverse(double e);
+    // phi - chi from sin 2chi and cos 2chi, for an inverse with series (inline, for
+    // the vectorized loops).
+    static KVCART_ALWAYS_INLINE double SeriesCorrection(const SInverse& inverse, double sin2Chi, double cos2Chi)
+    {
+        return sin2Chi * CKvMathKernel::Estrin<6>(cos2Chi, inverse.poly);
+    }
+    // phi in radians from tan chi, by the series or by Tau.
+    static double Latitude(const SInverse& inverse, double tanChi);
 };
 
 #endif

@@ -39,6 +39,8 @@ void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEa
     m_r0 = m_k0 * m_nu0 * m_cotPhi0;
     m_C0 = CKvLambertConic::C(_e(), m_phi0);
     m_T0 = CKvLambertConic::T(m_phi0) * m_C0;
+    m_inverse = CKvConformalLatitude::MakeInverse(_e());
+    m_lnT = std::log(m_T0);
 }
 
 void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -46,11 +48,14 @@ void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double phi = lat * kDeg;
-    const double t = CKvConformalLatitude::T(phi, _e());
-    const double rho = m_r0 * std::pow(t / m_T0, m_n);
+    // t / t1 = exp(-(psi - psi1)), psi the isometric latitude: one exponential
+    // in place of a tangent and two powers.
+    const double rho = m_r0 * std::exp(-m_n * (CKvConformalLatitude::Isometric(phi, _e()) + m_lnT));
     const double theta = m_n * (lon * kDeg - m_lambda0);
-    *x = m_FE + rho * std::sin(theta);
-    *y = m_FN + m_r0 - rho * std::cos(theta);
+    double sinTheta, cosTheta;
+    CKvMathKernel::SinCosAny(theta, sinTheta, cosTheta);
+    *x = m_FE + rho * sinTheta;
+    *y = m_FN + m_r0 - rho * cosTheta;
 }
 
 void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
@@ -62,7 +67,7 @@ void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
     // angles included: kept as the catalogue's engines have always done.
     const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);
     const double Q = std::pow(rho / m_r0, 1.0 / m_n);
-    *lat = CKvLambertConic::InverseLatitude(_e(), m_T0 * Q) / kDeg;
+    *lat = CKvLambertConic::InverseLatitude(m_inverse, m_T0 * Q) / kDeg;
     *lon = (theta / m_n + m_lambda0) / kDeg;
     CKvAngle::GuardInverse(x, y, lon, lat);
 }

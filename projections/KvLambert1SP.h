@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVLAMBERT1SP_H
 
 #include "catalogue/KvLambert1SPProjection.h"
+#include "projections/KvLambertConic.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -30,6 +31,8 @@ private:
     double m_lambda0, m_phi0, m_FE, m_FN;
     double m_nu0, m_n, m_cotPhi0, m_r0, m_k0, m_C0;
     double m_T0; // t(phi0) * C0, the isometric term at the origin
+    double m_lnT; // its logarithm, minus the isometric latitude there
+    CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
 };
 
 #endif

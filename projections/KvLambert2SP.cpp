@@ -43,6 +43,8 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
     m_CF = CKvLambertConic::C(e, m_phiF);
     const double m1 = m_nu1 * std::cos(m_phi1) / a, m2 = m_nu2 * std::cos(m_phi2) / a;
     m_T1 = m_C1 * CKvLambertConic::T(m_phi1);
+    m_inverse = CKvConformalLatitude::MakeInverse(_e());
+    m_lnT = std::log(m_T1);
     const double T2 = m_C2 * CKvLambertConic::T(m_phi2);
     // Equal parallels make the tangent cone.
     m_n = m_phi1 == m_phi2 ? s1 : (std::log(m1) - std::log(m2)) / (std::log(m_T1) - std::log(T2));
@@ -56,11 +58,14 @@ void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double phi = lat * kDeg;
-    const double t = CKvConformalLatitude::T(phi, _e());
-    const double rho = m_K * std::pow(t / m_T1, m_n);
+    // t / t1 = exp(-(psi - psi1)), psi the isometric latitude: one exponential
+    // in place of a tangent and two powers.
+    const double rho = m_K * std::exp(-m_n * (CKvConformalLatitude::Isometric(phi, _e()) + m_lnT));
     const double theta = m_n * (lon * kDeg - m_lambdaF);
-    *x = m_FE + rho * std::sin(theta);
-    *y = m_FN + m_rF - rho * std::cos(theta);
+    double sinTheta, cosTheta;
+    CKvMathKernel::SinCosAny(theta, sinTheta, cosTheta);
+    *x = m_FE + rho * sinTheta;
+    *y = m_FN + m_rF - rho * cosTheta;
 }
 
 void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
@@ -72,7 +77,7 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
     // angles included: kept as the catalogue's engines have always done.
     const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);
     const double Q = std::pow(rho / m_K, 1.0 / m_n); // rho n / (nu1 cos phi1), K folded in at construction
-    *lat = CKvLambertConic::InverseLatitude(_e(), m_T1 * Q) / kDeg;
+    *lat = CKvLambertConic::InverseLatitude(m_inverse, m_T1 * Q) / kDeg;
     *lon = (theta / m_n + m_lambdaF) / kDeg;
     CKvAngle::GuardInverse(x, y, lon, lat);
 }

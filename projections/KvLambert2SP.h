@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVLAMBERT2SP_H
 
 #include "catalogue/KvLambert2SPProjection.h"
+#include "projections/KvLambertConic.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -30,6 +31,8 @@ private:
     double m_phi1, m_phi2, m_lambdaF, m_phiF, m_FE, m_FN;
     double m_nu1, m_nu2, m_n, m_rF, m_CF, m_C1, m_C2, m_K;
     double m_T1; // t(phi1) * C1
+    double m_lnT; // its logarithm, minus the isometric latitude there
+    CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
 };
 
 #endif

@@ -19,12 +19,12 @@ double CKvLambertConic::C(double e, double phi)
     return std::pow((1.0 + s) / (1.0 - s), e / 2.0);
 }
 
-double CKvLambertConic::InverseLatitude(double e, double target)
+double CKvLambertConic::InverseLatitude(const CKvConformalLatitude::SInverse& inverse, double target)
 {
     // t(phi) c(phi) = exp(-psi) with psi the isometric latitude, and sinh psi is the
-    // tangent of the conformal latitude: the latitude is the root of the conformal
-    // latitude equation, found by Newton's method (the same root as the guidance
-    // note's fixed-point iteration, to full precision in fewer steps).
+    // tangent of the conformal latitude; the geodetic latitude follows from it by
+    // Karney's series (or Newton's method on the same equation for figures beyond
+    // the series' reach, the root the guidance note's iteration converges to).
     const double tanChi = (1.0 / target - target) / 2.0; // sinh(-ln target)
-    return std::atan(CKvConformalLatitude::Tau(tanChi, e));
+    return CKvConformalLatitude::Latitude(inverse, tanChi);
 }

@@ -1,6 +1,8 @@
 #ifndef KVCART_PROJECTIONS_KVLAMBERTCONIC_H
 #define KVCART_PROJECTIONS_KVLAMBERTCONIC_H
 
+#include "projections/KvConformalLatitude.h"
+
 // The functions of latitude that both Lambert conformal conic engines use
 // (IOGP Guidance Note 7-2, methods 9801 and 9802).
 class CKvLambertConic
@@ -12,7 +14,7 @@ public:
     // guidance note's t of the ellipsoid.
     static double C(double e, double phi);
     // The latitude whose t(phi) * c(phi) equals target.
-    static double InverseLatitude(double e, double target);
+    static double InverseLatitude(const CKvConformalLatitude::SInverse& inverse, double target);
 };
 
 #endif

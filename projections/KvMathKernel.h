@@ -87,6 +87,19 @@ public:
         versine = vr * first + (1.0 - c) * (1.0 - first);
     }
 
+    // sin x and cos x for any x: the kernel within its range, libm beyond it
+    // (and for NaN and infinities, which give NaN either way).
+    static KVCART_ALWAYS_INLINE void SinCosAny(double x, double& s, double& c)
+    {
+        if (std::fabs(x) <= SinCosLimit) {
+            double versine;
+            SinCos(x, s, c, versine);
+        } else {
+            s = std::sin(x);
+            c = std::cos(x);
+        }
+    }
+
     // sinh x for |x| <= 0.5 by its Taylor series to x^17 (remainder below 1e-20
     // relative).
     static KVCART_ALWAYS_INLINE double SinhSmall(double x)
@@ -141,6 +154,14 @@ public:
         static constexpr double Series[7] = {-1.0 / 3, 1.0 / 5, -1.0 / 7, 1.0 / 9, -1.0 / 11, 1.0 / 13, -1.0 / 15};
         const double t2 = t * t;
         return t + t * t2 * Estrin<7>(t2, Series);
+    }
+    // atanh z for |z| <= 0.1 (to z^21, remainder below 1e-21 relative).
+    static KVCART_ALWAYS_INLINE double AtanhSmall(double z)
+    {
+        static constexpr double Series[10] = {1.0 / 3,  1.0 / 5,  1.0 / 7,  1.0 / 9,  1.0 / 11,
+                                              1.0 / 13, 1.0 / 15, 1.0 / 17, 1.0 / 19, 1.0 / 21};
+        const double z2 = z * z;
+        return z + z * z2 * Estrin<10>(z2, Series);
     }
     static KVCART_ALWAYS_INLINE double AsinhSmall(double x)
     {

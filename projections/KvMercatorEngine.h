@@ -3,6 +3,7 @@
 #define KVCART_PROJECTIONS_KVMERCATORENGINE_H
 
 #include "catalogue/KvFloatCompareRel.h"
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <cmath>
@@ -23,9 +24,10 @@ public:
         if (!CKvAngle::GuardForward(lat, x, y))
             return;
         const double phi = lat * kDeg;
-        const double es = this->_e() * std::sin(phi);
         *x = m_FE + m_ak0 * (lon * kDeg - m_lambda0);
-        *y = m_FN + m_ak0 * std::log(std::tan(kPi / 4 + phi / 2) * std::pow((1.0 - es) / (1.0 + es), this->_e() / 2));
+        // The guidance's ln(tan(pi/4 + phi/2) ((1 - e sin phi) / (1 + e sin phi))^(e/2))
+        // is the isometric latitude.
+        *y = m_FN + m_ak0 * CKvConformalLatitude::Isometric(phi, this->_e());
     }
 
     void Proj2Geo(double x, double y, double* lon, double* lat) const override

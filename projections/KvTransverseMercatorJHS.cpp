@@ -78,24 +78,10 @@ void CKvTransverseMercatorJHS::_init(double k0, double centralMeridian, double o
         m_M0 = m_A1 * (xi0 + CKvTransverseMercatorSeries::SumSin(m_h, xi0));
     }
 
-    // Karney (2011), conformal to geodetic latitude: phi = chi + sum d_k sin 2k chi.
-    const double n = m_n;
-    m_d[0] = n * (2.0 + n * (-2.0 / 3 + n * (-2.0 + n * (116.0 / 45 + n * (26.0 / 45 + n * (-2854.0 / 675))))));
-    m_d[1] = n * n * (7.0 / 3 + n * (-8.0 / 5 + n * (-227.0 / 45 + n * (2704.0 / 315 + n * (2323.0 / 945)))));
-    m_d[2] = n * n * n * (56.0 / 15 + n * (-136.0 / 35 + n * (-1262.0 / 105 + n * (73814.0 / 2835))));
-    m_d[3] = n * n * n * n * (4279.0 / 630 + n * (-332.0 / 35 + n * (-399572.0 / 14175)));
-    m_d[4] = n * n * n * n * n * (4174.0 / 315 + n * (-144838.0 / 6237));
-    m_d[5] = n * n * n * n * n * n * (601676.0 / 22275);
-    // The same as a polynomial in cos 2chi: sin 2k chi = sin 2chi U_{k-1}(cos 2chi).
-    m_dPoly[0] = m_d[0] - m_d[2] + m_d[4];
-    m_dPoly[1] = 2.0 * m_d[1] - 4.0 * m_d[3] + 6.0 * m_d[5];
-    m_dPoly[2] = 4.0 * m_d[2] - 12.0 * m_d[4];
-    m_dPoly[3] = 8.0 * m_d[3] - 32.0 * m_d[5];
-    m_dPoly[4] = 16.0 * m_d[4];
-    m_dPoly[5] = 32.0 * m_d[5];
+    m_inverse = CKvConformalLatitude::MakeInverse(m_e);
     CKvMathKernel::EccentricSinhSeries(m_e, m_sig);
     m_fastForward = m_e >= 0.0 && m_e <= CKvMathKernel::EccentricSinhLimit;
-    m_fastInverse = m_fastForward && std::fabs(n) <= 0.0025;
+    m_fastInverse = m_fastForward && m_inverse.series;
 
     if (GetName()[0] == '\0')
         _setName(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM));
@@ -218,8 +204,8 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
     // is sin 2chi times a polynomial in cos 2chi (Chebyshev's U).
     const double invCosh2 = 1.0 / (1.0 + sh * sh);
     // The two small corrections are summed first, then added to xi'.
-    const double phi = xiP + (dChi + 2.0 * sx * r * invCosh2 *
-                                         CKvMathKernel::Estrin<6>((r - sx) * (r + sx) * invCosh2, m_dPoly));
+    const double phi = xiP + (dChi + CKvConformalLatitude::SeriesCorrection(m_inverse, 2.0 * sx * r * invCosh2,
+                                                                              (r - sx) * (r + sx) * invCosh2));
     lon = (m_lambda0 + dl) * kDegreesPerRadian;
     lat = phi * kDegreesPerRadian;
     return (std::fabs(xi) <= kPi / 2) & (std::fabs(eta) <= 1.0) & (std::fabs(etaP) <= 0.5) & (cx > 0.0) &

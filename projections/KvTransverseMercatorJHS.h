@@ -3,6 +3,7 @@
 
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "projections/KvBatch.h"
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -69,8 +70,7 @@ private:
     double m_h[4];  // forward series
     double m_hp[4]; // inverse series, subtracted
     double m_M0;
-    double m_d[6];     // conformal to geodetic latitude, coefficients of sin 2k chi
-    double m_dPoly[6]; // the same series as sin 2chi times a polynomial in cos 2chi
+    CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
     double m_sig[11];  // sinh(e atanh z) / z as a polynomial in z^2
     bool m_bLocal;
     bool m_fastForward, m_fastInverse;
