@@ -13,9 +13,15 @@ double CKvConformalLatitude::Isometric(double phi, double e)
     if (std::fabs(phi) < 1.5533430342749532 && e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit) { // 89 degrees
         double s, c, versine;
         CKvMathKernel::SinCos(phi, s, c, versine);
-        return 0.5 * std::log1p(2.0 * s / (1.0 - s)) - e * CKvMathKernel::AtanhSmall(e * s);
+        // atanh(sin phi): its series near the equator, where the logarithm's
+        // argument would be close to 1, else 0.5 ln((1 + s) / (1 - s)).
+        const double atanhS =
+            std::fabs(s) < 0.1 ? CKvMathKernel::AtanhSmall(s) : 0.5 * std::log((1.0 + s) / (1.0 - s));
+        return atanhS - e * CKvMathKernel::AtanhSmall(e * s);
     }
-    return -std::log(T(phi, e));
+    // asinh(tan phi) keeps its precision up to the poles, where tan phi of the
+    // rounded right angle is large but finite.
+    return std::asinh(std::tan(phi)) - e * std::atanh(e * std::sin(phi));
 }
 
 double CKvConformalLatitude::TauPrime(double tau, double e)

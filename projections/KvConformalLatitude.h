@@ -19,8 +19,8 @@ public:
     static double T(double phi, double e);
     // psi = asinh(tan phi) - e atanh(e sin phi) = -ln T(phi, e), the isometric
     // latitude: away from the poles as atanh(sin phi) - e atanh(e sin phi), one
-    // log1p and a short series; near them, and for eccentricities beyond the
-    // series, as -ln T.
+    // logarithm (or a series near the equator) and a short series; near them, and for eccentricities beyond the
+    // series, as asinh(tan phi) - e atanh(e sin phi).
     static double Isometric(double phi, double e);
     // tan chi from tan phi.
     static double TauPrime(double tau, double e);

@@ -1,5 +1,7 @@
 #include "projections/KvStereographic.h"
+
 #include "projections/KvAngle.h"
+#include "projections/KvMathKernel.h"
 
 #include "projections/KvConformalLatitude.h"
 
@@ -28,6 +30,12 @@ double CKvStereographic::_psi(double phi) const
     // The isometric latitude, atanh(sin phi) - e atanh(e sin phi), with the first
     // term as asinh(tan phi), which keeps its precision up to the poles.
     return std::asinh(std::tan(phi)) - _e() * std::atanh(_e() * std::sin(phi));
+}
+
+// The same for a point: by the shared fast form away from the poles.
+double CKvStereographic::_psiPoint(double phi) const
+{
+    return CKvConformalLatitude::Isometric(phi, _e());
 }
 
 void CKvStereographic::_init(double k0, double centralMeridian, double originLatitude, double falseEasting,
@@ -59,6 +67,7 @@ void CKvStereographic::_init(double k0, double centralMeridian, double originLat
     if (!std::isfinite(m_halfLnC))
         m_halfLnC = (s0 < 0.0 ? -e : e) * std::atanh(e);
     m_twoRk0 = 2.0 * m_R * m_k0;
+    m_inverse = CKvConformalLatitude::MakeInverse(e);
 }
 
 void CKvStereographic::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -66,13 +75,24 @@ void CKvStereographic::Geo2Proj(double lon, double lat, double* x, double* y) co
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double dLambda = m_n * CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0); // conformal longitude
-    const double t = m_n * _psi(lat * kDeg) + m_halfLnC;
-    // sin chi = tanh t and cos chi = sech t: exact to the poles, where cos chi is tiny.
-    const double sinChi = std::tanh(t);
-    const double cosChi = 1.0 / std::cosh(t);
-    const double cosDl = std::cos(dLambda);
+    const double t = m_n * _psiPoint(lat * kDeg) + m_halfLnC;
+    // sin chi = tanh t and cos chi = sech t, from sinh t and cosh t: by the series
+    // of sinh for small t (no cancellation near the equator), else from exp(t).
+    double sinhT, coshT;
+    if (std::fabs(t) < 0.5) {
+        sinhT = CKvMathKernel::SinhSmall(t);
+        coshT = std::sqrt(1.0 + sinhT * sinhT);
+    } else {
+        const double E = std::exp(t);
+        sinhT = (E - 1.0 / E) / 2.0;
+        coshT = (E + 1.0 / E) / 2.0;
+    }
+    const double sinChi = std::isfinite(coshT) ? sinhT / coshT : (t > 0.0 ? 1.0 : -1.0);
+    const double cosChi = 1.0 / coshT;
+    double sinDl, cosDl;
+    CKvMathKernel::SinCosAny(dLambda, sinDl, cosDl);
     const double B = 1.0 + sinChi * m_sinChi0 + cosChi * m_cosChi0 * cosDl;
-    *x = m_FE + m_twoRk0 * cosChi * std::sin(dLambda) / B;
+    *x = m_FE + m_twoRk0 * cosChi * sinDl / B;
     *y = m_FN + m_twoRk0 * (sinChi * m_cosChi0 - cosChi * m_sinChi0 * cosDl) / B;
 }
 
@@ -92,8 +112,9 @@ void CKvStereographic::Proj2Geo(double x, double y, double* lon, double* lat) co
     // Back through the conformal sphere: its isometric latitude asinh(tan chi), then
     // the ellipsoid's, whose sinh is the tangent of the conformal latitude; the
     // geodetic latitude by Newton's method.
-    const double psi = (std::asinh(pz / std::hypot(px, py)) - m_halfLnC) / m_n;
-    *lat = std::atan(CKvConformalLatitude::Tau(std::sinh(psi), _e())) / kDeg;
+    // |p| = 1, so hypot's overflow guard is not needed.
+    const double psi = (std::asinh(pz / std::sqrt(px * px + py * py)) - m_halfLnC) / m_n;
+    *lat = CKvConformalLatitude::Latitude(m_inverse, std::sinh(psi)) / kDeg;
     *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + std::atan2(py, px) / m_n) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }

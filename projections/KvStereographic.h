@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVSTEREOGRAPHIC_H
 
 #include "catalogue/KvStereographicProjection.h"
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -27,10 +28,12 @@ public:
 private:
     void _init(double k0, double centralMeridian, double originLatitude, double falseEasting, double falseNorthing);
     double _psi(double phi) const; // the isometric latitude
+    double _psiPoint(double phi) const; // the same, by the shared fast form
 
     double m_k0, m_lambda0, m_phi0, m_FE, m_FN;
     double m_R, m_n, m_halfLnC, m_chi0, m_sinChi0, m_cosChi0;
     double m_twoRk0;
+    CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
 };
 
 #endif
