@@ -4,11 +4,9 @@
 #include <cstddef>
 
 // The vectorized block loops are compiled once per instruction set and the
-// loader picks the widest that the processor has (GCC's function clones); with
-// glibc's vector maths each clone calls the libmvec functions of its own width.
+// loader picks the widest that the processor has (GCC's function clones).
 #if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__)
-#define KVCART_VECTOR_CLONES __attribute__((target_clones("default", "avx2", "avx512f")))
-#define KVCART_VECTOR_MATH 1
+#define KVCART_VECTOR_CLONES __attribute__((target_clones("default", "avx2", "arch=x86-64-v4")))
 #else
 #define KVCART_VECTOR_CLONES
 #endif

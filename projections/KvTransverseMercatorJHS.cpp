@@ -9,22 +9,6 @@
 
 #include <cmath>
 
-#ifdef KVCART_VECTOR_MATH
-// glibc's vector variants (libmvec) of the functions the fast paths call, so that
-// the block loops below vectorize. They are within a few ulps of the scalar
-// functions, and the fast paths only apply them to small corrections or to
-// angles whose few-ulp error stays below the stated agreement.
-extern "C" {
-#pragma omp declare simd notinbranch
-double atan2(double, double) noexcept;
-#pragma omp declare simd notinbranch
-double asinh(double) noexcept;
-#pragma omp declare simd notinbranch
-double asin(double) noexcept;
-#pragma omp declare simd notinbranch
-double exp(double) noexcept;
-}
-#endif
 
 namespace {
 constexpr double kPi = 3.141592653589793;
@@ -137,16 +121,19 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
     const double num = cphi * (sphi * (q1m1 + vdl) - sig);
     const double den = cc * cphi + tanChiCos * sphi;
     const double sinhEta = sdl * cphi * inv, coshEta = std::sqrt(cphi * cphi + tanChiCos * tanChiCos) * inv;
+    // Small angles by their series; beyond the series' reach the scalar form calls
+    // libm and the vector form hands the point to the scalar one, so that both
+    // give the same bits.
+    const double t = num / den;
+    const bool seriesXi = (den > 0.0) & (std::fabs(t) <= CKvMathKernel::AtanSmallLimit);
+    const bool seriesEta = std::fabs(sinhEta) <= CKvMathKernel::AsinSmallLimit;
     double xiP, etaP;
     if constexpr (Vector) {
-        xiP = phi + std::atan2(num, den);
-        etaP = std::asinh(sinhEta);
+        xiP = phi + CKvMathKernel::AtanSmall(t);
+        etaP = CKvMathKernel::AsinhSmall(sinhEta);
     } else {
-        const double t = num / den;
-        xiP = phi + (den > 0.0 && std::fabs(t) <= CKvMathKernel::AtanSmallLimit ? CKvMathKernel::AtanSmall(t)
-                                                                                : std::atan2(num, den));
-        etaP = std::fabs(sinhEta) <= CKvMathKernel::AsinSmallLimit ? CKvMathKernel::AsinhSmall(sinhEta)
-                                                                    : std::asinh(sinhEta);
+        xiP = phi + (seriesXi ? CKvMathKernel::AtanSmall(t) : std::atan2(num, den));
+        etaP = seriesEta ? CKvMathKernel::AsinhSmall(sinhEta) : std::asinh(sinhEta);
     }
     const double sinXi = tanChiCos * inv, cosXi = cc * inv;
     double xi, eta;
@@ -154,7 +141,8 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
                                        2.0 * sinhEta * coshEta, coshEta * coshEta + sinhEta * sinhEta, 1.0, xi, eta);
     x = m_FE + m_k0 * m_A1 * eta;
     y = m_FN + m_k0 * (m_A1 * xi - m_M0);
-    return (std::fabs(lat) <= 90.0) & (std::fabs(dLambda) <= kPi / 2);
+    const bool inside = (std::fabs(lat) <= 90.0) & (std::fabs(dLambda) <= kPi / 2);
+    return Vector ? inside & seriesXi & seriesEta : inside;
 }
 
 // The inverse: Krueger's series back to (xi', eta'), then chi = xi' plus the
@@ -167,13 +155,14 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
     const double eta = (x - m_FE) / (m_k0 * m_A1);
     const double xi = (y - m_FN + m_k0 * m_M0) / (m_k0 * m_A1);
     double sh2, ch2; // sinh 2eta, cosh 2eta
-    if (Vector || !(std::fabs(eta) <= 0.25)) {
+    const bool seriesEta = std::fabs(eta) <= 0.25;
+    if (Vector || seriesEta) {
+        sh2 = CKvMathKernel::SinhSmall(2.0 * eta);
+        ch2 = std::sqrt(1.0 + sh2 * sh2);
+    } else {
         const double E = std::exp(2.0 * eta);
         sh2 = (E - 1.0 / E) / 2.0;
         ch2 = (E + 1.0 / E) / 2.0;
-    } else {
-        sh2 = CKvMathKernel::SinhSmall(2.0 * eta);
-        ch2 = std::sqrt(1.0 + sh2 * sh2);
     }
     // One sine and cosine of xi serve Krueger's series (through the double angle)
     // and, turned by the series' small correction d = xi' - xi, the angle xi'.
@@ -190,14 +179,15 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
     const double r = std::sqrt(sh * sh + cx * cx);
     const double num = -sx * sh * sh, den = (cx + r) * (r * cx + sx * sx);
     double dChi, dl; // chi - xi' and the longitude from the central meridian
+    const double t = num / den, z = sh / r;
+    const bool seriesChi = (den > 0.0) & (std::fabs(t) <= CKvMathKernel::AtanSmallLimit);
+    const bool seriesLambda = std::fabs(z) <= CKvMathKernel::AsinSmallLimit;
     if constexpr (Vector) {
-        dChi = std::atan2(num, den);
-        dl = std::asin(sh / r);
+        dChi = CKvMathKernel::AtanSmall(t);
+        dl = CKvMathKernel::AsinSmall(z);
     } else {
-        const double t = num / den, z = sh / r;
-        dChi = den > 0.0 && std::fabs(t) <= CKvMathKernel::AtanSmallLimit ? CKvMathKernel::AtanSmall(t)
-                                                                         : std::atan2(num, den);
-        dl = std::fabs(z) <= CKvMathKernel::AsinSmallLimit ? CKvMathKernel::AsinSmall(z) : std::asin(z);
+        dChi = seriesChi ? CKvMathKernel::AtanSmall(t) : std::atan2(num, den);
+        dl = seriesLambda ? CKvMathKernel::AsinSmall(z) : std::asin(z);
     }
     // sin chi = sin xi' / cosh eta' and cos chi = r / cosh eta', so the double angle
     // needs only 1 / cosh^2 eta' = 1 / (1 + sinh^2 eta'); the series in sin 2k chi
@@ -208,8 +198,9 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
                                                                               (r - sx) * (r + sx) * invCosh2));
     lon = (m_lambda0 + dl) * kDegreesPerRadian;
     lat = phi * kDegreesPerRadian;
-    return (std::fabs(xi) <= kPi / 2) & (std::fabs(eta) <= 1.0) & (std::fabs(etaP) <= 0.5) & (cx > 0.0) &
-           (std::fabs(d) <= 0.01);
+    const bool inside =
+        (std::fabs(xi) <= kPi / 2) & (std::fabs(eta) <= 1.0) & (std::fabs(etaP) <= 0.5) & (cx > 0.0) & (std::fabs(d) <= 0.01);
+    return Vector ? inside & seriesEta & seriesChi & seriesLambda : inside;
 }
 
 void CKvTransverseMercatorJHS::_forwardBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
@@ -241,7 +232,7 @@ void CKvTransverseMercatorJHS::Geo2Proj(std::size_t n, const double* lon, std::s
         [this](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
             _forwardBlock(*this, count, a, b, u, v, ok);
         },
-        [this](double a, double b, double* u, double* v) { _forwardGeneral(a, b, u, v); });
+        [this](double a, double b, double* u, double* v) { CKvTransverseMercatorJHS::Geo2Proj(a, b, u, v); });
 }
 
 void CKvTransverseMercatorJHS::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
@@ -257,7 +248,7 @@ void CKvTransverseMercatorJHS::Proj2Geo(std::size_t n, const double* x, std::siz
         [this](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
             _inverseBlock(*this, count, a, b, u, v, ok);
         },
-        [this](double a, double b, double* u, double* v) { _inverseGeneral(a, b, u, v); });
+        [this](double a, double b, double* u, double* v) { CKvTransverseMercatorJHS::Proj2Geo(a, b, u, v); });
 }
 
 void CKvTransverseMercatorJHS::_forwardGeneral(double lon, double lat, double* x, double* y) const
