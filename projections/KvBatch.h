@@ -4,11 +4,23 @@
 #include <cstddef>
 
 // The vectorized block loops are compiled once per instruction set and the
-// loader picks the widest that the processor has (GCC's function clones).
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__)
+// loader picks the widest that the processor has (GCC's function clones). Not
+// under ThreadSanitizer, whose runtime is not yet up when the loader runs the
+// clones' resolvers.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__GLIBC__) && \
+    !defined(__SANITIZE_THREAD__)
 #define KVCART_VECTOR_CLONES __attribute__((target_clones("default", "avx2", "arch=x86-64-v4")))
 #else
 #define KVCART_VECTOR_CLONES
+#endif
+
+// The loop that follows is to be vectorized (OpenMP's simd directive, which
+// needs no OpenMP runtime). GCC only: the loops are written for its
+// if-conversion, and other compilers leave them scalar, same results.
+#if defined(__GNUC__) && !defined(__clang__)
+#define KVCART_SIMD_LOOP _Pragma("omp simd")
+#else
+#define KVCART_SIMD_LOOP
 #endif
 
 // Strided arrays as PROJ's proj_trans_generic takes them: a base pointer and a

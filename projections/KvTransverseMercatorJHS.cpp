@@ -206,7 +206,7 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
 void CKvTransverseMercatorJHS::_forwardBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
                                              const double* lon, const double* lat, double* x, double* y, bool* ok)
 {
-#pragma omp simd
+    KVCART_SIMD_LOOP
     for (std::size_t i = 0; i < count; ++i)
         ok[i] = engine._forwardFast<true>(lon[i], lat[i], x[i], y[i]);
 }
@@ -214,7 +214,7 @@ void CKvTransverseMercatorJHS::_forwardBlock(const CKvTransverseMercatorJHS& eng
 void CKvTransverseMercatorJHS::_inverseBlock(const CKvTransverseMercatorJHS& engine, std::size_t count,
                                              const double* x, const double* y, double* lon, double* lat, bool* ok)
 {
-#pragma omp simd
+    KVCART_SIMD_LOOP
     for (std::size_t i = 0; i < count; ++i)
         ok[i] = engine._inverseFast<true>(x[i], y[i], lon[i], lat[i]);
 }

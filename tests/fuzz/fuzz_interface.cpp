@@ -55,6 +55,12 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
     return 0;
 }
 
+// Equal, or NaN in both.
+static bool SameBits(double a, double b)
+{
+    return a == b || (a != a && b != b);
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     const std::string bytes(reinterpret_cast<const char*>(data), size);
@@ -118,6 +124,25 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         C_KVMP_GEO2PROJ(system, values[0], values[1], &x, &y);
         C_KVMP_PROJ2GEO(system, values[2], values[3], &lon, &lat);
         C_KVMP_GETCONVERGENCE(system, values[0], values[1]);
+        // The batch forms, in place, give the single calls' results for the same values.
+        for (int inverse = 0; inverse < 2; ++inverse) {
+            double bx[3] = {values[0], values[2], values[4]}, by[3] = {values[1], values[3], values[5]};
+            double sx[3], sy[3];
+            for (int i = 0; i < 3; ++i) {
+                sx[i] = bx[i]; // in place: what a single call leaves untouched stays the input
+                sy[i] = by[i];
+                if (inverse == 0)
+                    C_KVMP_GEO2PROJ(system, bx[i], by[i], &sx[i], &sy[i]);
+                else
+                    C_KVMP_PROJ2GEO(system, bx[i], by[i], &sx[i], &sy[i]);
+            }
+            if (inverse == 0)
+                C_KVMP_GEO2PROJ_N(system, 3, bx, by, bx, by);
+            else
+                C_KVMP_PROJ2GEO_N(system, 3, bx, by, bx, by);
+            for (int i = 0; i < 3; ++i)
+                Check(SameBits(bx[i], sx[i]) && SameBits(by[i], sy[i]), "batch equals single calls");
+        }
         C_KVMP_GEO2XYZ(system, values[0], values[1], values[4], &x, &y, &z);
         C_KVMP_XYZ2GEO(system, values[2], values[3], values[4], &lon, &lat, &h);
         C_KVMP_GETORIGIN(system, &x, &y);

@@ -38,6 +38,16 @@ std::vector<double> Work(int rounds)
                 C_KVMP_PROJ2GEO(system, x, y, &lon, &lat);
                 out.insert(out.end(), {x, y, lon, lat, C_KVMP_GETCONVERGENCE(system, 5.0 + 0.1 * i, 50.0)});
             }
+            // The same points through the batch functions, in place.
+            double bx[50], by[50];
+            for (int i = 0; i < 50; ++i) {
+                bx[i] = 5.0 + 0.1 * i;
+                by[i] = 48.0 + 0.07 * i;
+            }
+            C_KVMP_GEO2PROJ_N(system, 50, bx, by, bx, by);
+            out.insert(out.end(), bx, bx + 50);
+            C_KVMP_PROJ2GEO_N(system, 50, bx, by, bx, by);
+            out.insert(out.end(), by, by + 50);
             C_KVMP_DESTROY(&system, &status);
         }
         KVC_HANDLE grid = nullptr;
@@ -53,6 +63,15 @@ std::vector<double> Work(int rounds)
             C_KVDC_CONVERTXYH(converter, &lon, &lat, &h);
             out.insert(out.end(), {lon, lat, h});
         }
+        double lons[50], lats[50], hs[50];
+        for (int i = 0; i < 50; ++i) {
+            lons[i] = 8.0 + 0.05 * i;
+            lats[i] = 49.0 + 0.05 * i;
+            hs[i] = 10.0 * i;
+        }
+        C_KVDC_CONVERTXYH_N(converter, 50, lons, lats, hs);
+        out.insert(out.end(), lons, lons + 50);
+        out.insert(out.end(), hs, hs + 50);
         C_KVC_DESTROY(&grid, &status);
         C_KVDC_DESTROY(&converter, &status);
     }
