@@ -6,14 +6,6 @@
 #include <strings.h>
 #include <utility>
 
-namespace {
-
-bool IsVertical(CKvProjectionInfo::CAxis::EType type)
-{
-    return type == CKvProjectionInfo::CAxis::eNorth || type == CKvProjectionInfo::CAxis::eSouth;
-}
-
-} // namespace
 
 CKvProjectionInfo::CAxis::CAxis() : m_type(eEast), m_sign(1.0), m_name{}
 {
@@ -127,23 +119,8 @@ void CKvProjectionInfo::GetAxisTypes(CAxis::EType& first, CAxis::EType& second) 
     second = m_secondAxis.GetType();
 }
 
-void CKvProjectionInfo::Convert(double& x, double& y) const
-{
-    x *= m_firstAxis.GetSign();
-    y *= m_secondAxis.GetSign();
-    if (IsVertical(m_firstAxis.GetType()))
-        std::swap(x, y);
-}
-
 bool CKvProjectionInfo::KeepsEngineAxes() const
 {
-    return m_firstAxis.GetSign() == 1.0 && m_secondAxis.GetSign() == 1.0 && !IsVertical(m_firstAxis.GetType());
+    return m_firstAxis.GetSign() == 1.0 && m_secondAxis.GetSign() == 1.0 && !_firstIsVertical();
 }
 
-void CKvProjectionInfo::InvConvert(double& x, double& y) const
-{
-    if (IsVertical(m_firstAxis.GetType()))
-        std::swap(x, y);
-    x *= m_firstAxis.GetSign();
-    y *= m_secondAxis.GetSign();
-}

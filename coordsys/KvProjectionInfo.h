@@ -3,6 +3,8 @@
 
 #include "geodesy/KvDatumShift.h"
 
+#include <utility>
+
 class CKvPRJParser;
 
 // What a coordinate-system string says besides its projection: the linear and
@@ -68,13 +70,30 @@ public:
     void GetAxisTypes(CAxis::EType& first, CAxis::EType& second) const;
     // Engine output to the caller's axes, and back. Only the first axis decides
     // whether the two coordinates change places.
-    void Convert(double& x, double& y) const;
-    void InvConvert(double& x, double& y) const;
+    // Inline: they run once per transformed point.
+    void Convert(double& x, double& y) const
+    {
+        x *= m_firstAxis.GetSign();
+        y *= m_secondAxis.GetSign();
+        if (_firstIsVertical())
+            std::swap(x, y);
+    }
+    void InvConvert(double& x, double& y) const
+    {
+        if (_firstIsVertical())
+            std::swap(x, y);
+        x *= m_firstAxis.GetSign();
+        y *= m_secondAxis.GetSign();
+    }
     // True when Convert and InvConvert change nothing (easting, northing, both positive).
     bool KeepsEngineAxes() const;
 
 protected:
     void _copy(const CKvProjectionInfo& other);
+    bool _firstIsVertical() const
+    {
+        return m_firstAxis.GetType() == CAxis::eNorth || m_firstAxis.GetType() == CAxis::eSouth;
+    }
 
 private:
     double m_projUnit;

@@ -63,6 +63,7 @@ void CKvTransverseMercatorJHS::_init(double k0, double centralMeridian, double o
     }
 
     m_inverse = CKvConformalLatitude::MakeInverse(m_e);
+    m_invScale = 1.0 / (m_k0 * m_A1);
     CKvMathKernel::EccentricSinhSeries(m_e, m_sig);
     m_fastForward = m_e >= 0.0 && m_e <= CKvMathKernel::EccentricSinhLimit;
     m_fastInverse = m_fastForward && m_inverse.series;
@@ -152,8 +153,8 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
 template <bool Vector>
 KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, double y, double& lon, double& lat) const
 {
-    const double eta = (x - m_FE) / (m_k0 * m_A1);
-    const double xi = (y - m_FN + m_k0 * m_M0) / (m_k0 * m_A1);
+    const double eta = (x - m_FE) * m_invScale;
+    const double xi = (y - m_FN + m_k0 * m_M0) * m_invScale;
     double sh2, ch2; // sinh 2eta, cosh 2eta
     const bool seriesEta = std::fabs(eta) <= 0.25;
     if (Vector || seriesEta) {

@@ -71,6 +71,7 @@ private:
     double m_h[4];  // forward series
     double m_hp[4]; // inverse series, subtracted
     double m_M0;
+    double m_invScale; // 1 / (k0 A1): the fast inverse multiplies
     CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
     double m_sig[11];  // sinh(e atanh z) / z as a polynomial in z^2
     bool m_bLocal;
