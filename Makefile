@@ -43,10 +43,14 @@ test-tsan: deps
 	mkdir -p $(TSAN_BUILD)/user
 	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(TSAN_BUILD)/thread_transforms data/ $(TSAN_BUILD)/user/ 4 3
 
+# Three runs of each benchmark, reported by their mean, median and spread, then
+# the ratios (from the medians) against PROJ, the per-point path and the
+# vector-maths reference. BENCH_ARGS passes Google Benchmark options, such as
+# BENCH_ARGS=--benchmark_filter=Interface.
 bench: deps
 	$(CMAKE) -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DKVCART_BENCH=ON -DKVCART_TESTS=OFF
 	$(CMAKE) --build $(BENCH_BUILD) -j $(JOBS)
-	$(BENCH_BUILD)/bench/kvcart_bench
+	$(BENCH_BUILD)/bench/kvcart_bench --benchmark_repetitions=3 --benchmark_report_aggregates_only=true $(BENCH_ARGS)
 
 # libFuzzer under ASan and UBSan (clang): any crash, hang (10 s), leak or sanitizer
 # report fails. New inputs go to a scratch corpus; the committed seeds stay as they are.
