@@ -53,11 +53,13 @@ public:
                 Print(base + "/C_KVMP_GEO2PROJ_N", base + "/proj_trans_generic-forward");
                 Print(base + "/C_KVMP_GEO2PROJ_N", name);
                 Print(base + "/C_KVMP_GEO2PROJ_N", base + "/limit-forward-vector-maths");
+                Print(base + "/C_KVMP_GEO2PROJ_N", base + "/limit-forward-libm");
             } else if (leaf == "C_KVMP_PROJ2GEO") {
                 Print(name, base + "/proj_trans-inverse");
                 Print(base + "/C_KVMP_PROJ2GEO_N", base + "/proj_trans_generic-inverse");
                 Print(base + "/C_KVMP_PROJ2GEO_N", name);
                 Print(base + "/C_KVMP_PROJ2GEO_N", base + "/limit-inverse-vector-maths");
+                Print(base + "/C_KVMP_PROJ2GEO_N", base + "/limit-inverse-libm");
             }
         }
     }

@@ -112,7 +112,7 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
     // s = sinh(e atanh(e sin phi)) as one odd series in e sin phi, and
     // sqrt(1 + s^2) - 1 by its own: no division and no square root on the way.
     const double z = m_e * sphi;
-    const double sig = z * CKvMathKernel::Estrin<11>(z * z, m_sig);
+    const double sig = z * CKvMathKernel::Estrin<CKvMathKernel::EccentricSinhTerms>(z * z, m_sig);
     const double sig2 = sig * sig;
     const double q1m1 = sig2 * CKvMathKernel::Estrin<5>(sig2, kSqrtOnePlusMinusOne);
     const double tanChiCos = (1.0 + q1m1) * sphi - sig; // tan chi cos phi

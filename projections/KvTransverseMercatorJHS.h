@@ -73,7 +73,7 @@ private:
     double m_M0;
     double m_invScale; // 1 / (k0 A1): the fast inverse multiplies
     CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
-    double m_sig[11];  // sinh(e atanh z) / z as a polynomial in z^2
+    double m_sig[CKvMathKernel::EccentricSinhTerms]; // sinh(e atanh z) / z as a polynomial in z^2
     bool m_bLocal;
     bool m_fastForward, m_fastInverse;
 };

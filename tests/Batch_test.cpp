@@ -353,10 +353,10 @@ TEST(Batch, MathKernelsAgainstLibm)
     for (double x = -0.5; x <= 0.5; x += 0.001)
         ASSERT_NEAR(CKvMathKernel::SinhSmall(x), std::sinh(x), 2.3e-16 * std::fmax(1.0, std::fabs(std::sinh(x))));
     for (double e : {0.0818191908426215, 0.1, 0.0}) {
-        double c[11];
+        double c[CKvMathKernel::EccentricSinhTerms];
         CKvMathKernel::EccentricSinhSeries(e, c);
         for (double z = -e; z <= e; z += e / 200 + 1e-3)
-            ASSERT_NEAR(z * CKvMathKernel::Estrin<11>(z * z, c), std::sinh(e * std::atanh(z)),
+            ASSERT_NEAR(z * CKvMathKernel::Estrin<CKvMathKernel::EccentricSinhTerms>(z * z, c), std::sinh(e * std::atanh(z)),
                         4.5e-16 * std::fabs(z) * e) << e << " " << z;
     }
     // The small-argument series of the scalar path.
