@@ -15,7 +15,7 @@ double M(double e2, double phi)
 CKvAlbersEqualAreaEllipsoid::CKvAlbersEqualAreaEllipsoid(double phi1, double phi2, double lambda0, double phi0,
                                                          double falseEasting, double falseNorthing,
                                                          const CKvEllipsoid& ellipsoid)
-    : CKvConicVariant(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid),
+    : CKvConicVariantT(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid),
       m_e(ellipsoid.GetEccentricity()), m_e2(m_e * m_e)
 {
     const double m1 = M(m_e2, m_phi1), m2 = M(m_e2, m_phi2);

@@ -6,8 +6,10 @@
 // Albers conic equal-area on the ellipsoid (IOGP Guidance Note 7-2, method 9822;
 // Snyder, eqs. 14-9 to 14-21). The inverse goes through the authalic latitude and
 // its series to geodetic latitude.
-class CKvAlbersEqualAreaEllipsoid : public CKvConicVariant
+class CKvAlbersEqualAreaEllipsoid final : public CKvConicVariantT<CKvAlbersEqualAreaEllipsoid>
 {
+    friend class CKvConicVariantT<CKvAlbersEqualAreaEllipsoid>;
+
 public:
     CKvAlbersEqualAreaEllipsoid(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                                 double falseNorthing, const CKvEllipsoid& ellipsoid);

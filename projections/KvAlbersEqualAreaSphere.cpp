@@ -5,7 +5,7 @@
 CKvAlbersEqualAreaSphere::CKvAlbersEqualAreaSphere(double phi1, double phi2, double lambda0, double phi0,
                                                    double falseEasting, double falseNorthing,
                                                    const CKvEllipsoid& ellipsoid)
-    : CKvConicVariant(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
+    : CKvConicVariantT(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
 {
     const double n = (std::sin(m_phi1) + std::sin(m_phi2)) / 2.0;
     m_C = std::cos(m_phi1) * std::cos(m_phi1) + 2.0 * n * std::sin(m_phi1);

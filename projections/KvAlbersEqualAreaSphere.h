@@ -4,8 +4,10 @@
 #include "projections/KvConicVariant.h"
 
 // Albers conic equal-area on the sphere (Snyder, eqs. 14-1 to 14-8).
-class CKvAlbersEqualAreaSphere : public CKvConicVariant
+class CKvAlbersEqualAreaSphere final : public CKvConicVariantT<CKvAlbersEqualAreaSphere>
 {
+    friend class CKvConicVariantT<CKvAlbersEqualAreaSphere>;
+
 public:
     CKvAlbersEqualAreaSphere(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                              double falseNorthing, const CKvEllipsoid& ellipsoid);

@@ -11,7 +11,7 @@ constexpr double kDeg = 3.141592653589793 / 180.0;
 
 CKvCassiniSoldnerEllipsoid::CKvCassiniSoldnerEllipsoid(double lambda0, double phi0, double falseEasting,
                                                        double falseNorthing, const CKvEllipsoid& ellipsoid)
-    : CKvPointVariant(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
+    : CKvVariantLoops(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
 {
     CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eCassiniSoldner, true, m_e2, m_M);
     CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eCassiniSoldner, false, m_e2, m_F);

@@ -6,9 +6,11 @@
 // Cassini-Soldner on the ellipsoid (IOGP Guidance Note 7-2, method 9806): series
 // in the longitude difference around the central meridian, with the meridian
 // distance and footpoint latitude series of ComputeFourierCoefficients.
-class CKvCassiniSoldnerEllipsoid : public CKvPointVariant
+class CKvCassiniSoldnerEllipsoid final : public CKvVariantLoops<CKvCassiniSoldnerEllipsoid, CKvPointVariant>
 {
 public:
+    using CKvProjInterface::Geo2Proj;
+    using CKvProjInterface::Proj2Geo;
     CKvCassiniSoldnerEllipsoid(double lambda0, double phi0, double falseEasting, double falseNorthing,
                                const CKvEllipsoid& ellipsoid);
     CKvVariant* Clone() const override { return new CKvCassiniSoldnerEllipsoid(*this); }

@@ -9,7 +9,7 @@ constexpr double kDeg = 3.141592653589793 / 180.0;
 
 CKvCassiniSoldnerSphere::CKvCassiniSoldnerSphere(double lambda0, double phi0, double falseEasting, double falseNorthing,
                                                  const CKvEllipsoid& ellipsoid)
-    : CKvPointVariant(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
+    : CKvVariantLoops(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
 {
 }
 

@@ -4,9 +4,11 @@
 #include "projections/KvPointVariant.h"
 
 // Cassini-Soldner on the sphere (Snyder, eqs. 13-1, 13-2, 13-6, 13-7).
-class CKvCassiniSoldnerSphere : public CKvPointVariant
+class CKvCassiniSoldnerSphere final : public CKvVariantLoops<CKvCassiniSoldnerSphere, CKvPointVariant>
 {
 public:
+    using CKvProjInterface::Geo2Proj;
+    using CKvProjInterface::Proj2Geo;
     CKvCassiniSoldnerSphere(double lambda0, double phi0, double falseEasting, double falseNorthing,
                             const CKvEllipsoid& ellipsoid);
     CKvVariant* Clone() const override { return new CKvCassiniSoldnerSphere(*this); }

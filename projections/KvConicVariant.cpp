@@ -16,29 +16,6 @@ CKvConicVariant::CKvConicVariant(double phi1, double phi2, double lambda0, doubl
 {
 }
 
-void CKvConicVariant::Geo2Proj(double lon, double lat, double* x, double* y) const
-{
-    if (!CKvAngle::GuardForward(lat, x, y))
-        return;
-    const double rho = _rho(lat * kDeg);
-    const double theta = m_n * (lon * kDeg - m_lambda0);
-    *x = m_FE + rho * std::sin(theta);
-    *y = m_FN + m_rho0 - rho * std::cos(theta);
-}
-
-void CKvConicVariant::Proj2Geo(double x, double y, double* lon, double* lat) const
-{
-    // On a cone opening southwards (n < 0) the polar coordinates turn round.
-    const double X = m_n >= 0.0 ? x - m_FE : m_FE - x;
-    const double Y = m_n >= 0.0 ? m_rho0 - (y - m_FN) : (y - m_FN) - m_rho0;
-    const double theta = std::atan2(X, Y);
-    double rho = std::sqrt(X * X + Y * Y);
-    if (m_n < 0.0 && _signedRho())
-        rho = -rho;
-    *lon = (m_lambda0 + theta / m_n) / kDeg;
-    *lat = _latitude(rho) / kDeg;
-}
-
 void CKvConicVariant::GetOrigin(double* x, double* y) const
 {
     *x = m_lambda0 / kDeg;

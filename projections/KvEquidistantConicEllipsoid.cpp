@@ -7,7 +7,7 @@
 CKvEquidistantConicEllipsoid::CKvEquidistantConicEllipsoid(double phi1, double phi2, double lambda0, double phi0,
                                                            double falseEasting, double falseNorthing,
                                                            const CKvEllipsoid& ellipsoid)
-    : CKvConicVariant(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid),
+    : CKvConicVariantT(phi1, phi2, lambda0, phi0, falseEasting, falseNorthing, ellipsoid),
       m_e2(ellipsoid.GetEccentricity() * ellipsoid.GetEccentricity())
 {
     CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eEquidistantConic, true, m_e2, m_M);

@@ -5,8 +5,10 @@
 
 // Equidistant conic on the ellipsoid (Snyder, eqs. 16-5 to 16-11): the radius
 // grows with the meridian distance, inverted through the rectifying latitude.
-class CKvEquidistantConicEllipsoid : public CKvConicVariant
+class CKvEquidistantConicEllipsoid final : public CKvConicVariantT<CKvEquidistantConicEllipsoid>
 {
+    friend class CKvConicVariantT<CKvEquidistantConicEllipsoid>;
+
 public:
     CKvEquidistantConicEllipsoid(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                                  double falseNorthing, const CKvEllipsoid& ellipsoid);

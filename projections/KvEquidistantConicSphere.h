@@ -4,8 +4,10 @@
 #include "projections/KvConicVariant.h"
 
 // Equidistant conic on the sphere (Snyder, eqs. 16-1 to 16-4).
-class CKvEquidistantConicSphere : public CKvConicVariant
+class CKvEquidistantConicSphere final : public CKvConicVariantT<CKvEquidistantConicSphere>
 {
+    friend class CKvConicVariantT<CKvEquidistantConicSphere>;
+
 public:
     CKvEquidistantConicSphere(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                               double falseNorthing, const CKvEllipsoid& ellipsoid);

@@ -13,7 +13,7 @@ constexpr double kDeg = 3.141592653589793 / 180.0;
 CKvLambertAzimuthalEqualAreaEllipsoid::CKvLambertAzimuthalEqualAreaEllipsoid(double lambda0, double phi0,
                                                                              double falseEasting, double falseNorthing,
                                                                              const CKvEllipsoid& ellipsoid)
-    : CKvPointVariant(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
+    : CKvVariantLoops(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
 {
     m_pole = CKvFloatCompareRel::Close(phi0, 90.0) ? 1 : (CKvFloatCompareRel::Close(phi0, -90.0) ? -1 : 0);
     m_qP = _q(3.141592653589793 / 2);

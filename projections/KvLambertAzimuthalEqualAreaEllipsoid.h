@@ -6,9 +6,11 @@
 // Lambert azimuthal equal-area on the ellipsoid (IOGP Guidance Note 7-2, method
 // 9820), oblique and polar aspects, through the authalic latitude; the inverse
 // returns from it with the series of ComputeFourierCoefficients.
-class CKvLambertAzimuthalEqualAreaEllipsoid : public CKvPointVariant
+class CKvLambertAzimuthalEqualAreaEllipsoid final : public CKvVariantLoops<CKvLambertAzimuthalEqualAreaEllipsoid, CKvPointVariant>
 {
 public:
+    using CKvProjInterface::Geo2Proj;
+    using CKvProjInterface::Proj2Geo;
     CKvLambertAzimuthalEqualAreaEllipsoid(double lambda0, double phi0, double falseEasting, double falseNorthing,
                                           const CKvEllipsoid& ellipsoid);
     CKvVariant* Clone() const override { return new CKvLambertAzimuthalEqualAreaEllipsoid(*this); }

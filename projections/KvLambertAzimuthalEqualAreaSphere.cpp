@@ -10,7 +10,7 @@ constexpr double kDeg = 3.141592653589793 / 180.0;
 CKvLambertAzimuthalEqualAreaSphere::CKvLambertAzimuthalEqualAreaSphere(double lambda0, double phi0, double falseEasting,
                                                                        double falseNorthing,
                                                                        const CKvEllipsoid& ellipsoid)
-    : CKvPointVariant(lambda0, phi0, falseEasting, falseNorthing, ellipsoid), m_sinPhi0(std::sin(m_phi0)),
+    : CKvVariantLoops(lambda0, phi0, falseEasting, falseNorthing, ellipsoid), m_sinPhi0(std::sin(m_phi0)),
       m_cosPhi0(std::cos(m_phi0))
 {
 }

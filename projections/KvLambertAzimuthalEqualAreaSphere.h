@@ -5,9 +5,11 @@
 
 // Lambert azimuthal equal-area on the sphere (Snyder, eqs. 24-2 to 24-4, 20-14,
 // 24-16, 20-15), all aspects.
-class CKvLambertAzimuthalEqualAreaSphere : public CKvPointVariant
+class CKvLambertAzimuthalEqualAreaSphere final : public CKvVariantLoops<CKvLambertAzimuthalEqualAreaSphere, CKvPointVariant>
 {
 public:
+    using CKvProjInterface::Geo2Proj;
+    using CKvProjInterface::Proj2Geo;
     CKvLambertAzimuthalEqualAreaSphere(double lambda0, double phi0, double falseEasting, double falseNorthing,
                                        const CKvEllipsoid& ellipsoid);
     CKvVariant* Clone() const override { return new CKvLambertAzimuthalEqualAreaSphere(*this); }

@@ -11,4 +11,29 @@ public:
     virtual CKvVariant* Clone() const = 0;
 };
 
+// The batch loops of a final variant class TVariant built on TBase: the
+// qualified calls bind the variant's own formulas, with no virtual call per point.
+template <class TVariant, class TBase> class CKvVariantLoops : public TBase
+{
+public:
+    using TBase::TBase;
+    using CKvProjInterface::Geo2Proj;
+    using CKvProjInterface::Proj2Geo;
+
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override
+    {
+        const TVariant& self = static_cast<const TVariant&>(*this);
+        CKvBatch::ForEachPoint(n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                               [&self](double a, double b, double* u, double* v) { self.TVariant::Geo2Proj(a, b, u, v); });
+    }
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
+    {
+        const TVariant& self = static_cast<const TVariant&>(*this);
+        CKvBatch::ForEachPoint(n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+                               [&self](double a, double b, double* u, double* v) { self.TVariant::Proj2Geo(a, b, u, v); });
+    }
+};
+
 #endif

@@ -48,6 +48,40 @@ public:
             *lon = *lat = std::nan("");
         }
     }
+    // The batch forms hand the whole array to the variant's own loop: one virtual
+    // call per batch. The inverse guard needs each point's grid input, which an
+    // in-place call overwrites, so the inputs go through a block of copies.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override
+    {
+        if (m_pVariant != nullptr)
+            m_pVariant->Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+        else
+            CKvEngine<TEngine, TDefinition>::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+    }
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
+    {
+        if (m_pVariant == nullptr) {
+            CKvEngine<TEngine, TDefinition>::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+            return;
+        }
+        double bx[CKvBatch::BlockSize], by[CKvBatch::BlockSize];
+        for (std::size_t first = 0; first < n; first += CKvBatch::BlockSize) {
+            const std::size_t count = n - first < CKvBatch::BlockSize ? n - first : CKvBatch::BlockSize;
+            for (std::size_t i = 0; i < count; ++i) {
+                bx[i] = *CKvBatch::At(x, xStride, first + i);
+                by[i] = *CKvBatch::At(y, yStride, first + i);
+            }
+            double* blockLon = CKvBatch::At(lon, lonStride, first);
+            double* blockLat = CKvBatch::At(lat, latStride, first);
+            m_pVariant->Proj2Geo(count, bx, sizeof(double), by, sizeof(double), blockLon, lonStride, blockLat,
+                                 latStride);
+            for (std::size_t i = 0; i < count; ++i)
+                CKvAngle::GuardInverse(bx[i], by[i], CKvBatch::At(blockLon, lonStride, i),
+                                       CKvBatch::At(blockLat, latStride, i));
+        }
+    }
     void GetOrigin(double* x, double* y) const override
     {
         if (m_pVariant != nullptr)

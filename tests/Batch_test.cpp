@@ -5,6 +5,10 @@
 #include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumConverter.h"
 #include "interface/KvCart.h"
+#include "projections/KvAlbersEqualArea.h"
+#include "projections/KvCassiniSoldner.h"
+#include "projections/KvEquidistantConic.h"
+#include "projections/KvLambertAzimuthalEqualArea.h"
 #include "projections/KvMathKernel.h"
 #include "projections/KvTransverseMercatorJHS.h"
 
@@ -80,6 +84,43 @@ TEST(Batch, AgreesWithSinglePointCalls)
     ExpectBatchMatchesSingle(CKvMapProjection("UTM-32"), MakeCloud(9, 10, -90, 90, 20000, 5));
     ExpectBatchMatchesSingle(CKvMapProjection("UTM-32"), MakeCloud(9, 30, -90, 90, 5000, 10));
     ExpectBatchMatchesSingle(CKvMapProjection("UTM-32"), MakeCloud(9, 180, -90, 90, 2000, 6));
+}
+
+TEST(Batch, EveryEngineFamilyRunsItsOwnLoop)
+{
+    kvtest::ShippedCatalogue();
+    // The other families of the catalogue, each over its neighbourhood and beyond.
+    for (const char* name : {"Conus Albers", "LAEA Europe", "Soldner Berlin", "USA Contiguous Equidistant Conic",
+                             "S-JTSK / Krovak", "Michigan Oblique Mercator", "Swiss LV03", "RSO Malaya", "UPS North",
+                             "Antarctic Polar Stereographic", "New Zealand Map Grid", "COSMO-EU Rotated Pole",
+                             "Caspian Sea Mercator", "British National Grid"}) {
+        const CKvMapProjection system(name);
+        ASSERT_NE(system.GetProjection(), nullptr) << name;
+        double lon0, lat0;
+        system.GetOrigin(&lon0, &lat0);
+        ExpectBatchMatchesSingle(system, MakeCloud(lon0, 8, std::fmax(lat0 - 8, -90), std::fmin(lat0 + 8, 90), 300, 11));
+        ExpectBatchMatchesSingle(system, MakeCloud(lon0, 180, -90, 90, 300, 12));
+    }
+    // The sphere variants, engines made directly.
+    const CKvEllipsoid sphere("Sphere", "XY", 6371229.0, 0.0);
+    const CKvLambertAzimuthalEqualArea laea("laea", 10, 52, 0, 0, sphere);
+    const CKvCassiniSoldner cassini("cass", 13.6, 52.4, 40000, 10000, sphere);
+    const CKvAlbersEqualArea albers("aea", 29.5, 45.5, -96, 23, 0, 0, sphere);
+    const CKvEquidistantConic eqdc("eqdc", 33, 45, -96, 39, 0, 0, sphere);
+    for (const CKvProjection* engine : {static_cast<const CKvProjection*>(&laea), static_cast<const CKvProjection*>(&cassini),
+                                        static_cast<const CKvProjection*>(&albers), static_cast<const CKvProjection*>(&eqdc)}) {
+        const Cloud c = MakeCloud(0, 180, -90, 90, 400, 13);
+        std::vector<double> x(c.lon.size()), y(c.lon.size()), lon(c.lon.size()), lat(c.lon.size());
+        engine->Geo2Proj(c.lon.size(), c.lon.data(), c.lat.data(), x.data(), y.data());
+        engine->Proj2Geo(x.size(), x.data(), y.data(), lon.data(), lat.data());
+        for (std::size_t i = 0; i < c.lon.size(); ++i) {
+            double sx, sy, slon, slat;
+            engine->Geo2Proj(c.lon[i], c.lat[i], &sx, &sy);
+            engine->Proj2Geo(x[i], y[i], &slon, &slat);
+            ASSERT_TRUE(Same(x[i], sx) && Same(y[i], sy) && Same(lon[i], slon) && Same(lat[i], slat))
+                << engine->GetName() << " point " << i;
+        }
+    }
 }
 
 TEST(Batch, StridesInPlaceAndEdgeCounts)
