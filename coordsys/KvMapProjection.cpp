@@ -152,18 +152,14 @@ void CKvMapProjection::Proj2Geo(std::size_t n, const double* x, std::size_t xStr
         return;
     }
     // The grid coordinates are brought to the engine's axes block by block.
-    double engineX[CKvBatch::BlockSize], engineY[CKvBatch::BlockSize];
-    for (std::size_t first = 0; first < n; first += CKvBatch::BlockSize) {
-        const std::size_t count = n - first < CKvBatch::BlockSize ? n - first : CKvBatch::BlockSize;
-        for (std::size_t i = 0; i < count; ++i) {
-            engineX[i] = *CKvBatch::At(x, xStride, first + i);
-            engineY[i] = *CKvBatch::At(y, yStride, first + i);
-            m_info.InvConvert(engineX[i], engineY[i]);
-        }
-        m_pProjection->Proj2Geo(count, engineX, sizeof(double), engineY, sizeof(double),
-                                CKvBatch::At(lon, lonStride, first), lonStride, CKvBatch::At(lat, latStride, first),
-                                latStride);
-    }
+    CKvBatch::ForEachCopiedBlock(
+        n, x, xStride, y, yStride, [&](std::size_t first, std::size_t count, double* engineX, double* engineY) {
+            for (std::size_t i = 0; i < count; ++i)
+                m_info.InvConvert(engineX[i], engineY[i]);
+            m_pProjection->Proj2Geo(count, engineX, sizeof(double), engineY, sizeof(double),
+                                    CKvBatch::At(lon, lonStride, first), lonStride,
+                                    CKvBatch::At(lat, latStride, first), latStride);
+        });
 }
 
 void CKvMapProjection::GetOrigin(double* x, double* y) const

@@ -58,6 +58,41 @@ public:
         }
     }
 
+    // The single-point formulas of an object's own class over the arrays: the
+    // qualified calls bind them at compile time, no virtual call per point.
+    template <class TObject>
+    static void Forward(const TObject& self, std::size_t n, const double* a, std::size_t sa, const double* b,
+                        std::size_t sb, double* u, std::size_t su, double* v, std::size_t sv)
+    {
+        ForEachPoint(n, a, sa, b, sb, u, su, v, sv,
+                     [&self](double p, double q, double* r, double* t) { self.TObject::Geo2Proj(p, q, r, t); });
+    }
+    template <class TObject>
+    static void Inverse(const TObject& self, std::size_t n, const double* a, std::size_t sa, const double* b,
+                        std::size_t sb, double* u, std::size_t su, double* v, std::size_t sv)
+    {
+        ForEachPoint(n, a, sa, b, sb, u, su, v, sv,
+                     [&self](double p, double q, double* r, double* t) { self.TObject::Proj2Geo(p, q, r, t); });
+    }
+
+    // The inputs copied block by block into contiguous arrays before any output
+    // of the block is written (so that in-place calls keep them):
+    // block(first, count, a, b) for each block of at most BlockSize points.
+    template <class FBlock>
+    static void ForEachCopiedBlock(std::size_t n, const double* a, std::size_t sa, const double* b, std::size_t sb,
+                                   FBlock block)
+    {
+        double ab[BlockSize], bb[BlockSize];
+        for (std::size_t first = 0; first < n; first += BlockSize) {
+            const std::size_t count = n - first < BlockSize ? n - first : BlockSize;
+            for (std::size_t i = 0; i < count; ++i) {
+                ab[i] = *At(a, sa, first + i);
+                bb[i] = *At(b, sb, first + i);
+            }
+            block(first, count, ab, bb);
+        }
+    }
+
     // Runs the points in blocks of contiguous copies: block(count, a, b, u, v, ok)
     // computes a whole block and clears ok[i] for every point it leaves to the
     // general per-point path, point(a, b, &u, &v), which then computes it.

@@ -23,16 +23,12 @@ public:
     void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
                   double* x, std::size_t xStride, double* y, std::size_t yStride) const override
     {
-        const TVariant& self = static_cast<const TVariant&>(*this);
-        CKvBatch::ForEachPoint(n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
-                               [&self](double a, double b, double* u, double* v) { self.TVariant::Geo2Proj(a, b, u, v); });
+        CKvBatch::Forward(static_cast<const TVariant&>(*this), n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
     }
     void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
                   double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
     {
-        const TVariant& self = static_cast<const TVariant&>(*this);
-        CKvBatch::ForEachPoint(n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
-                               [&self](double a, double b, double* u, double* v) { self.TVariant::Proj2Geo(a, b, u, v); });
+        CKvBatch::Inverse(static_cast<const TVariant&>(*this), n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
     }
 };
 

@@ -66,21 +66,16 @@ public:
             CKvEngine<TEngine, TDefinition>::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
             return;
         }
-        double bx[CKvBatch::BlockSize], by[CKvBatch::BlockSize];
-        for (std::size_t first = 0; first < n; first += CKvBatch::BlockSize) {
-            const std::size_t count = n - first < CKvBatch::BlockSize ? n - first : CKvBatch::BlockSize;
-            for (std::size_t i = 0; i < count; ++i) {
-                bx[i] = *CKvBatch::At(x, xStride, first + i);
-                by[i] = *CKvBatch::At(y, yStride, first + i);
-            }
-            double* blockLon = CKvBatch::At(lon, lonStride, first);
-            double* blockLat = CKvBatch::At(lat, latStride, first);
-            m_pVariant->Proj2Geo(count, bx, sizeof(double), by, sizeof(double), blockLon, lonStride, blockLat,
-                                 latStride);
-            for (std::size_t i = 0; i < count; ++i)
-                CKvAngle::GuardInverse(bx[i], by[i], CKvBatch::At(blockLon, lonStride, i),
-                                       CKvBatch::At(blockLat, latStride, i));
-        }
+        CKvBatch::ForEachCopiedBlock(
+            n, x, xStride, y, yStride, [&](std::size_t first, std::size_t count, double* bx, double* by) {
+                double* blockLon = CKvBatch::At(lon, lonStride, first);
+                double* blockLat = CKvBatch::At(lat, latStride, first);
+                m_pVariant->Proj2Geo(count, bx, sizeof(double), by, sizeof(double), blockLon, lonStride, blockLat,
+                                     latStride);
+                for (std::size_t i = 0; i < count; ++i)
+                    CKvAngle::GuardInverse(bx[i], by[i], CKvBatch::At(blockLon, lonStride, i),
+                                           CKvBatch::At(blockLat, latStride, i));
+            });
     }
     void GetOrigin(double* x, double* y) const override
     {
