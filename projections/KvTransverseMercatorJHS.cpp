@@ -130,10 +130,10 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
     const bool seriesEta = std::fabs(sinhEta) <= CKvMathKernel::AsinSmallLimit;
     double xiP, etaP;
     if constexpr (Vector) {
-        xiP = phi + CKvMathKernel::AtanSmall(t);
+        xiP = phi + CKvMathKernel::AtanSeries(t);
         etaP = CKvMathKernel::AsinhSmall(sinhEta);
     } else {
-        xiP = phi + (seriesXi ? CKvMathKernel::AtanSmall(t) : std::atan2(num, den));
+        xiP = phi + (seriesXi ? CKvMathKernel::AtanSeries(t) : std::atan2(num, den));
         etaP = seriesEta ? CKvMathKernel::AsinhSmall(sinhEta) : std::asinh(sinhEta);
     }
     const double sinXi = tanChiCos * inv, cosXi = cc * inv;
@@ -184,10 +184,10 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
     const bool seriesChi = (den > 0.0) & (std::fabs(t) <= CKvMathKernel::AtanSmallLimit);
     const bool seriesLambda = std::fabs(z) <= CKvMathKernel::AsinSmallLimit;
     if constexpr (Vector) {
-        dChi = CKvMathKernel::AtanSmall(t);
+        dChi = CKvMathKernel::AtanSeries(t);
         dl = CKvMathKernel::AsinSmall(z);
     } else {
-        dChi = seriesChi ? CKvMathKernel::AtanSmall(t) : std::atan2(num, den);
+        dChi = seriesChi ? CKvMathKernel::AtanSeries(t) : std::atan2(num, den);
         dl = seriesLambda ? CKvMathKernel::AsinSmall(z) : std::asin(z);
     }
     // sin chi = sin xi' / cosh eta' and cos chi = r / cosh eta', so the double angle

@@ -401,8 +401,12 @@ TEST(Batch, MathKernelsAgainstLibm)
                         4.5e-16 * std::fabs(z) * e) << e << " " << z;
     }
     // The small-argument series of the scalar path.
-    for (double t = -0.05; t <= 0.05; t += 0.0007)
+    for (double t = -0.05; t <= 0.05; t += 0.0007) {
         ASSERT_NEAR(CKvMathKernel::AtanSmall(t), std::atan(t), 2.3e-16 * std::fabs(t)) << t;
+        ASSERT_NEAR(CKvMathKernel::AtanSeries(t), std::atan(t), 2.3e-16 * std::fabs(t)) << t;
+    }
+    for (double t = -0.005; t <= 0.005; t += 0.00007)
+        ASSERT_NEAR(CKvMathKernel::AtanTiny(t), std::atan(t), 2.3e-16 * std::fabs(t)) << t;
     for (double x = -0.1; x <= 0.1; x += 0.0013) {
         ASSERT_NEAR(CKvMathKernel::AsinhSmall(x), std::asinh(x), 2.3e-16 * std::fabs(x)) << x;
         ASSERT_NEAR(CKvMathKernel::AsinSmall(x), std::asin(x), 2.3e-16 * std::fabs(x)) << x;
