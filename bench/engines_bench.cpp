@@ -20,15 +20,12 @@
 #include "projections/KvTransverseMercator.h"
 #include "projections/KvTransverseMercatorJHS.h"
 
-#include <benchmark/benchmark.h>
+#include "BenchSupport.h"
+
 #include <cmath>
 #include <memory>
 #include <string>
 #include <vector>
-
-#ifdef KVCART_BENCH_WITH_PROJ
-#include <proj.h>
-#endif
 
 namespace {
 
@@ -69,9 +66,7 @@ void Forward(benchmark::State& state, const CKvProjection* engine, double lon0, 
             benchmark::DoNotOptimize(x);
             benchmark::DoNotOptimize(y);
         }
-    state.SetItemsProcessed(state.iterations() * kPoints);
-    state.counters["ns/point"] = benchmark::Counter(static_cast<double>(state.iterations() * kPoints),
-                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    kvbench::CountPoints(state, kPoints);
 }
 
 void Inverse(benchmark::State& state, const CKvProjection* engine, double lon0, double lat0)
@@ -84,9 +79,7 @@ void Inverse(benchmark::State& state, const CKvProjection* engine, double lon0, 
             benchmark::DoNotOptimize(lon);
             benchmark::DoNotOptimize(lat);
         }
-    state.SetItemsProcessed(state.iterations() * kPoints);
-    state.counters["ns/point"] = benchmark::Counter(static_cast<double>(state.iterations() * kPoints),
-                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    kvbench::CountPoints(state, kPoints);
 }
 
 struct Engine
@@ -144,33 +137,19 @@ const std::vector<Engine>& Engines()
 void ProjEngine(benchmark::State& state, const Engine* e, PJ_DIRECTION direction)
 {
     const Points p = MakePoints(*e->engine, e->lon0, e->lat0);
-    PJ_CONTEXT* context = proj_context_create();
-    PJ* pj = proj_create(context, e->proj);
-    if (pj == nullptr) {
+    const kvbench::CProj proj(e->proj);
+    if (proj.Get() == nullptr) {
         state.SkipWithError("PROJ could not make the projection");
-        proj_context_destroy(context);
         return;
     }
     // The same projection, or no comparison: the first point must agree to 1 mm.
-    const PJ_COORD check = proj_trans(pj, PJ_FWD, proj_coord(proj_torad(p.lon[0]), proj_torad(p.lat[0]), 0, 0));
+    const PJ_COORD check =
+        proj_trans(proj.Get(), PJ_FWD, proj_coord(proj_torad(p.lon[0]), proj_torad(p.lat[0]), 0, 0));
     if (!(std::fabs(check.xy.x - p.x[0]) < 1e-3 && std::fabs(check.xy.y - p.y[0]) < 1e-3)) {
         state.SkipWithError("PROJ's definition gives other coordinates");
-        proj_destroy(pj);
-        proj_context_destroy(context);
         return;
     }
-    for (auto _ : state)
-        for (int i = 0; i < kPoints; ++i) {
-            PJ_COORD c = direction == PJ_FWD ? proj_coord(proj_torad(p.lon[i]), proj_torad(p.lat[i]), 0, 0)
-                                             : proj_coord(p.x[i], p.y[i], 0, 0);
-            c = proj_trans(pj, direction, c);
-            benchmark::DoNotOptimize(c);
-        }
-    proj_destroy(pj);
-    proj_context_destroy(context);
-    state.SetItemsProcessed(state.iterations() * kPoints);
-    state.counters["ns/point"] = benchmark::Counter(static_cast<double>(state.iterations() * kPoints),
-                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    kvbench::TimeProjTrans(state, proj.Get(), direction, p.lon, p.lat, p.x, p.y);
 }
 #endif
 

@@ -6,13 +6,10 @@
 #include "interface/KvCart.h"
 #include "projections/KvProjection.h"
 
-#include <benchmark/benchmark.h>
+#include "BenchSupport.h"
+
 #include <string>
 #include <vector>
-
-#ifdef KVCART_BENCH_WITH_PROJ
-#include <proj.h>
-#endif
 
 namespace {
 
@@ -71,13 +68,6 @@ Points MakePoints(const System& s)
     return p;
 }
 
-void Count(benchmark::State& state)
-{
-    state.SetItemsProcessed(state.iterations() * kPoints);
-    state.counters["ns/point"] = benchmark::Counter(static_cast<double>(state.iterations() * kPoints),
-                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
-}
-
 // The whole array through the C batch functions.
 void CInterfaceBatch(benchmark::State& state, const System* s, bool forward)
 {
@@ -95,7 +85,7 @@ void CInterfaceBatch(benchmark::State& state, const System* s, bool forward)
         benchmark::ClobberMemory();
     }
     C_KVMP_DESTROY(&handle, &status);
-    Count(state);
+    kvbench::CountPoints(state, kPoints);
 }
 
 // Through the C interface, forward (lon/lat in) or inverse (grid in).
@@ -117,7 +107,7 @@ void CInterface(benchmark::State& state, const System* s, bool forward)
         }
     }
     C_KVMP_DESTROY(&handle, &status);
-    Count(state);
+    kvbench::CountPoints(state, kPoints);
 }
 
 // The engine alone: engine order (easting, northing), no axis handling.
@@ -134,7 +124,7 @@ void EngineForward(benchmark::State& state, const System* s)
             benchmark::DoNotOptimize(y);
         }
     }
-    Count(state);
+    kvbench::CountPoints(state, kPoints);
 }
 
 void EngineInverse(benchmark::State& state, const System* s)
@@ -151,42 +141,28 @@ void EngineInverse(benchmark::State& state, const System* s)
             benchmark::DoNotOptimize(lat);
         }
     }
-    Count(state);
+    kvbench::CountPoints(state, kPoints);
 }
 
 #ifdef KVCART_BENCH_WITH_PROJ
 void ProjTrans(benchmark::State& state, const System* s, PJ_DIRECTION direction)
 {
     const Points p = MakePoints(*s);
-    PJ_CONTEXT* context = proj_context_create();
-    PJ* pj = proj_create(context, s->proj);
-    if (pj == nullptr) {
+    const kvbench::CProj proj(s->proj);
+    if (proj.Get() == nullptr) {
         state.SkipWithError("PROJ could not make the system");
-        proj_context_destroy(context);
         return;
     }
-    for (auto _ : state) {
-        for (int i = 0; i < kPoints; ++i) {
-            PJ_COORD c = direction == PJ_FWD ? proj_coord(proj_torad(p.lon[i]), proj_torad(p.lat[i]), 0, 0)
-                                             : proj_coord(p.x[i], p.y[i], 0, 0);
-            c = proj_trans(pj, direction, c);
-            benchmark::DoNotOptimize(c);
-        }
-    }
-    proj_destroy(pj);
-    proj_context_destroy(context);
-    Count(state);
+    kvbench::TimeProjTrans(state, proj.Get(), direction, p.lon, p.lat, p.x, p.y);
 }
 
 // PROJ's own array interface on the same points (radians in, as PROJ wants).
 void ProjTransGeneric(benchmark::State& state, const System* s, PJ_DIRECTION direction)
 {
     const Points p = MakePoints(*s);
-    PJ_CONTEXT* context = proj_context_create();
-    PJ* pj = proj_create(context, s->proj);
-    if (pj == nullptr) {
+    const kvbench::CProj proj(s->proj);
+    if (proj.Get() == nullptr) {
         state.SkipWithError("PROJ could not make the system");
-        proj_context_destroy(context);
         return;
     }
     std::vector<double> a(kPoints), b(kPoints);
@@ -197,14 +173,12 @@ void ProjTransGeneric(benchmark::State& state, const System* s, PJ_DIRECTION dir
             b[i] = direction == PJ_FWD ? proj_torad(p.lat[i]) : p.y[i];
         }
         state.ResumeTiming();
-        proj_trans_generic(pj, direction, a.data(), sizeof(double), kPoints, b.data(), sizeof(double), kPoints,
+        proj_trans_generic(proj.Get(), direction, a.data(), sizeof(double), kPoints, b.data(), sizeof(double), kPoints,
                            nullptr, 0, 0, nullptr, 0, 0);
         benchmark::DoNotOptimize(a.data());
         benchmark::ClobberMemory();
     }
-    proj_destroy(pj);
-    proj_context_destroy(context);
-    Count(state);
+    kvbench::CountPoints(state, kPoints);
 }
 #else
 void ProjMissing(benchmark::State& state)

@@ -7,6 +7,8 @@
 // would cost. Beside it, the scalar libm calls of the formulas as written.
 #include "projections/KvBatch.h"
 
+#include "BenchSupport.h"
+
 #include <benchmark/benchmark.h>
 #include <cmath>
 #include <cstddef>
@@ -85,9 +87,7 @@ void Limit(benchmark::State& state, bool forward, bool vector)
         benchmark::DoNotOptimize(u.data());
         benchmark::ClobberMemory();
     }
-    state.SetItemsProcessed(state.iterations() * kPoints);
-    state.counters["ns/point"] = benchmark::Counter(static_cast<double>(state.iterations() * kPoints),
-                                                    benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+    kvbench::CountPoints(state, kPoints);
 }
 
 const bool kRegistered = [] {

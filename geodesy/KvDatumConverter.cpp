@@ -2,6 +2,7 @@
 
 #include "catalogue/KvEllipsoid.h"
 #include "coordsys/KvMapProjection.h"
+#include "projections/KvBatch.h"
 #include "projections/KvProjection.h"
 
 #include <algorithm>
@@ -187,18 +188,24 @@ void CKvDatumConverter::_geocentric(double& lon, double& lat, double& h, bool fo
     to->XYZ2Geo(X, Y, Z, &lon, &lat, &h);
 }
 
-void CKvDatumConverter::_convert(double& x, double& y, double& h, bool forward) const
+CKvDatumConverter::SEnds CKvDatumConverter::_ends(bool forward) const
 {
-    if (m_local)
-        return;
-    const CKvMapProjection* from = forward ? m_pSource : m_pTarget;
-    const CKvMapProjection* to = forward ? m_pTarget : m_pSource;
     // Forward, types 0 and 1 read projected input and 0 and 2 write projected
     // output; the reverse conversion reads what the forward one writes.
     const bool projectedSource = m_conversionType == eProjToProj || m_conversionType == eProjToGeo;
     const bool projectedTarget = m_conversionType == eProjToProj || m_conversionType == eGeoToProj;
-    const bool projectedIn = forward ? projectedSource : projectedTarget;
-    const bool projectedOut = forward ? projectedTarget : projectedSource;
+    return forward ? SEnds{m_pSource, m_pTarget, projectedSource, projectedTarget}
+                   : SEnds{m_pTarget, m_pSource, projectedTarget, projectedSource};
+}
+
+void CKvDatumConverter::_convert(double& x, double& y, double& h, bool forward) const
+{
+    if (m_local)
+        return;
+    const SEnds ends = _ends(forward);
+    const CKvMapProjection* from = ends.from;
+    const CKvMapProjection* to = ends.to;
+    const bool projectedIn = ends.projectedIn, projectedOut = ends.projectedOut;
     double lon = x, lat = y;
     if (projectedIn)
         from->Proj2Geo(x, y, &lon, &lat);
@@ -270,13 +277,11 @@ void CKvDatumConverter::_convert(std::size_t n, double* x, double* y, double* h,
 {
     if (m_local)
         return;
-    const CKvMapProjection* from = forward ? m_pSource : m_pTarget;
-    const CKvMapProjection* to = forward ? m_pTarget : m_pSource;
-    const bool projectedSource = m_conversionType == eProjToProj || m_conversionType == eProjToGeo;
-    const bool projectedTarget = m_conversionType == eProjToProj || m_conversionType == eGeoToProj;
-    const bool projectedIn = forward ? projectedSource : projectedTarget;
-    const bool projectedOut = forward ? projectedTarget : projectedSource;
-    constexpr std::size_t Block = 64;
+    const SEnds ends = _ends(forward);
+    const CKvMapProjection* from = ends.from;
+    const CKvMapProjection* to = ends.to;
+    const bool projectedIn = ends.projectedIn, projectedOut = ends.projectedOut;
+    constexpr std::size_t Block = CKvBatch::BlockSize;
     double lon[Block], lat[Block];
     for (std::size_t first = 0; first < n; first += Block) {
         const std::size_t count = n - first < Block ? n - first : Block;

@@ -70,6 +70,14 @@ protected:
 private:
     // lon/lat/h of the source through geocentric coordinates to the target (forward).
     void _geocentric(double& lon, double& lat, double& h, bool forward) const;
+    // The system read and the system written, and whether each side is projected.
+    struct SEnds
+    {
+        const CKvMapProjection* from;
+        const CKvMapProjection* to;
+        bool projectedIn, projectedOut;
+    };
+    SEnds _ends(bool forward) const;
     void _convert(double& x, double& y, double& h, bool forward) const;
     void _convert(std::size_t n, double* x, double* y, double* h, bool forward) const;
 
