@@ -42,7 +42,9 @@ public:
         eEquidistantConic = 19,
         ePolarStereographic = 20,
         eNonProjected = 21, // a system that is not projected ("Non_Projected" in WKT)
-        eNoProjection = 22  // nothing parsed, or a failed parse
+        eNoProjection = 22, // nothing parsed, or a failed parse
+        // Types beyond the established table.
+        eStereographicSnyder = 23 // Snyder's ellipsoidal stereographic (ESRI "Stereographic")
     };
 
     enum EParamType

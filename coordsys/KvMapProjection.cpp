@@ -49,7 +49,7 @@ CKvMapProjection::CKvMapProjection(const std::string& text) : m_pProjection(null
 
 void CKvMapProjection::_construct(const char* text)
 {
-    m_pProjection = GetProjection(text, &m_info);
+    m_pProjection = GetProjection(text, &m_info, &m_message);
     if (m_pProjection == nullptr)
         return;
     // A catalogue name gets its units and axes from the WKT its engine describes.
@@ -102,6 +102,7 @@ void CKvMapProjection::_copy(const CKvMapProjection& other)
     m_pProjection = other.m_pProjection != nullptr ? other.m_pProjection->Clone() : nullptr;
     m_info = other.m_info;
     m_projectionString = other.m_projectionString;
+    m_message = other.m_message;
     m_figure = other.m_figure;
 }
 
@@ -319,8 +320,47 @@ const char* CKvMapProjection::IDtoProjectionString(int id)
     }
 }
 
+namespace {
+
+// The message of the last system resolved in each thread.
+thread_local std::string t_lastMessage;
+
+// Whether a text that did not read as WKT was meant as WKT (and so its parser's
+// reason is the one to give) rather than as a catalogue name.
+bool LooksLikeWkt(const CString& text)
+{
+    for (const char* keyword : {"PROJCS", "GEOGCS", "PROJCRS", "GEOGCRS", "GEODCRS", "COMPD_CS"})
+        if (text.Find(keyword) == 0)
+            return true;
+    return text.Find('[') >= 0 && text.Find(']') >= 0;
+}
+
+} // namespace
+
+const std::string& CKvMapProjection::GetLastMessage()
+{
+    return t_lastMessage;
+}
+
+void CKvMapProjection::SetEpsgReading(bool on)
+{
+    CKvPRJParser::SetDefaultReading(on ? CKvPRJParser::eEpsgReading : CKvPRJParser::eCompatibleReading);
+}
+
+bool CKvMapProjection::GetEpsgReading()
+{
+    return CKvPRJParser::GetDefaultReading() == CKvPRJParser::eEpsgReading;
+}
+
 CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionInfo* info)
 {
+    return GetProjection(text, info, nullptr);
+}
+
+CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionInfo* info, std::string* message)
+{
+    std::string& said = t_lastMessage;
+    said.clear();
     CString trimmed(text);
     trimmed.Trim();
     CKvPRJParser parser(trimmed);
@@ -330,12 +370,32 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
         if (engine != nullptr) {
             if (info != nullptr)
                 info->SetProjectionInfo(parser);
+            said = parser.GetWarnings();
+            if (message != nullptr)
+                *message = said;
             return engine;
         }
     }
-    if (trimmed == "UTM")
+    if (trimmed == "UTM") {
+        said = "Can't use generic UTM: name a zone, UTM-1 to UTM-60";
+        if (message != nullptr)
+            *message = said;
         throw std::out_of_range("Can't use generic UTM");
-    return _FindMapProjection(trimmed.IsEmpty() ? IDtoProjectionString(eNonUTM) : trimmed.GetString());
+    }
+    const char* name = trimmed.IsEmpty() ? IDtoProjectionString(eNonUTM) : trimmed.GetString();
+    CKvProjection* engine = _FindMapProjection(name);
+    if (engine == nullptr) {
+        if (LooksLikeWkt(trimmed) && !parser.GetFailureReason().empty()) {
+            said = parser.GetFailureReason();
+        } else {
+            said = std::string("unknown coordinate system \"") + name + "\"";
+            if (CKvCartSetup::Instance()->GetMapProjectionList().GetCount() == 0)
+                said += ": the catalogue is empty (no map_projection.gxr was read from the system directory)";
+        }
+    }
+    if (message != nullptr)
+        *message = said;
+    return engine;
 }
 
 CKvProjection* CKvMapProjection::_FindMapProjection(const char* name)

@@ -50,6 +50,11 @@ public:
     virtual ~CKvMapProjection();
 
     const char* GetName() const;
+    // Why the string did not resolve (e.g. 'projection "Mercator_Auxiliary_Sphere"
+    // is not supported'), or, for a system that did, what its reading differs in
+    // from the EPSG registry's definition, one sentence a line. Empty when the
+    // system resolved as the registry defines it.
+    const std::string& GetMessage() const { return m_message; }
     // The engine, still owned by the object; null when the string did not resolve.
     CKvProjection* GetProjection() const { return m_pProjection; }
     // The string as given; empty when it did not resolve.
@@ -107,6 +112,20 @@ public:
     // std::out_of_range("Can't use generic UTM"): a zone must be named.
     // info, when not null, receives the units and axes of WKT text.
     static CKvProjection* GetProjection(const char* text, CKvProjectionInfo* info);
+    // The same, with the reason of a failure or the reading's warnings in message.
+    static CKvProjection* GetProjection(const char* text, CKvProjectionInfo* info, std::string* message);
+    // The message of the coordinate system this thread resolved last (by a
+    // constructor or GetProjection): empty, a reason or warnings, as GetMessage.
+    static const std::string& GetLastMessage();
+
+    // How WKT is read where its established reading and the EPSG registry part
+    // (south-orientated transverse Mercator, ESRI "Stereographic", a scaled
+    // two-parallel Lambert, axes at a pole, a spherical PROJ4 EXTENSION): off
+    // (the default) keeps the established reading and reports the difference in
+    // GetMessage; on gives the registry's coordinates. Process-wide, for the
+    // systems made afterwards.
+    static void SetEpsgReading(bool on);
+    static bool GetEpsgReading();
     // The engine of the catalogue definition of that name, or null.
     static CKvProjection* _FindMapProjection(const char* name);
     // True exactly when the trimmed text is "NON-UTM".
@@ -177,6 +196,7 @@ private:
 
     CKvProjectionInfo m_info;
     std::string m_projectionString;
+    std::string m_message;
     SFigure m_figure;
 };
 

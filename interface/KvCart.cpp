@@ -99,6 +99,26 @@ extern "C" void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int
     CopyResult(handle->GetProjectionString(), buffer, size, status);
 }
 
+extern "C" void C_KVMP_GETMESSAGE(KVMP_HANDLE handle, char* buffer, int size, int* status)
+{
+    CopyResult(handle->GetMessage(), buffer, size, status);
+}
+
+extern "C" void C_KVMP_GETLASTERROR(char* buffer, int size, int* status)
+{
+    CopyResult(CKvMapProjection::GetLastMessage(), buffer, size, status);
+}
+
+extern "C" void C_KVC_SETEPSGREADING(int on)
+{
+    CKvMapProjection::SetEpsgReading(on != 0);
+}
+
+extern "C" int C_KVC_GETEPSGREADING(void)
+{
+    return CKvMapProjection::GetEpsgReading() ? 1 : 0;
+}
+
 extern "C" void C_KVMP_GEO2PROJ(KVMP_HANDLE handle, double lon, double lat, double* x, double* y)
 {
     handle->Geo2Proj(lon, lat, x, y);

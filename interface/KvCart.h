@@ -43,6 +43,17 @@ void C_KVMP_CREATE(const char* text, KVMP_HANDLE* handle, int* status);
 void C_KVMP_DESTROY(KVMP_HANDLE* handle, int* status);
 void C_KVMP_GETNAME(KVMP_HANDLE handle, char* buffer, int size, int* status);
 void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int size, int* status);
+/* Why the object's text did not resolve (e.g. 'projection
+ * "Mercator_Auxiliary_Sphere" is not supported', 'unknown coordinate system
+ * "X"'), or, for one that did, the warnings of its reading: what it reads
+ * differently from the EPSG registry, one sentence a line. Empty when it
+ * resolved as the registry defines it. String rule: the buffer holds size + 1
+ * bytes; size it as len + 1 from a first call that reports len. */
+void C_KVMP_GETMESSAGE(KVMP_HANDLE handle, char* buffer, int size, int* status);
+/* The same message for the coordinate system this thread created last (also
+ * after a create that failed with -1, such as the generic "UTM"). String rule
+ * as above. */
+void C_KVMP_GETLASTERROR(char* buffer, int size, int* status);
 void C_KVMP_GEO2PROJ(KVMP_HANDLE handle, double lon, double lat, double* x, double* y);
 void C_KVMP_PROJ2GEO(KVMP_HANDLE handle, double x, double y, double* lon, double* lat);
 /* n points at once, with the results of n single calls; the outputs may be the
@@ -57,6 +68,18 @@ double C_KVMP_GETCONVERGENCE(KVMP_HANDLE handle, double lon, double lat);
 void C_KVMP_GEO2XYZ(KVMP_HANDLE handle, double lon, double lat, double h, double* X, double* Y, double* Z);
 void C_KVMP_XYZ2GEO(KVMP_HANDLE handle, double X, double Y, double Z, double* lon, double* lat, double* h);
 void C_KVMP_GETDEFAULTAREA(KVMP_HANDLE handle, double* x0, double* y0, double* x1, double* y1);
+
+/* How WKT is read where its established reading and the EPSG registry's
+ * definition part: a Transverse_Mercator_South_Orientated text without
+ * west/south axes, ESRI's "Stereographic" (Snyder's, not the double
+ * stereographic), a two-parallel Lambert_Conformal_Conic with a Scale_Factor
+ * (Michigan), axes named along meridians at a pole (AXIS[..,SOUTH] twice), and a
+ * PROJ4 EXTENSION that projects on a sphere (Web Mercator). 0 (the default)
+ * keeps the established reading and reports each such difference through
+ * C_KVMP_GETMESSAGE; 1 gives the registry's coordinates. Process-wide, for the
+ * objects created afterwards. */
+void C_KVC_SETEPSGREADING(int on);
+int C_KVC_GETEPSGREADING(void);
 
 /* Local site grids: origin at (lon0, lat0), y axis turned by orientation
  * degrees from true north towards east. "UTM" names the zone of lon0. */

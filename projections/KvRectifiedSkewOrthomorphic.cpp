@@ -10,8 +10,10 @@ CKvRectifiedSkewOrthomorphic::CKvRectifiedSkewOrthomorphic(const CKvRectifiedSke
 CKvRectifiedSkewOrthomorphic::CKvRectifiedSkewOrthomorphic(const std::string& name, double scale,
                                                            double centerLongitude, double centerLatitude,
                                                            double azimuth, double xyPlaneRotation, double falseEasting,
-                                                           double falseNorthing, const CKvEllipsoid& ellipsoid)
+                                                           double falseNorthing, const CKvEllipsoid& ellipsoid,
+                                                           bool centreOrigin)
     : CKvHotineEngine(name.c_str(), ellipsoid)
 {
-    _init(scale, centerLongitude, centerLatitude, azimuth, xyPlaneRotation, false, falseEasting, falseNorthing);
+    _init(scale, centerLongitude, centerLatitude, azimuth, xyPlaneRotation, centreOrigin, falseEasting,
+          falseNorthing);
 }

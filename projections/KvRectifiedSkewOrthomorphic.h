@@ -14,9 +14,11 @@ class CKvRectifiedSkewOrthomorphic
 public:
     explicit CKvRectifiedSkewOrthomorphic(const CKvRectifiedSkewOrthomorphicProjection* definition);
     // scale at the centre, centre longitude and latitude, azimuth, grid rotation (degrees), FE, FN.
+    // centreOrigin: the false origin is at the projection centre (EPSG variant B,
+    // u counted from the centre) instead of the natural origin.
     CKvRectifiedSkewOrthomorphic(const std::string& name, double scale, double centerLongitude, double centerLatitude,
                                  double azimuth, double xyPlaneRotation, double falseEasting, double falseNorthing,
-                                 const CKvEllipsoid& ellipsoid);
+                                 const CKvEllipsoid& ellipsoid, bool centreOrigin = false);
 };
 
 #endif

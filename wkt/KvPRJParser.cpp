@@ -25,6 +25,8 @@
 #include "projections/KvTransverseMercatorJHS.h"
 
 #include <algorithm>
+#include <atomic>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 
@@ -33,6 +35,10 @@ namespace {
 // The tokenizer's delimiter sets.
 const char kNodeDelimiters[] = "[]\"";
 const char kValueDelimiters[] = "],";
+
+// The reading new parsers take: the established one unless a host chose the
+// registry's (an atomic, so that a host may switch it while other threads read).
+std::atomic<int> g_defaultReading{CKvPRJParser::eCompatibleReading};
 
 // The degree as a WKT angular unit, in radians.
 constexpr double kDegree = 0.017453292519943295;
@@ -112,6 +118,9 @@ const SProjectionName kProjectionNames[] = {
     {"Cassini_Soldner", CKvMapProjData::eCassiniSoldner},
     {"Equidistant_Conic", CKvMapProjData::eEquidistantConic},
     {"Non_Projected", CKvMapProjData::eNonProjected},
+    // Names beyond the established table. ESRI's rectified skew form counted
+    // from the projection centre (EPSG Hotine variant B with a grid angle).
+    {"Rectified_Skew_Orthomorphic_Center", CKvMapProjData::eRectifiedSkewOrthomorphic},
 };
 
 } // namespace
@@ -142,8 +151,25 @@ CKvPRJParser::CKvPRJParser(const CKvMapProjData* definition)
         definition->TransferParameters(*this);
 }
 
+void CKvPRJParser::SetDefaultReading(EReading reading)
+{
+    g_defaultReading.store(reading == eEpsgReading ? eEpsgReading : eCompatibleReading);
+}
+
+CKvPRJParser::EReading CKvPRJParser::GetDefaultReading()
+{
+    return g_defaultReading.load() == eEpsgReading ? eEpsgReading : eCompatibleReading;
+}
+
 void CKvPRJParser::_initialize()
 {
+    m_reading = GetDefaultReading();
+    m_failureReason.clear();
+    m_warnings.clear();
+    m_centreOrigin = false;
+    m_southOrientated = false;
+    m_lambertScale = false;
+    m_extensionSphere = 0.0;
     m_projectionNames.clear();
     for (const SProjectionName& row : kProjectionNames)
         m_projectionNames[CString(row.name).MakeLower()] = row.type;
@@ -500,6 +526,7 @@ void CKvPRJParser::_readParameters(const CString& P, const std::string& lowerP)
 {
     const SParameterList list = ReadList(m_type);
     bool complete = true;
+    const char* missing = nullptr; // the first required parameter not given
     for (int i = 0; i < list.count; ++i) {
         const SReadParameter& parameter = list.first[i];
         double value = Undefined;
@@ -507,24 +534,32 @@ void CKvPRJParser::_readParameters(const CString& P, const std::string& lowerP)
             if (name != nullptr && FindParam(P, lowerP, name, value))
                 break;
         (this->*parameter.set)(value);
-        if (parameter.required && !IsSet(value))
+        if (parameter.required && !IsSet(value)) {
             complete = false;
+            if (missing == nullptr)
+                missing = parameter.names[0];
+        }
     }
+    std::string reason = missing != nullptr ? std::string("the parameter \"") + missing + "\" is missing" : "";
     switch (m_type) {
     case CKvMapProjData::eLambert2SP:
         // Both parallels make the two-parallel form; a scale factor without
         // them the one-parallel form of the same name.
-        if (!IsSet(m_falseEasting))
+        if (!IsSet(m_falseEasting)) {
             complete = false;
-        else if (IsSet(m_falseNorthing) && IsSet(m_centralMeridian) && IsSet(m_standardParallel1) &&
-                 IsSet(m_standardParallel2) && IsSet(m_latitudeOfOrigin))
+            reason = "the parameter \"False_Easting\" is missing";
+        } else if (IsSet(m_falseNorthing) && IsSet(m_centralMeridian) && IsSet(m_standardParallel1) &&
+                   IsSet(m_standardParallel2) && IsSet(m_latitudeOfOrigin))
             complete = true;
         else if (IsSet(m_falseNorthing) && IsSet(m_centralMeridian) && IsSet(m_latitudeOfOrigin) &&
                  IsSet(m_scaleFactor)) {
             m_type = CKvMapProjData::eLambert1SP;
             complete = true;
-        } else
+        } else {
             complete = false;
+            reason = "it needs False_Northing, Central_Meridian and Latitude_Of_Origin with either "
+                     "Standard_Parallel_1 and Standard_Parallel_2 or a Scale_Factor";
+        }
         break;
     case CKvMapProjData::eHotineObliqueMercator:
     case CKvMapProjData::eObliqueMercator:
@@ -532,17 +567,215 @@ void CKvPRJParser::_readParameters(const CString& P, const std::string& lowerP)
         if (complete && CKvFloatCompareRel::NotEqual(m_azimuth, m_xyPlaneRotation, 1e-12))
             m_type = CKvMapProjData::eRectifiedSkewOrthomorphic;
         break;
+    case CKvMapProjData::ePolarStereographic:
+        // Without a scale factor the latitude of origin is the latitude of true
+        // scale (EPSG variant B, as GDAL writes it in WKT 1): the polar form of
+        // that pole with its standard parallel.
+        if (!complete && !IsSet(m_scaleFactor) && IsSet(m_falseEasting) && IsSet(m_falseNorthing) &&
+            IsSet(m_centralMeridian) && IsSet(m_latitudeOfOrigin) && m_latitudeOfOrigin != 0.0) {
+            m_type = m_latitudeOfOrigin > 0.0 ? CKvMapProjData::eStereographicNorthPole
+                                              : CKvMapProjData::eStereographicSouthPole;
+            m_standardParallel1 = m_latitudeOfOrigin;
+            complete = true;
+        }
+        break;
     default: break;
     }
-    if (!complete)
+    if (!complete) {
         m_type = CKvMapProjData::eNoProjection;
+        m_failureReason = "projection \"" + m_typeName.GetStdString() + "\": " + reason;
+    }
+}
+
+namespace {
+
+bool SameWord(const CString& a, const char* b)
+{
+    return LowerCase(a.GetStdString()) == LowerCase(b);
+}
+
+// Why a text is not WKT that the reader takes.
+std::string NotWktReason(const CString& text)
+{
+    if (text.Find("PROJCRS") >= 0 || text.Find("GEOGCRS") >= 0 || text.Find("GEODCRS") >= 0)
+        return "WKT 2 is not read: give the system as WKT 1 (PROJCS or GEOGCS, as a .prj file holds it)";
+    if (text.Find("PROJCS") < 0 && text.Find("GEOGCS") < 0)
+        return "not WKT: no PROJCS or GEOGCS node";
+    const int at = CKvPRJParser::_MatchBrackets(text);
+    char buffer[160];
+    if (at >= 0 && at < text.GetLength())
+        std::snprintf(buffer, sizeof buffer, "not WKT: the ']' at character %d closes no node", at + 1);
+    else if (at >= 0)
+        std::snprintf(buffer, sizeof buffer, "not WKT: %d bracket(s) left open at the end of the text",
+                      CKvPRJParser::_GetBracketLevel(text));
+    else
+        std::snprintf(buffer, sizeof buffer, "not WKT: too few commas between its nodes");
+    return buffer;
+}
+
+// The numbers of a PROJ string token, +key=value, in text; false when absent.
+bool ProjToken(const std::string& text, const char* key, double& value)
+{
+    const std::string token = std::string("+") + key + "=";
+    const size_t at = text.find(token);
+    if (at == std::string::npos)
+        return false;
+    value = CNumericLocale::Strtod(text.c_str() + at + token.size(), nullptr);
+    return true;
+}
+
+} // namespace
+
+void CKvPRJParser::_warn(const std::string& sentence)
+{
+    if (!m_warnings.empty())
+        m_warnings += '\n';
+    m_warnings += sentence;
+}
+
+bool CKvPRJParser::_fail(const std::string& reason)
+{
+    m_failureReason = reason;
+    return false;
+}
+
+void CKvPRJParser::_applyReadingRules(const CString& name, const CString& T, const CString& P)
+{
+    const bool epsg = m_reading == eEpsgReading;
+    char buffer[400];
+
+    // Oblique Mercator named after its centre: EPSG variant B, coordinates
+    // counted from the centre, also when a grid angle that differs from the
+    // azimuth (or none) makes it the rectified skew form.
+    if (SameWord(name, "Hotine_Oblique_Mercator_Azimuth_Center") ||
+        SameWord(name, "Rectified_Skew_Orthomorphic_Center"))
+        m_centreOrigin = true;
+
+    // The south-orientated transverse Mercator (EPSG 9808) counts westing and
+    // southing: W = FE - E, S = FN - N.
+    if (SameWord(name, "Transverse_Mercator_South_Orientated") &&
+        m_type == CKvMapProjData::eTransverseMercator) {
+        m_southOrientated = true;
+        const bool westSouth = SameWord(m_axisDirection[0], "WEST") && SameWord(m_axisDirection[1], "SOUTH");
+        const bool offset = m_falseEasting != 0.0 || m_falseNorthing != 0.0;
+        if (epsg) {
+            m_axisName[0] = "Westing";
+            m_axisDirection[0] = "WEST";
+            m_axisName[1] = "Southing";
+            m_axisDirection[1] = "SOUTH";
+        } else if (!westSouth) {
+            _warn("Transverse_Mercator_South_Orientated read as plain transverse Mercator: coordinates are "
+                  "easting/northing (the registry's are westing/southing)");
+        } else if (offset) {
+            _warn("Transverse_Mercator_South_Orientated read as plain transverse Mercator with its axes "
+                  "negated: the false easting and northing are negated too (the registry subtracts the "
+                  "coordinates from them)");
+        }
+    }
+
+    // ESRI's "Stereographic" is Snyder's stereographic on the conformal sphere of
+    // the origin, not the double stereographic of EPSG method 9809.
+    if (SameWord(name, "Stereographic") && m_type == CKvMapProjData::eStereographic) {
+        if (epsg)
+            m_type = CKvMapProjData::eStereographicSnyder;
+        else
+            _warn("Stereographic read as the oblique (double) stereographic, EPSG method 9809: the registry's "
+                  "Stereographic is Snyder's, which differs by up to decimetres");
+    }
+
+    // A two-parallel Lambert with a scale factor (EPSG 1051, the Michigan form)
+    // scales the cone's radii.
+    if (m_type == CKvMapProjData::eLambert2SP && IsSet(m_scaleFactor) && m_scaleFactor != 1.0) {
+        if (epsg) {
+            m_lambertScale = true;
+        } else {
+            std::snprintf(buffer, sizeof buffer,
+                          "Lambert_Conformal_Conic with two standard parallels: its Scale_Factor %.16g is not "
+                          "applied (the registry's two-parallel Michigan form scales the map by it)",
+                          m_scaleFactor);
+            _warn(buffer);
+        }
+    }
+
+    // At a pole GDAL names the axes by the meridians they run along, with the
+    // same word for both ("SOUTH" along 90 E and 180 E at the north pole): there
+    // those words are no signs. The names say which axis is the easting.
+    const double originLatitude = m_latitudeOfOrigin * (m_angularUnit / kDegree);
+    const bool polar = m_type == CKvMapProjData::ePolarStereographic ||
+                       m_type == CKvMapProjData::eStereographicNorthPole ||
+                       m_type == CKvMapProjData::eStereographicSouthPole ||
+                       ((m_type == CKvMapProjData::eLambertAzimuthalEqualArea ||
+                         m_type == CKvMapProjData::eStereographic ||
+                         m_type == CKvMapProjData::eStereographicSnyder) &&
+                        CKvFloatCompareRel::Close(std::fabs(originLatitude), 90.0, 1e-12));
+    const bool sameWord = SameWord(m_axisDirection[0], m_axisDirection[1].GetString()) &&
+                          (SameWord(m_axisDirection[0], "NORTH") || SameWord(m_axisDirection[0], "SOUTH"));
+    if (polar && sameWord) {
+        const auto northing = [](const CString& axisName) {
+            const char c = axisName.IsEmpty() ? ' ' : axisName.GetAt(0);
+            return c == 'N' || c == 'n' || c == 'Y' || c == 'y';
+        };
+        const bool northFirst = northing(m_axisName[0]) && !northing(m_axisName[1]);
+        if (epsg) {
+            m_axisDirection[0] = northFirst ? "NORTH" : "EAST";
+            m_axisDirection[1] = northFirst ? "EAST" : "NORTH";
+        } else {
+            // Read as directions, a north or south first axis exchanges the two and
+            // south negates: the same as the registry's only for a northing first,
+            // both named NORTH.
+            const bool south = SameWord(m_axisDirection[0], "SOUTH");
+            if (south || !northFirst) {
+                std::snprintf(buffer, sizeof buffer,
+                              "the axes %s and %s both run %s along meridians at the pole; read as directions "
+                              "they %s%s the coordinates (the registry's are %s)",
+                              m_axisName[0].GetString(), m_axisName[1].GetString(), m_axisDirection[0].GetString(),
+                              south ? "negate" : "exchange", south && !northFirst ? " and exchange" : "",
+                              northFirst ? "northing, easting" : "easting, northing");
+                _warn(buffer);
+            }
+        }
+    }
+
+    // A PROJ4 EXTENSION that computes on a sphere over an ellipsoidal datum (Web
+    // Mercator as GDAL writes EPSG:3857).
+    const int extension = T.Find("EXTENSION[");
+    if (extension >= 0 && P.GetLength() > 0) {
+        const std::string ext = T.Mid(extension).GetStdString();
+        double a = 0.0, b = 0.0, r = 0.0;
+        double sphere = 0.0;
+        if (ProjToken(ext, "R", r))
+            sphere = r;
+        else if (ProjToken(ext, "a", a) && ProjToken(ext, "b", b) && a == b)
+            sphere = a;
+        if (sphere > 0.0 && IsSet(m_inverseFlattening) && m_inverseFlattening != 0.0) {
+            m_extensionSphere = sphere;
+            if (epsg) {
+                std::snprintf(buffer, sizeof buffer,
+                              "its PROJ4 EXTENSION projects on a sphere of radius %.16g over the ellipsoidal datum "
+                              "(Web Mercator): not supported",
+                              sphere);
+                m_failureReason = buffer;
+                m_type = CKvMapProjData::eNoProjection;
+            } else {
+                std::snprintf(buffer, sizeof buffer,
+                              "its PROJ4 EXTENSION projects on a sphere of radius %.16g (Web Mercator); read on its "
+                              "SPHEROID instead, the coordinates differ by kilometres",
+                              sphere);
+                _warn(buffer);
+            }
+        }
+    }
 }
 
 bool CKvPRJParser::Parse(bool sortParallels)
 {
     const CString& T = m_text;
+    m_failureReason.clear();
+    m_warnings.clear();
+    m_centreOrigin = m_southOrientated = m_lambertScale = false;
+    m_extensionSphere = 0.0;
     if (!IsPRJ(T))
-        return false;
+        return _fail(NotWktReason(T));
 
     m_projCSName = ShortName(T);
     m_geoCSName = GetName(T, "GEOGCS");
@@ -574,7 +807,7 @@ bool CKvPRJParser::Parse(bool sortParallels)
     const CString R = GetNameParam(T, "UNIT", m_angularUnitName, m_angularUnit);
     if (!IsSet(m_angularUnit)) {
         m_type = CKvMapProjData::eNoProjection;
-        return false;
+        return _fail("the geographic system has no UNIT node with its angular unit");
     }
 
     const int projection = T.Find("PROJECTION");
@@ -590,7 +823,7 @@ bool CKvPRJParser::Parse(bool sortParallels)
         const CString name = P.Tokenize(kNodeDelimiters, pos);
         m_type = LookUpProjectionName(name);
         if (m_type == CKvMapProjData::eNoProjection)
-            return false;
+            return _fail("projection \"" + name.GetStdString() + "\" is not supported");
         m_typeName = name;
 
         _readParameters(P, LowerCase(P.GetStdString()));
@@ -604,17 +837,23 @@ bool CKvPRJParser::Parse(bool sortParallels)
         GetNameParam(R, "UNIT", m_projUnitName, m_projUnit);
         if (!IsSet(m_projUnit)) {
             m_type = CKvMapProjData::eNoProjection;
-            return false;
+            return _fail("the projected system has no linear UNIT after its GEOGCS");
         }
 
         const CString A = GetNameParam(P, "AXIS", m_axisName[0], m_axisDirection[0]);
         GetNameParam(A, "AXIS", m_axisName[1], m_axisDirection[1]);
+        if (m_type != CKvMapProjData::eNoProjection)
+            _applyReadingRules(name, T, P);
     }
 
     // Validation: the engine must be constructible; it also fills the derived
     // parameters of the Mercator and polar stereographic forms.
-    if (m_type != CKvMapProjData::eNoProjection)
-        CKvProjection::Release(CreateMapProjection());
+    if (m_type != CKvMapProjData::eNoProjection) {
+        CKvProjection* engine = CreateMapProjection();
+        if (engine == nullptr && m_failureReason.empty())
+            m_failureReason = "projection \"" + m_typeName.GetStdString() + "\" could not be built";
+        CKvProjection::Release(engine);
+    }
     return m_type != CKvMapProjData::eNoProjection;
 }
 
@@ -631,8 +870,11 @@ CKvProjection* CKvPRJParser::CreateMapProjection()
     auto angle = [k](double value) { return value * k; };
     auto longitude = [this, k](double value) { return value * k + m_primeMeridian; };
     auto length = [u](double value) { return value * u; };
-    const double fe = length(m_falseEasting);
-    const double fn = length(m_falseNorthing);
+    // The registry's south-orientated grid subtracts the coordinates from the
+    // false origin; the axes (west, south) negate what the engine gives.
+    const double originSign = m_southOrientated && m_reading == eEpsgReading ? -1.0 : 1.0;
+    const double fe = originSign * length(m_falseEasting);
+    const double fn = originSign * length(m_falseNorthing);
 
     CKvProjection* engine = nullptr;
     double derived[4] = {0.0, 0.0, 0.0, 0.0};
@@ -660,9 +902,11 @@ CKvProjection* CKvPRJParser::CreateMapProjection()
         return new CKvObliqueMercator(name, m_scaleFactor, longitude(m_longitudeOfCenter), angle(m_latitudeOfCenter),
                                       angle(m_azimuth), fe, fn, ellipsoid);
     case CKvMapProjData::eRectifiedSkewOrthomorphic:
-        return new CKvRectifiedSkewOrthomorphic(name, m_scaleFactor, longitude(m_longitudeOfCenter),
-                                                angle(m_latitudeOfCenter), angle(m_azimuth),
-                                                angle(m_xyPlaneRotation), fe, fn, ellipsoid);
+        // A Hotine text without a grid angle is read as this form: its grid angle
+        // is then the azimuth (EPSG's rule for both Hotine variants).
+        return new CKvRectifiedSkewOrthomorphic(
+            name, m_scaleFactor, longitude(m_longitudeOfCenter), angle(m_latitudeOfCenter), angle(m_azimuth),
+            angle(IsSet(m_xyPlaneRotation) ? m_xyPlaneRotation : m_azimuth), fe, fn, ellipsoid, m_centreOrigin);
     case CKvMapProjData::eRotatedLongitudeLatitude:
         // The pole and the rotation are taken as written, in degrees.
         return new CKvRotatedLongitudeLatitude(name, m_longitudeOfSouthPole, m_latitudeOfSouthPole,

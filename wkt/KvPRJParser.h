@@ -6,6 +6,7 @@
 #include "paramfile/String.h"
 
 #include <list>
+#include <string>
 #include <map>
 
 class CKvProjection;
@@ -18,6 +19,23 @@ class CKvPRJParser
 {
 public:
     static constexpr double Undefined = -1.0e-35;
+
+    // How a text is read where the established reading of a WKT name differs
+    // from the EPSG registry's definition of the same system (the south-orientated
+    // transverse Mercator, ESRI's "Stereographic", the scale of a two-parallel
+    // Lambert, axes named along meridians at a pole, a spherical EXTENSION).
+    // eCompatibleReading keeps the established reading and records a warning for
+    // every such text; eEpsgReading gives the registry's coordinates.
+    enum EReading
+    {
+        eCompatibleReading = 0,
+        eEpsgReading = 1
+    };
+
+    // The process-wide reading that new parsers take (eCompatibleReading unless
+    // a host chose otherwise). Safe to call from any thread.
+    static void SetDefaultReading(EReading reading);
+    static EReading GetDefaultReading();
 
     enum EAxisType
     {
@@ -99,6 +117,24 @@ public:
 
     CKvMapProjData::EProjectionType LookUpProjectionName(const CString& wktName) const;
 
+    // The reading of this parser; a new parser takes the process-wide one.
+    EReading GetReading() const { return m_reading; }
+    void SetReading(EReading reading) { m_reading = reading; }
+    // Why the last Parse failed (empty after a success), e.g.
+    // 'projection "Mercator_Auxiliary_Sphere" is not supported'.
+    const std::string& GetFailureReason() const { return m_failureReason; }
+    // What the last Parse read differently from the EPSG registry, one sentence
+    // per line; empty when the text reads as the registry defines it. Under the
+    // EPSG reading: what was read by the registry's rule instead of the text's
+    // literal meaning.
+    const std::string& GetWarnings() const { return m_warnings; }
+    // An oblique Mercator text named after its projection centre (EPSG variant
+    // B): its coordinates count from the centre, whatever type it is read as.
+    bool GetCentreOrigin() const { return m_centreOrigin; }
+    void SetCentreOrigin(bool centre) { m_centreOrigin = centre; }
+    // A south-orientated transverse Mercator (westing/southing, EPSG 9808).
+    bool GetSouthOrientated() const { return m_southOrientated; }
+
     CString GetProjCSname() const { return m_projCSName; }
     void SetProjCSname(const CString& name) { m_projCSName = name; }
     CString GetGeoCSname() const { return m_geoCSName; }
@@ -163,6 +199,11 @@ protected:
     // Step 9 of the parse: the parameters of the type from P, the text from the
     // PROJECTION keyword on; lowerP is P in lower case.
     void _readParameters(const CString& P, const std::string& lowerP);
+    // The rules by which the registry and the established reading part: applied
+    // or reported after the parameters are read.
+    void _applyReadingRules(const CString& name, const CString& T, const CString& P);
+    void _warn(const std::string& sentence);
+    bool _fail(const std::string& reason);
 
 private:
     std::map<CString, CKvMapProjData::EProjectionType> m_projectionNames; // lower-cased WKT names
@@ -201,6 +242,13 @@ private:
     double m_projUnit;
     CString m_axisName[2];
     CString m_axisDirection[2];
+    EReading m_reading;
+    std::string m_failureReason;
+    std::string m_warnings;
+    bool m_centreOrigin;
+    bool m_southOrientated;
+    bool m_lambertScale; // a two-parallel Lambert whose Scale_Factor is applied
+    double m_extensionSphere; // radius of a spherical PROJ4 EXTENSION, or 0
 };
 
 #endif

@@ -61,6 +61,12 @@ const char kMainHelp[] =
     "                    else ~/.config/kvcart/; created when a definition is first added)\n"
     "  -h, --help        this help; 'kvcart COMMAND --help' for a command's\n"
     "  --version         the program's version\n"
+    "  --compatible-reading  read WKT as the library does by default, where that\n"
+    "                    differs from the EPSG registry (south-orientated transverse\n"
+    "                    Mercator, ESRI Stereographic, a scaled two-parallel Lambert,\n"
+    "                    axes at a pole, a spherical PROJ4 extension), with a warning\n"
+    "                    for each difference; by default the program gives the\n"
+    "                    registry's coordinates\n"
     "\n"
     "Exit status: 0 success; 1 input lines that could not be converted, a catalogue\n"
     "file with errors or an edit that could not be saved; 2 usage errors (unknown\n"
@@ -366,13 +372,13 @@ void CKvCliCommands::_help(const SCommand* command) const
 {
     std::fputs(command != nullptr ? command->help : kMainHelp, m_out);
     if (command != nullptr)
-        std::fputs("\nOptions of every command: --catalogue DIR, --user-dir DIR, --help, --version.\n", m_out);
+        std::fputs("\nOptions of every command: --catalogue DIR, --user-dir DIR, --compatible-reading, --help, --version.\n", m_out);
 }
 
 int CKvCliCommands::Main(int argc, const char* const* argv)
 {
     std::vector<CKvCliArguments::SOption> known = {{"catalogue", true}, {"user-dir", true}, {"help", false},
-                                                   {"version", false}};
+                                                   {"version", false}, {"compatible-reading", false}};
     for (const SCommand& command : _commands())
         known.insert(known.end(), command.options.begin(), command.options.end());
     std::string error;
@@ -397,7 +403,7 @@ int CKvCliCommands::Main(int argc, const char* const* argv)
         _help(m_pCommand);
         return eSuccess;
     }
-    std::vector<const char*> allowed = {"catalogue", "user-dir"};
+    std::vector<const char*> allowed = {"catalogue", "user-dir", "compatible-reading"};
     for (const CKvCliArguments::SOption& option : m_pCommand->options)
         allowed.push_back(option.name);
     const std::string stray = m_args.FirstNotIn(allowed);
@@ -410,6 +416,9 @@ int CKvCliCommands::Main(int argc, const char* const* argv)
         return _usage("too many arguments");
     if (!_readCatalogue())
         return eUsage;
+    // The program reads WKT as the EPSG registry defines it; the established
+    // reading of the library's default is an option.
+    CKvMapProjection::SetEpsgReading(!m_args.Has("compatible-reading"));
     return (this->*(m_pCommand->run))();
 }
 
@@ -487,6 +496,7 @@ bool CKvCliCommands::_number(const std::string& argument, const char* what, doub
 namespace {
 
 // The system of a coordinate-system text, or null with the reason in error.
+// shown is the argument as the user gave it: a name, a WKT text or @FILE.
 std::unique_ptr<CKvMapProjection> MakeSystem(const std::string& text, const std::string& shown, std::string& error)
 {
     std::unique_ptr<CKvMapProjection> system;
@@ -497,12 +507,30 @@ std::unique_ptr<CKvMapProjection> MakeSystem(const std::string& text, const std:
         return nullptr;
     }
     if (system->GetProjection() == nullptr) {
-        error = "unknown coordinate system '" + shown + "' ('kvcart list' shows the catalogue)";
+        const std::string& reason = system->GetMessage();
+        if (reason.compare(0, 26, "unknown coordinate system ") == 0 || reason.empty())
+            error = "unknown coordinate system '" + shown + "' ('kvcart list' shows the catalogue)";
+        else
+            error = (shown.size() > 1 && shown[0] == '@' ? shown.substr(1) : std::string("the WKT text")) + ": " +
+                    reason;
         return nullptr;
     }
     return system;
 }
 
+} // namespace
+
+void CKvCliCommands::_reportReading(const std::string& shown, const CKvMapProjection& system, FILE* to,
+                                    const char* prefix) const
+{
+    std::istringstream lines(system.GetMessage());
+    const std::string what = shown.size() > 1 && shown[0] == '@' ? shown.substr(1) : shown;
+    const bool longText = what.size() > 60;
+    for (std::string line; std::getline(lines, line);)
+        std::fprintf(to, "%s%s: %s\n", prefix, longText ? "the WKT text" : what.c_str(), line.c_str());
+}
+
+namespace {
 } // namespace
 
 int CKvCliCommands::_transform()
@@ -516,6 +544,7 @@ int CKvCliCommands::_transform()
         systems[i] = MakeSystem(text, args[i], error);
         if (!systems[i])
             return _usage(error);
+        _reportReading(args[i], *systems[i], m_err, "kvcart: warning: ");
     }
     // "LONG/LAT" carries no ellipsoid, and the converter shifts nothing between
     // a system without one and any other. When a datum shift is asked for, on
@@ -671,6 +700,14 @@ int CKvCliCommands::_info()
             values += (i ? "," : "") + Exact(shift[i]);
         std::fprintf(m_out, "Datum shift:   %s to WGS 84 (%s)\n", values.c_str(),
                      count == 3 ? "metres" : "metres, arc-seconds, ppm; position vector");
+    }
+    std::fprintf(m_out, "Reading:       %s\n",
+                 CKvMapProjection::GetEpsgReading() ? "EPSG (--compatible-reading for the library's default)"
+                                                    : "compatible (the library's default)");
+    {
+        std::istringstream lines(system->GetMessage());
+        for (std::string line; std::getline(lines, line);)
+            std::fprintf(m_out, "Warning:       %s\n", line.c_str());
     }
 
     CString readable;

@@ -13,6 +13,8 @@
 // errors or an edit that could not be saved, 2 for usage errors (an unknown
 // command or option, wrong arguments, a coordinate system that does not
 // resolve, no catalogue).
+class CKvMapProjection;
+
 class CKvCliCommands
 {
 public:
@@ -62,6 +64,8 @@ private:
     // A number argument; false, with a usage message printed, when it is not one.
     bool _number(const std::string& argument, const char* what, double& value) const;
     bool _saveUserCatalogue();
+    // Each warning of the system's reading as a line "<prefix><what>: <warning>".
+    void _reportReading(const std::string& shown, const CKvMapProjection& system, FILE* to, const char* prefix) const;
 
     std::string m_programPath;
     FILE* m_out;
