@@ -1,6 +1,8 @@
 #ifndef KVCART_PROJECTIONS_KVANGLE_H
 #define KVCART_PROJECTIONS_KVANGLE_H
 
+#include "catalogue/KvFloatCompareRel.h"
+
 #include <cmath>
 
 // Angle reductions that the engines share.
@@ -31,6 +33,20 @@ public:
         if (!std::isfinite(dLon))
             return std::nan("");
         return std::remainder(dLon, 360.0);
+    }
+
+    // A latitude (of an origin, a parallel) within rounding of a pole, relatively
+    // 1e-12 as CKvFloatCompareRel judges, set exactly on the pole; any other value
+    // as it is. A degree written with 16 digits (0.0174532925199433 rad) turns 90
+    // into 90.00000000000001, a hair beyond the pole, where the tangent of the
+    // latitude changes sign and formulas meant for the pole turn to the other one.
+    static double SnapToPole(double latDegrees)
+    {
+        if (CKvFloatCompareRel::Close(latDegrees, 90.0))
+            return 90.0;
+        if (CKvFloatCompareRel::Close(latDegrees, -90.0))
+            return -90.0;
+        return latDegrees;
     }
 
     // A latitude outside [-90, 90] degrees (or not a number) has no point on the

@@ -22,6 +22,24 @@ public:
     // logarithm (or a series near the equator) and a short series; near them, and for eccentricities beyond the
     // series, as asinh(tan phi) - e atanh(e sin phi).
     static double Isometric(double phi, double e);
+    // sin chi = tanh psi and cos chi = sech psi for the latitude chi whose isometric
+    // latitude is psi (a conformal sphere's latitude from its isometric latitude),
+    // from sinh and cosh: by the series of sinh for small psi (no cancellation near
+    // the equator), else from one exponential; where cosh overflows, the pole.
+    static KVCART_ALWAYS_INLINE void SinCosFromIsometric(double psi, double& sinChi, double& cosChi)
+    {
+        double sinhPsi, coshPsi;
+        if (std::fabs(psi) < 0.5) {
+            sinhPsi = CKvMathKernel::SinhSmall(psi);
+            coshPsi = std::sqrt(1.0 + sinhPsi * sinhPsi);
+        } else {
+            const double E = std::exp(psi);
+            sinhPsi = (E - 1.0 / E) / 2.0;
+            coshPsi = (E + 1.0 / E) / 2.0;
+        }
+        sinChi = std::isfinite(coshPsi) ? sinhPsi / coshPsi : (psi > 0.0 ? 1.0 : -1.0);
+        cosChi = 1.0 / coshPsi;
+    }
     // tan chi from tan phi.
     static double TauPrime(double tau, double e);
     // tan phi from tan chi, by Newton's method on the equation above: the same root

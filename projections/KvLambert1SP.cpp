@@ -41,6 +41,10 @@ void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEa
     m_T0 = CKvLambertConic::T(m_phi0) * m_C0;
     m_inverse = CKvConformalLatitude::MakeInverse(_e());
     m_lnT = std::log(m_T0);
+    // An origin on a pole (or a rounding beyond it) makes no cone: n = 1 is the
+    // plane of the polar stereographic, whose engine that is. No map, as in PROJ.
+    if (std::fabs(CKvAngle::SnapToPole(phi0)) == 90.0)
+        m_r0 = std::nan("");
 }
 
 void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const

@@ -31,6 +31,9 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
     m_phi1 = phi1 * kDeg;
     m_phi2 = phi2 * kDeg;
     m_lambdaF = lambdaF * kDeg;
+    // A false origin a rounding beyond the pole (a degree written with 16 digits
+    // makes 90 of 90.00000000000001) is the pole: beyond it t(phiF) turns negative.
+    phiF = CKvAngle::SnapToPole(phiF);
     m_phiF = phiF * kDeg;
     m_FE = falseEasting;
     m_FN = falseNorthing;
@@ -51,6 +54,11 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
     m_K = m_nu1 * std::cos(m_phi1) / m_n;
     const double TF = m_CF * CKvLambertConic::T(m_phiF);
     m_rF = m_K * std::pow(TF / m_T1, m_n);
+    // A false origin on a pole (the Belgian grids): on the cone's apex rF is 0, which
+    // t of the south pole, the tangent of the rounded right angle, only approaches;
+    // the other pole lies at infinity on the map, and no grid counts from there.
+    if (std::fabs(phiF) == 90.0)
+        m_rF = phiF * m_n > 0.0 ? 0.0 : std::nan("");
 }
 
 void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -72,7 +80,7 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     const double dx = x - m_FE;
     const double dy = m_rF - (y - m_FN);
-    const double theta = std::atan(dx / dy);
+    const double theta = dx == 0.0 && dy == 0.0 ? 0.0 : std::atan(dx / dy); // the apex: the pole
     // The sine form only from 0.1 rad upwards, the cosine form below, negative
     // angles included: kept as the catalogue's engines have always done.
     const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);

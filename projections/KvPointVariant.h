@@ -20,6 +20,7 @@ protected:
                     const CKvEllipsoid& ellipsoid);
 
     double m_a, m_invF, m_e, m_e2;
+    double m_lon0, m_lat0; // the origin in degrees, as given
     double m_lambda0, m_phi0, m_FE, m_FN;
 };
 

@@ -6,6 +6,7 @@
 
 namespace {
 constexpr double kPi = 3.141592653589793;
+constexpr double kHalfPi = kPi / 2; // 90 degrees as the engines convert them
 
 double EccentricityTerm(double e)
 {
@@ -26,6 +27,11 @@ CKvPolarStereographicCore CKvPolarStereographicCore::AtPole(double a, double e, 
     core.m_FE = falseEasting;
     core.m_FN = falseNorthing;
     core.m_scaleTerm = 2.0 * a * k0 / EccentricityTerm(e);
+    // No map on a figure that is none (an unknown ellipsoid, a <= 0, e >= 1) or with
+    // a scale that is not positive: NaN for every point rather than the false
+    // origin (a = 0) or a mirrored map.
+    if (!(a > 0.0 && std::isfinite(a) && e >= 0.0 && e < 1.0 && k0 > 0.0 && std::isfinite(k0)))
+        core.m_scaleTerm = std::nan("");
     return core;
 }
 
@@ -36,7 +42,9 @@ CKvPolarStereographicCore CKvPolarStereographicCore::OnParallel(double a, double
     const int pole = phiC < 0.0 ? -1 : 1;
     const double phi = pole * phiC; // the parallel seen from its own pole
     double k0 = 1.0;
-    if (std::fabs(phi - kPi / 2) > 1e-15) {
+    if (!(std::fabs(phiC) <= kPi / 2 + 1e-15)) {
+        k0 = std::nan(""); // a parallel beyond the pole
+    } else if (std::fabs(phi - kPi / 2) > 1e-15) {
         const double s = std::sin(phi);
         const double mc = std::cos(phi) / std::sqrt(1.0 - e * e * s * s);
         k0 = mc * EccentricityTerm(e) / (2.0 * CKvConformalLatitude::T(phi, e));
@@ -46,6 +54,12 @@ CKvPolarStereographicCore CKvPolarStereographicCore::OnParallel(double a, double
 
 void CKvPolarStereographicCore::Forward(double lambda, double phi, double* x, double* y) const
 {
+    // The other pole lies at infinity; t there would be the tangent of the rounded
+    // right angle, a made-up 1.6e16.
+    if (m_pole * phi <= -kHalfPi) {
+        *x = *y = std::nan("");
+        return;
+    }
     const double rho = m_scaleTerm * CKvConformalLatitude::T(m_pole * phi, m_e);
     const double dLambda = lambda - m_lambda0;
     *x = m_FE + rho * std::sin(dLambda);

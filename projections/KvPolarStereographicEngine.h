@@ -1,7 +1,7 @@
 #ifndef KVCART_PROJECTIONS_KVPOLARSTEREOGRAPHICENGINE_H
-#include "projections/KvAngle.h"
 #define KVCART_PROJECTIONS_KVPOLARSTEREOGRAPHICENGINE_H
 
+#include "projections/KvAngle.h"
 #include "projections/KvPolarStereographicCore.h"
 #include "projections/KvProjectionEngine.h"
 

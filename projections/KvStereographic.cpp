@@ -41,9 +41,20 @@ double CKvStereographic::_psiPoint(double phi) const
 void CKvStereographic::_init(double k0, double centralMeridian, double originLatitude, double falseEasting,
                              double falseNorthing)
 {
+    // An origin a rounding beyond a pole is the pole: beyond it the tangent in the
+    // isometric latitude of the origin changes sign, and with it the constant c,
+    // which put every point of the map at the origin.
+    originLatitude = CKvAngle::SnapToPole(originLatitude);
+    m_lon0 = centralMeridian;
+    m_lat0 = originLatitude;
     m_k0 = k0;
     m_lambda0 = centralMeridian * kDeg;
-    m_phi0 = originLatitude * kDeg;
+    // No map for an origin off the ellipsoid, a figure that is none (an unknown
+    // ellipsoid, a < 0, e >= 1) or a scale that is not positive: every constant
+    // below becomes NaN, and so does every point.
+    const bool usable = CKvAngle::IsLatitude(originLatitude) && _a() > 0.0 && std::isfinite(_a()) && _e() < 1.0 &&
+                        k0 > 0.0 && std::isfinite(k0);
+    m_phi0 = usable ? originLatitude * kDeg : std::nan("");
     m_FE = falseEasting;
     m_FN = falseNorthing;
     const double e = _e(), e2 = _e2(), s0 = std::sin(m_phi0), c0 = std::cos(m_phi0);
@@ -64,7 +75,7 @@ void CKvStereographic::_init(double k0, double centralMeridian, double originLat
     // polar stereographic's constant, which stands in where the terms overflow.
     const double nMinusS0 = q / (m_n + 1.0) + c0 * c0 / (1.0 + s0);
     m_halfLnC = 0.5 * std::log((m_n + s0) / nMinusS0) - m_n * _psi(m_phi0);
-    if (!std::isfinite(m_halfLnC))
+    if (!std::isfinite(m_halfLnC) && usable)
         m_halfLnC = (s0 < 0.0 ? -e : e) * std::atanh(e);
     m_twoRk0 = 2.0 * m_R * m_k0;
     m_inverse = CKvConformalLatitude::MakeInverse(e);
@@ -75,20 +86,10 @@ void CKvStereographic::Geo2Proj(double lon, double lat, double* x, double* y) co
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double dLambda = m_n * CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0); // conformal longitude
+    // The conformal sphere's isometric latitude, and from it sin chi and cos chi.
     const double t = m_n * _psiPoint(lat * kDeg) + m_halfLnC;
-    // sin chi = tanh t and cos chi = sech t, from sinh t and cosh t: by the series
-    // of sinh for small t (no cancellation near the equator), else from exp(t).
-    double sinhT, coshT;
-    if (std::fabs(t) < 0.5) {
-        sinhT = CKvMathKernel::SinhSmall(t);
-        coshT = std::sqrt(1.0 + sinhT * sinhT);
-    } else {
-        const double E = std::exp(t);
-        sinhT = (E - 1.0 / E) / 2.0;
-        coshT = (E + 1.0 / E) / 2.0;
-    }
-    const double sinChi = std::isfinite(coshT) ? sinhT / coshT : (t > 0.0 ? 1.0 : -1.0);
-    const double cosChi = 1.0 / coshT;
+    double sinChi, cosChi;
+    CKvConformalLatitude::SinCosFromIsometric(t, sinChi, cosChi);
     double sinDl, cosDl;
     CKvMathKernel::SinCosAny(dLambda, sinDl, cosDl);
     const double B = 1.0 + sinChi * m_sinChi0 + cosChi * m_cosChi0 * cosDl;
@@ -121,11 +122,11 @@ void CKvStereographic::Proj2Geo(double x, double y, double* lon, double* lat) co
 
 void CKvStereographic::GetOrigin(double* x, double* y) const
 {
-    *x = m_lambda0 / kDeg;
-    *y = m_phi0 / kDeg;
+    *x = m_lon0;
+    *y = m_lat0;
 }
 
 void CKvStereographic::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
 {
-    _boxAround(m_lambda0 / kDeg, m_phi0 / kDeg, true, x1, y1, x2, y2);
+    _boxAround(m_lon0, m_lat0, true, x1, y1, x2, y2);
 }

@@ -30,6 +30,7 @@ private:
     double _psi(double phi) const; // the isometric latitude
     double _psiPoint(double phi) const; // the same, by the shared fast form
 
+    double m_lon0, m_lat0; // the origin in degrees, as given
     double m_k0, m_lambda0, m_phi0, m_FE, m_FN;
     double m_R, m_n, m_halfLnC, m_chi0, m_sinChi0, m_cosChi0;
     double m_twoRk0;
