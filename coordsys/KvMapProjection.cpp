@@ -342,6 +342,11 @@ const std::string& CKvMapProjection::GetLastMessage()
     return t_lastMessage;
 }
 
+void CKvMapProjection::SetLastMessage(const std::string& message)
+{
+    t_lastMessage = message;
+}
+
 void CKvMapProjection::SetEpsgReading(bool on)
 {
     CKvPRJParser::SetDefaultReading(on ? CKvPRJParser::eEpsgReading : CKvPRJParser::eCompatibleReading);

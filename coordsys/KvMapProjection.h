@@ -117,6 +117,9 @@ public:
     // The message of the coordinate system this thread resolved last (by a
     // constructor or GetProjection): empty, a reason or warnings, as GetMessage.
     static const std::string& GetLastMessage();
+    // Sets that message, for the library's functions that resolve a text on
+    // their own behalf (such as the PROJ string of a WKT).
+    static void SetLastMessage(const std::string& message);
 
     // How WKT is read where its established reading and the EPSG registry part
     // (south-orientated transverse Mercator, ESRI "Stereographic", a scaled

@@ -431,3 +431,25 @@ extern "C" void C_KVC_CONVERT2PROJ4(const char* text, double* datumShift, int co
         *status = -1;
     }
 }
+
+extern "C" void C_KVC_CONVERT2PROJ(const char* text, double* datumShift, int count, char* buffer, int size,
+                                   int* status)
+{
+    // No exception may cross the C boundary.
+    try {
+        std::string reason;
+        const std::string proj =
+            CKvProjTranslator().ConvertToProj(text != nullptr ? text : "", datumShift, count, &reason);
+        CKvMapProjection::SetLastMessage(reason);
+        if (proj.empty()) {
+            *status = -1;
+            return;
+        }
+        CopyResult(proj, buffer, size, status);
+    } catch (const std::exception& e) {
+        CKvMapProjection::SetLastMessage(e.what());
+        *status = -1;
+    } catch (...) {
+        *status = -1;
+    }
+}

@@ -176,6 +176,15 @@ void CARTGETERRORLINUX(char* buffer, int size, int* status);
  * bytes; *status = length when it does not fit). *status = -1 for the generic
  * name "UTM", which names no zone. */
 void C_KVC_CONVERT2PROJ4(const char* text, double* datumShift, int count, char* buffer, int size, int* status);
+/* A PROJ string that PROJ 9 reads as the same system, the text read by the EPSG
+ * rules (C_KVC_SETEPSGREADING(1) whatever the setting): PROJ's own parameter
+ * names (+lonc and +no_uoff for the oblique Mercator, +k_0, +axis=wsu, ...),
+ * numbers in their shortest exact form, ending "+no_defs +type=crs" (no
+ * trailing text, so it can be pasted unquoted into a shell). Arguments and
+ * string rule as C_KVC_CONVERT2PROJ4; *status = -1 when the text has no PROJ
+ * string (unresolved, a local grid, a method PROJ cannot be told), with the
+ * reason from C_KVMP_GETLASTERROR. */
+void C_KVC_CONVERT2PROJ(const char* text, double* datumShift, int count, char* buffer, int size, int* status);
 
 #ifdef __cplusplus
 }

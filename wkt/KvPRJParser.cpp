@@ -169,6 +169,7 @@ void CKvPRJParser::_initialize()
     m_centreOrigin = false;
     m_southOrientated = false;
     m_lambertScale = false;
+    m_krovakFromAxes = false;
     m_extensionSphere = 0.0;
     m_projectionNames.clear();
     for (const SProjectionName& row : kProjectionNames)
@@ -579,6 +580,17 @@ void CKvPRJParser::_readParameters(const CString& P, const std::string& lowerP)
             complete = true;
         }
         break;
+    case CKvMapProjData::eKrovak:
+        // WKT 1 as GDAL writes it names no X/Y scales nor plane rotation (ESRI's
+        // parameters): its AXIS nodes say how the grid runs. They are derived from
+        // the axes once those are read.
+        if (!complete && IsSet(m_falseEasting) && IsSet(m_falseNorthing) && IsSet(m_longitudeOfCenter) &&
+            IsSet(m_latitudeOfCenter) && IsSet(m_azimuth) && IsSet(m_scaleFactor) && IsSet(m_pseudoParallel) &&
+            !IsSet(m_xScale) && !IsSet(m_yScale) && !IsSet(m_xyPlaneRotation)) {
+            m_krovakFromAxes = true;
+            complete = true;
+        }
+        break;
     default: break;
     }
     if (!complete) {
@@ -650,6 +662,38 @@ void CKvPRJParser::_applyReadingRules(const CString& name, const CString& T, con
     if (SameWord(name, "Hotine_Oblique_Mercator_Azimuth_Center") ||
         SameWord(name, "Rectified_Skew_Orthomorphic_Center"))
         m_centreOrigin = true;
+
+    // A Krovak text without ESRI's scales and rotation: the engine's own grid
+    // counts southing and westing; each AXIS names one of them, or its negation
+    // (north, east: EPSG's north-orientated form), and the scales and rotation
+    // are chosen to give those coordinates in that order.
+    if (m_krovakFromAxes) {
+        const auto component = [](const CString& direction, bool& southing, double& sign) {
+            southing = SameWord(direction, "SOUTH") || SameWord(direction, "NORTH");
+            sign = SameWord(direction, "SOUTH") || SameWord(direction, "WEST") ? 1.0 : -1.0;
+        };
+        bool firstSouthing = false, secondSouthing = false;
+        double sign1 = 1.0, sign2 = 1.0;
+        component(m_axisDirection[0], firstSouthing, sign1);
+        component(m_axisDirection[1], secondSouthing, sign2);
+        if (firstSouthing == secondSouthing) {
+            m_type = CKvMapProjData::eNoProjection;
+            m_failureReason = "projection \"Krovak\": its axes " + m_axisDirection[0].GetStdString() + " and " +
+                              m_axisDirection[1].GetStdString() + " do not name a southing and a westing";
+            return;
+        }
+        if (firstSouthing) { // x = sign1 southing, y = sign2 westing
+            m_xScale = sign1;
+            m_yScale = sign2;
+            m_xyPlaneRotation = 0.0;
+        } else { // turned a quarter: x = -Y_Scale westing, y = X_Scale southing
+            m_xScale = sign2;
+            m_yScale = -sign1;
+            m_xyPlaneRotation = 90.0 * (kDegree / m_angularUnit);
+        }
+        m_axisDirection[0] = "EAST";
+        m_axisDirection[1] = "NORTH";
+    }
 
     // The south-orientated transverse Mercator (EPSG 9808) counts westing and
     // southing: W = FE - E, S = FN - N.
@@ -772,7 +816,7 @@ bool CKvPRJParser::Parse(bool sortParallels)
     const CString& T = m_text;
     m_failureReason.clear();
     m_warnings.clear();
-    m_centreOrigin = m_southOrientated = m_lambertScale = false;
+    m_centreOrigin = m_southOrientated = m_lambertScale = m_krovakFromAxes = false;
     m_extensionSphere = 0.0;
     if (!IsPRJ(T))
         return _fail(NotWktReason(T));

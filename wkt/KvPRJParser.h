@@ -248,6 +248,7 @@ private:
     bool m_centreOrigin;
     bool m_southOrientated;
     bool m_lambertScale; // a two-parallel Lambert whose Scale_Factor is applied
+    bool m_krovakFromAxes; // a Krovak whose scales and rotation follow from its AXIS nodes
     double m_extensionSphere; // radius of a spherical PROJ4 EXTENSION, or 0
 };
 

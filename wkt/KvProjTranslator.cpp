@@ -4,8 +4,14 @@
 #include "geodesy/KvDatumShift.h"
 #include "projections/KvProjection.h"
 #include "wkt/KvPRJParser.h"
+#include "paramfile/NumericLocale.h"
 
+#include <memory>
+
+#include <algorithm>
 #include <cmath>
+#include <cstdio>
+#include <cstdlib>
 #include <fstream>
 
 namespace {
@@ -207,4 +213,257 @@ std::string CKvProjTranslator::ConvertPRJFile2Proj4(const std::string& path, con
     if (cr != std::string::npos)
         line.erase(cr);
     return Convert2Proj4(line, datumShift, count);
+}
+
+namespace {
+
+// The shortest decimal form that reads back as the same double ("%.17g" at
+// most): 0.999975, not 0.9999749999999999.
+std::string Shortest(double value)
+{
+    if (value == 0.0)
+        return "0"; // also for -0
+    char buffer[400];
+    int digits = 1;
+    for (; digits < 17; ++digits) {
+        std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
+        if (CNumericLocale::Strtod(buffer, nullptr) == value)
+            break;
+    }
+    // Positional notation for the sizes of coordinates and angles: 500000, not 5e+05.
+    const int exponent = static_cast<int>(std::floor(std::log10(std::fabs(value))));
+    if (exponent >= -6 && exponent < 17) {
+        std::snprintf(buffer, sizeof buffer, "%.*f", std::max(0, digits - 1 - exponent), value);
+        return buffer;
+    }
+    std::snprintf(buffer, sizeof buffer, "%.*g", digits, value);
+    return buffer;
+}
+
+} // namespace
+
+std::string CKvProjTranslator::ConvertToProj(const std::string& text, const double* datumShift, int count,
+                                             std::string* reason) const
+{
+    std::string why;
+    const auto fail = [&why, reason](const std::string& r) {
+        if (reason != nullptr)
+            *reason = r;
+        return std::string();
+    };
+    CString trimmed(text.c_str());
+    trimmed.Trim();
+    // A catalogue name is described by its engine's definition; its own reading
+    // is the registry's already.
+    std::unique_ptr<CKvProjection, void (*)(CKvProjection*)> engine(nullptr, CKvProjection::Release);
+    CString wkt;
+    if (CKvPRJParser::IsPRJ(trimmed)) {
+        wkt = trimmed;
+    } else {
+        engine.reset(CKvMapProjection::GetProjection(trimmed.GetString(), nullptr, &why));
+        if (!engine)
+            return fail(why);
+        if (CKvMapProjection::IsLocal(trimmed.GetString()))
+            return fail("\"NON-UTM\" is a local grid, not georeferenced: PROJ has no string for it");
+        if (CKvMapProjection::IsLongLat(trimmed.GetString()))
+            return fail("\"LONG/LAT\" names no ellipsoid: PROJ has no string for it");
+        CKvPRJParser(engine.get()).Format(wkt);
+    }
+    CKvPRJParser parser(wkt);
+    parser.SetReading(CKvPRJParser::eEpsgReading);
+    if (!parser.Parse(false))
+        return fail(parser.GetFailureReason().empty() ? "the text is not a coordinate system"
+                                                      : parser.GetFailureReason());
+
+    CString name;
+    double u = CKvPRJParser::Undefined, f = CKvPRJParser::Undefined, pm = CKvPRJParser::Undefined;
+    double a = 0.0, rf = 0.0;
+    parser.GetProjUnit(name, u);
+    parser.GetAngularUnit(name, f);
+    parser.GetPrimeMeridian(name, pm);
+    parser.GetEllipsoid(name, a, rf);
+    if (pm == CKvPRJParser::Undefined)
+        pm = 0.0;
+    const double k = DegreesPerUnit(f);
+    const double metres = u == CKvPRJParser::Undefined ? 1.0 : u;
+
+    std::string out;
+    const auto token = [&out](const char* key, double value) {
+        out += std::string("+") + key + "=" + Shortest(value) + " ";
+    };
+    const auto angle = [&token, k](const char* key, double value) { token(key, value * k); };
+    const auto longitude = [&token, k, pm](const char* key, double value) { token(key, value * k + pm); };
+    // PROJ's x_0 and y_0 are added before +axis turns the grid: the registry's
+    // south-orientated grid subtracts the coordinates from its false origin.
+    const double originSign = parser.GetSouthOrientated() ? -1.0 : 1.0;
+    const auto falseOrigin = [&]() {
+        token("x_0", originSign * parser.GetFalseEasting() * metres);
+        token("y_0", originSign * parser.GetFalseNorthing() * metres);
+    };
+    const double scale = parser.GetScaleFactor();
+    const bool given = [](double v) { return v != CKvPRJParser::Undefined; }(parser.GetXYPlaneRotation());
+
+    switch (parser.GetProjectionType()) {
+    case CKvMapProjData::eTransverseMercator:
+    case CKvMapProjData::eNonProjected:
+        out += "+proj=tmerc ";
+        if (parser.GetSouthOrientated())
+            out += "+axis=wsu ";
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        token("k", scale);
+        falseOrigin();
+        break;
+    case CKvMapProjData::eLambert2SP:
+        out += "+proj=lcc ";
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        angle("lat_1", parser.GetStandardParallel1());
+        angle("lat_2", parser.GetStandardParallel2());
+        falseOrigin();
+        if (parser.GetScaleFactor() != CKvPRJParser::Undefined && parser.GetScaleFactor() != 1.0)
+            token("k_0", parser.GetScaleFactor());
+        break;
+    case CKvMapProjData::eLambert1SP:
+        out += "+proj=lcc ";
+        angle("lat_1", parser.GetLatitudeOfOrigin());
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        token("k_0", scale);
+        falseOrigin();
+        break;
+    case CKvMapProjData::eAlbersEqualArea:
+    case CKvMapProjData::eEquidistantConic:
+        out += parser.GetProjectionType() == CKvMapProjData::eAlbersEqualArea ? "+proj=aea " : "+proj=eqdc ";
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        angle("lat_1", parser.GetStandardParallel1());
+        angle("lat_2", parser.GetStandardParallel2());
+        falseOrigin();
+        break;
+    case CKvMapProjData::eStereographic:
+    case CKvMapProjData::eStereographicSnyder:
+        // EPSG's oblique stereographic is PROJ's sterea; Snyder's is PROJ's stere.
+        out += parser.GetProjectionType() == CKvMapProjData::eStereographic ? "+proj=sterea " : "+proj=stere ";
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        token("k", scale);
+        falseOrigin();
+        break;
+    case CKvMapProjData::eNewZealandMapGrid:
+        out += "+proj=nzmg ";
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        falseOrigin();
+        break;
+    case CKvMapProjData::eHotineObliqueMercator:
+    case CKvMapProjData::eObliqueMercator:
+    case CKvMapProjData::eRectifiedSkewOrthomorphic: {
+        // Variant A counts from the natural origin (+no_uoff), variant B from the
+        // centre; the grid angle is the azimuth unless one is given.
+        const bool centre = parser.GetProjectionType() == CKvMapProjData::eObliqueMercator ||
+                            (parser.GetProjectionType() == CKvMapProjData::eRectifiedSkewOrthomorphic &&
+                             parser.GetCentreOrigin());
+        out += centre ? "+proj=omerc " : "+proj=omerc +no_uoff ";
+        angle("lat_0", parser.GetLatitudeOfCenter());
+        longitude("lonc", parser.GetLongitudeOfCenter());
+        angle("alpha", parser.GetAzimuth());
+        if (parser.GetProjectionType() == CKvMapProjData::eRectifiedSkewOrthomorphic && given)
+            angle("gamma", parser.GetXYPlaneRotation());
+        token("k", scale);
+        falseOrigin();
+        break;
+    }
+    case CKvMapProjData::eMercator2SP:
+        out += "+proj=merc ";
+        angle("lat_ts", parser.GetStandardParallel1());
+        longitude("lon_0", parser.GetCentralMeridian());
+        falseOrigin();
+        break;
+    case CKvMapProjData::eMercator1SP:
+        out += "+proj=merc ";
+        longitude("lon_0", parser.GetCentralMeridian());
+        token("k", scale);
+        falseOrigin();
+        break;
+    case CKvMapProjData::eStereographicNorthPole:
+    case CKvMapProjData::eStereographicSouthPole:
+        out += parser.GetProjectionType() == CKvMapProjData::eStereographicNorthPole ? "+proj=stere +lat_0=90 "
+                                                                                     : "+proj=stere +lat_0=-90 ";
+        angle("lat_ts", parser.GetStandardParallel1());
+        longitude("lon_0", parser.GetCentralMeridian());
+        falseOrigin();
+        break;
+    case CKvMapProjData::ePolarStereographic:
+        // Variant A: the scale at the pole; the pole by the sign of the latitude.
+        out += parser.GetLatitudeOfOrigin() >= 0.0 ? "+proj=stere +lat_0=90 " : "+proj=stere +lat_0=-90 ";
+        longitude("lon_0", parser.GetCentralMeridian());
+        token("k", scale);
+        falseOrigin();
+        break;
+    case CKvMapProjData::eKrovak: {
+        // The engine's grid counts southing and westing, turned and scaled by the
+        // ESRI parameters; PROJ's counts easting and northing, and +axis turns it.
+        const double rotation = parser.GetXYPlaneRotation() * k;
+        const double xs = parser.GetXScale(), ys = parser.GetYScale();
+        const double quarter = std::remainder(rotation, 360.0) / 90.0;
+        if (std::fabs(xs) != 1.0 || std::fabs(ys) != 1.0 || quarter != std::nearbyint(quarter))
+            return fail("a Krovak grid scaled by other than 1 or turned by other than a right angle has no PROJ "
+                        "string");
+        const char southing = xs > 0.0 ? 's' : 'n', westing = ys > 0.0 ? 'w' : 'e';
+        char first = southing, second = westing;
+        const int turns = (static_cast<int>(std::nearbyint(quarter)) % 4 + 4) % 4;
+        const auto opposite = [](char c) { return c == 's' ? 'n' : c == 'n' ? 's' : c == 'w' ? 'e' : 'w'; };
+        for (int i = 0; i < turns; ++i) { // (x, y) -> (-y, x)
+            const char x = opposite(second), y = first;
+            first = x;
+            second = y;
+        }
+        out += "+proj=krovak ";
+        if (!(first == 'e' && second == 'n'))
+            out += std::string("+axis=") + first + second + "u ";
+        angle("lat_0", parser.GetLatitudeOfCenter());
+        longitude("lon_0", parser.GetLongitudeOfCenter());
+        angle("alpha", parser.GetAzimuth());
+        token("k", scale);
+        falseOrigin();
+        break;
+    }
+    case CKvMapProjData::eLambertAzimuthalEqualArea:
+    case CKvMapProjData::eCassiniSoldner:
+        out += parser.GetProjectionType() == CKvMapProjData::eCassiniSoldner ? "+proj=cass " : "+proj=laea ";
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        falseOrigin();
+        break;
+    case CKvMapProjData::eGeographical: out += "+proj=longlat "; break;
+    default:
+        return fail("a " + parser.GetProjectionTypeTitle().GetStdString() + " system has no PROJ string");
+    }
+
+    if (rf == 0.0)
+        token("R", a);
+    else {
+        token("a", a);
+        token("rf", rf);
+    }
+    CKvDatumShift shift;
+    parser.GetDatumShift(shift);
+    if (datumShift != nullptr && count >= 1) {
+        out += "+towgs84=" + Shortest(datumShift[0]);
+        for (int i = 1; i < CKvDatumShift::NoOfParameters; ++i)
+            out += "," + Shortest(i < count ? datumShift[i] : 0.0);
+        out += " ";
+    } else if (shift.GetType() != CKvCartDef::eNoDatumShift) {
+        out += "+towgs84=" + Shortest(shift[0]);
+        for (int i = 1; i < CKvDatumShift::NoOfParameters; ++i)
+            out += "," + Shortest(shift[i]);
+        out += " ";
+    }
+    if (parser.GetProjectionType() != CKvMapProjData::eGeographical)
+        out += metres == 1.0 ? std::string("+units=m ") : "+to_meter=" + Shortest(metres) + " ";
+    out += "+no_defs +type=crs";
+    if (reason != nullptr)
+        reason->clear();
+    return out;
 }

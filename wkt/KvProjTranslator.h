@@ -21,6 +21,17 @@ public:
     // The same for the first line of a .prj file; an unreadable file converts an
     // empty line.
     std::string ConvertPRJFile2Proj4(const std::string& path, const double* datumShift, int count) const;
+
+    // A PROJ string that PROJ 9 reads as the same system, the WKT read by the EPSG
+    // rules: PROJ's own names and conventions (+lonc and +no_uoff for the oblique
+    // Mercator, +gamma only when a grid angle is given, +axis for the
+    // south-orientated transverse Mercator and Krovak, +lat_ts or +k for the
+    // polar stereographic, +k_0 for a scaled two-parallel Lambert), numbers in
+    // their shortest exact form, ending "+no_defs +type=crs". Empty, with the
+    // reason in reason (when not null), for a text that does not resolve or a
+    // system PROJ cannot be told.
+    std::string ConvertToProj(const std::string& text, const double* datumShift, int count,
+                              std::string* reason = nullptr) const;
 };
 
 #endif

@@ -121,13 +121,17 @@ const char kInfoHelp[] =
     "  kvcart info UTM-32\n";
 
 const char kProj4Help[] =
-    "Usage: kvcart proj4 CS [--towgs84 VALUES]\n"
+    "Usage: kvcart proj4 CS [--towgs84 VALUES] [--legacy]\n"
     "\n"
-    "Writes the coordinate system as a PROJ.4 definition.\n"
+    "Writes the coordinate system as a PROJ string that PROJ 9 reads as the same\n"
+    "system (the WKT read by the EPSG rules), ending \"+no_defs +type=crs\".\n"
     "\n"
     "Options:\n"
     "  --towgs84 VALUES   a datum shift replacing the system's own: dx,dy,dz or\n"
     "                     dx,dy,dz,rx,ry,rz,s (metres, arc-seconds, ppm)\n"
+    "  --legacy           the library's established PROJ.4 text instead (PROJ reads\n"
+    "                     some of it differently: +lon_0 for omerc's centre, no\n"
+    "                     Krovak axes, polar +lat_ts with +k; ends \"no_defs <>\")\n"
     "\n"
     "Example:\n"
     "  kvcart proj4 @parcels.prj\n";
@@ -310,7 +314,7 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
          {{"inverse", false}, {"towgs84-from", true}, {"towgs84-to", true}, {"bypass-datum", false},
           {"precision", true}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
-        {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}}},
+        {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}, {"legacy", false}}},
         {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {{"type", true}, {"branch", true}}},
         {"ellipsoids", kEllipsoidsHelp, &CKvCliCommands::_ellipsoids, 0, 0, {{"system", false}, {"custom", false}}},
         {"zone", kZoneHelp, &CKvCliCommands::_zone, 1, 1, {}},
@@ -719,6 +723,8 @@ int CKvCliCommands::_info()
             cleaned += c;
     std::fprintf(m_out, "WKT:\n%s\n", cleaned.c_str());
     try {
+        const std::string proj = CKvProjTranslator().ConvertToProj(text, nullptr, 0);
+        std::fprintf(m_out, "PROJ:          %s\n", proj.empty() ? "(none)" : proj.c_str());
         std::fprintf(m_out, "PROJ.4:        %s\n", CKvProjTranslator().Convert2Proj4(text, nullptr, 0).c_str());
     } catch (const std::exception&) {
         std::fprintf(m_out, "PROJ.4:        (none)\n");
@@ -738,12 +744,22 @@ int CKvCliCommands::_proj4()
     int count = 0;
     if (m_args.Has("towgs84") && (count = ParseShift(m_args.GetValue("towgs84"), values)) == 0)
         return _usage("--towgs84 takes 3 or 7 numbers separated by commas");
-    const std::string proj4 = CKvProjTranslator().Convert2Proj4(text, count > 0 ? values : nullptr, count);
-    if (proj4.empty()) {
-        std::fprintf(m_err, "kvcart: '%s' has no PROJ.4 form\n", argument.c_str());
+    if (m_args.Has("legacy")) {
+        const std::string proj4 = CKvProjTranslator().Convert2Proj4(text, count > 0 ? values : nullptr, count);
+        if (proj4.empty()) {
+            std::fprintf(m_err, "kvcart: '%s' has no PROJ.4 form\n", argument.c_str());
+            return eBadInput;
+        }
+        std::fprintf(m_out, "%s\n", proj4.c_str());
+        return eSuccess;
+    }
+    std::string reason;
+    const std::string proj = CKvProjTranslator().ConvertToProj(text, count > 0 ? values : nullptr, count, &reason);
+    if (proj.empty()) {
+        std::fprintf(m_err, "kvcart: '%s' has no PROJ string: %s\n", argument.c_str(), reason.c_str());
         return eBadInput;
     }
-    std::fprintf(m_out, "%s\n", proj4.c_str());
+    std::fprintf(m_out, "%s\n", proj.c_str());
     return eSuccess;
 }
 
