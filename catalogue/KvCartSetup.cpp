@@ -1,6 +1,32 @@
 #include "catalogue/KvCartSetup.h"
 
 #include <cstdio>
+#include <sys/stat.h>
+
+namespace {
+
+bool IsDirectory(const std::string& path)
+{
+    struct stat st;
+    return !path.empty() && ::stat(path.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
+}
+
+bool IsFile(const std::string& path)
+{
+    struct stat st;
+    return ::stat(path.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
+// The directory a prefix names: a directory's name without its final "/" gets
+// one; any other prefix is kept as given.
+std::string DirectoryPrefix(const std::string& prefix)
+{
+    if (!prefix.empty() && prefix.back() != '/' && IsDirectory(prefix))
+        return prefix + "/";
+    return prefix;
+}
+
+} // namespace
 
 CKvCartSetup* CKvCartSetup::Instance()
 {
@@ -16,8 +42,10 @@ CKvCartSetup::~CKvCartSetup()
         std::fprintf(stderr, "kvcart: the user catalogue could not be saved:\n%s", m_lastError.c_str());
 }
 
-void CKvCartSetup::ReadData(const std::string& systemDirectory, const std::string& userDirectory)
+void CKvCartSetup::ReadData(const std::string& systemPrefix, const std::string& userPrefix)
 {
+    const std::string systemDirectory = DirectoryPrefix(systemPrefix);
+    const std::string userDirectory = DirectoryPrefix(userPrefix);
     m_userDirectory = userDirectory;
     m_bHasUserDirectory = true;
     const size_t ellipsoidProblems = m_ellipsoids.GetProblems().size();
@@ -28,6 +56,12 @@ void CKvCartSetup::ReadData(const std::string& systemDirectory, const std::strin
     m_projections.InitMapProjections(systemDirectory, userDirectory);
     m_lastError = m_ellipsoids.GetProblems().substr(ellipsoidProblems) +
                   m_projections.GetProblems().substr(projectionProblems);
+    m_bSystemCatalogue = IsFile(systemDirectory + "map_projection.gxr");
+    if (!m_bSystemCatalogue || !IsFile(systemDirectory + "ellipsoid.gxr")) {
+        const bool exists = IsDirectory(systemDirectory.empty() ? std::string(".") : systemDirectory);
+        m_lastError += "the system catalogue directory '" + systemPrefix + "' " +
+                       (exists ? "holds no catalogue (ellipsoid.gxr and map_projection.gxr)\n" : "does not exist\n");
+    }
 }
 
 bool CKvCartSetup::WriteBack()

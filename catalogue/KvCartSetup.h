@@ -19,8 +19,13 @@ public:
     CKvCartSetup& operator=(const CKvCartSetup&) = delete;
     virtual ~CKvCartSetup();
 
-    // Directories are prefixes and must end with the path separator.
+    // Directories are prefixes to which the file names are appended; a name of an
+    // existing directory without its final "/" (pkg-config's datadir) is taken as
+    // that directory. A system directory that does not exist or holds no
+    // catalogue is reported in GetLastError().
     void ReadData(const std::string& systemDirectory, const std::string& userDirectory);
+    // Whether the last ReadData found the system catalogue (map_projection.gxr).
+    bool HasSystemCatalogue() const { return m_bSystemCatalogue; }
     void SetEllipsoidListModified() { m_bEllipsoidListModified = true; }
     void SetMapProjectionListModified() { m_bMapProjectionListModified = true; }
     // Writes the changed custom catalogues now (the destructor does it at exit).
@@ -44,6 +49,7 @@ private:
     bool m_bMapProjectionListModified = false;
     std::string m_userDirectory;
     bool m_bHasUserDirectory = false; // nothing is written back before ReadData named one
+    bool m_bSystemCatalogue = false;
     std::string m_lastError;
 };
 

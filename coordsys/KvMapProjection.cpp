@@ -394,8 +394,9 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
             said = parser.GetFailureReason();
         } else {
             said = std::string("unknown coordinate system \"") + name + "\"";
-            if (CKvCartSetup::Instance()->GetMapProjectionList().GetCount() == 0)
-                said += ": the catalogue is empty (no map_projection.gxr was read from the system directory)";
+            if (!CKvCartSetup::Instance()->HasSystemCatalogue())
+                said += " (no catalogue was read: CARTSETUPLINUX was not called, or its system directory holds no "
+                        "map_projection.gxr)";
         }
     }
     if (message != nullptr)

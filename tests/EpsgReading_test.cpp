@@ -276,6 +276,7 @@ TEST(EpsgReading, RefusedTextsAndNamesSayWhy)
 
 TEST(EpsgReading, CInterfaceSwitchMessagesAndLastErrorPerThread)
 {
+    kvtest::ShippedCatalogue();
     const Reading restore(CKvMapProjection::GetEpsgReading());
     C_KVC_SETEPSGREADING(0);
     EXPECT_EQ(C_KVC_GETEPSGREADING(), 0);

@@ -252,6 +252,37 @@ static void comma_locale(void)
     setlocale(LC_ALL, "C");
 }
 
+/* A catalogue directory that does not exist is reported, and a name then says
+ * why it does not resolve; the directory named without its final "/" (as
+ * pkg-config's datadir gives it) is read like the one with it. */
+static void catalogue_directories(const char* system, const char* user)
+{
+    char buffer[1024], directory[4096];
+    int status = -2;
+    KVMP_HANDLE handle = NULL;
+    CARTSETUPLINUX("/nonexistent-kvcart-catalogue/", user);
+    CARTGETERRORLINUX(buffer, sizeof buffer - 1, &status);
+    CHECK(status == 0 && strstr(buffer, "'/nonexistent-kvcart-catalogue/' does not exist") != NULL);
+    C_KVMP_CREATE("RD New", &handle, &status);
+    CHECK(status == 0);
+    C_KVMP_GETMESSAGE(handle, buffer, sizeof buffer - 1, &status);
+    CHECK(status == 0 && strstr(buffer, "unknown coordinate system \"RD New\" (no catalogue was read") != NULL);
+    C_KVMP_DESTROY(&handle, &status);
+
+    snprintf(directory, sizeof directory, "%s", system);
+    if (strlen(directory) > 1 && directory[strlen(directory) - 1] == '/')
+        directory[strlen(directory) - 1] = '\0';
+    CARTSETUPLINUX(directory, user);
+    CARTGETERRORLINUX(buffer, sizeof buffer - 1, &status);
+    CHECK(status == 0 && buffer[0] == '\0');
+    C_KVMP_CREATE("RD New", &handle, &status);
+    C_KVMP_GETMESSAGE(handle, buffer, sizeof buffer - 1, &status);
+    CHECK(status == 0 && buffer[0] == '\0');
+    C_KVMP_GETNAME(handle, buffer, sizeof buffer - 1, &status);
+    CHECK(strcmp(buffer, "RD New") == 0);
+    C_KVMP_DESTROY(&handle, &status);
+}
+
 int main(int argc, char** argv)
 {
     if (argc < 3) {
@@ -264,6 +295,7 @@ int main(int argc, char** argv)
         char custom[4096];
         snprintf(custom, sizeof custom, "%scustom_projection.gxr", argv[2]);
         remove(custom);
+        catalogue_directories(argv[1], argv[2]);
         CARTSETUPLINUX(argv[1], argv[2]);
         systems();
         queries();
