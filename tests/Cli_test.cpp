@@ -416,3 +416,65 @@ TEST(Cli, PointLinesStayInTheCLocale)
     EXPECT_TRUE(stream.ConvertLine(line.data(), line.size(), out, problem));
     EXPECT_EQ(out, "537656.674 5260850.875 100.00 tail");
 }
+
+TEST(Cli, ReadsPrjFilesByTheRegistryAndSaysWhyItRefusesOne)
+{
+    const kvtest::TempDir dir;
+    // EPSG:2046 as GDAL writes its .prj (ESRI form): westing/southing in the
+    // registry, easting/northing by the library's established reading (PROJ:
+    // 53858.5029 2535220.4668 at 14.475 -22.915).
+    kvtest::WriteFile(dir.File("lo15.prj"),
+                      "PROJCS[\"Hartebeesthoek94_Lo15\",GEOGCS[\"GCS_Hartebeesthoek_1994\",DATUM[\"D_Hartebeesthoek_"
+                      "1994\",SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\","
+                      "0.0174532925199433]],PROJECTION[\"Transverse_Mercator_South_Orientated\"],PARAMETER[\"latitude_"
+                      "of_origin\",0.0],PARAMETER[\"central_meridian\",15.0],PARAMETER[\"scale_factor\",1.0],PARAMETER["
+                      "\"false_easting\",0.0],PARAMETER[\"false_northing\",0.0],UNIT[\"Meter\",1.0]]\n");
+    const SRun epsg = Kvcart(dir, {"transform", "LONG/LAT", "@lo15.prj"}, std::string("14.475 -22.915\n"));
+    EXPECT_EQ(epsg.status, 0) << epsg.err;
+    EXPECT_EQ(epsg.out, "53858.5029 2535220.4668\n");
+    EXPECT_EQ(epsg.err, "");
+    const SRun compatible =
+        Kvcart(dir, {"transform", "--compatible-reading", "LONG/LAT", "@lo15.prj"}, std::string("14.475 -22.915\n"));
+    EXPECT_EQ(compatible.status, 0);
+    EXPECT_EQ(compatible.out, "-53858.5029 -2535220.4668\n");
+    EXPECT_EQ(compatible.err, "kvcart: warning: lo15.prj: Transverse_Mercator_South_Orientated read as plain "
+                              "transverse Mercator: coordinates are easting/northing (the registry's are "
+                              "westing/southing)\n");
+    const SRun info = Kvcart(dir, {"info", "--compatible-reading", "@lo15.prj"});
+    EXPECT_NE(info.out.find("Warning:       Transverse_Mercator_South_Orientated read as plain"), std::string::npos)
+        << info.out;
+    EXPECT_NE(info.out.find("Reading:       compatible"), std::string::npos);
+
+    // A method the library lacks: the file and the reason, exit status 2.
+    kvtest::WriteFile(dir.File("parcels.prj"),
+                      "PROJCS[\"WGS_1984_Web_Mercator_Auxiliary_Sphere\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\","
+                      "SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\","
+                      "0.0174532925199433]],PROJECTION[\"Mercator_Auxiliary_Sphere\"],PARAMETER[\"False_Easting\",0.0],"
+                      "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",0.0],PARAMETER[\"Standard_"
+                      "Parallel_1\",0.0],PARAMETER[\"Auxiliary_Sphere_Type\",0.0],UNIT[\"Meter\",1.0]]");
+    const SRun refused = Kvcart(dir, {"transform", "LONG/LAT", "@parcels.prj"}, std::string("1 1\n"));
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_EQ(refused.err.substr(0, refused.err.find('\n')),
+              "kvcart: parcels.prj: projection \"Mercator_Auxiliary_Sphere\" is not supported");
+}
+
+TEST(Cli, Proj4WritesWhatProjReadsAsTheSameSystem)
+{
+    const kvtest::TempDir dir;
+    // Swiss LV03 in the catalogue: Hotine variant B, no grid angle. PROJ takes
+    // the centre as +lonc; the established text's +lon_0 and +gamma=-1e-35 put
+    // LV95's grid elsewhere.
+    const SRun proj = Kvcart(dir, {"proj4", "Swiss LV03"});
+    EXPECT_EQ(proj.status, 0);
+    EXPECT_EQ(proj.out, "+proj=omerc +lat_0=46.95240555555556 +lonc=7.439583333333333 +alpha=90 +k=1 +x_0=600000 "
+                        "+y_0=200000 +a=6377397.155 +rf=299.1528128 +units=m +no_defs +type=crs\n");
+    const SRun legacy = Kvcart(dir, {"proj4", "--legacy", "Swiss LV03"});
+    EXPECT_EQ(legacy.status, 0);
+    EXPECT_NE(legacy.out.find("+lon_0=7.439583333333333 +alpha=90 +gamma=-1e-35"), std::string::npos)
+        << legacy.out;
+    EXPECT_NE(legacy.out.find("no_defs <>"), std::string::npos);
+    const SRun local = Kvcart(dir, {"proj4", "NON-UTM"});
+    EXPECT_EQ(local.status, 1);
+    EXPECT_NE(local.err.find("has no PROJ string"), std::string::npos) << local.err;
+}
