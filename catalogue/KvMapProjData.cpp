@@ -19,6 +19,7 @@
 #include "catalogue/KvRotatedLongitudeLatitudeProjection.h"
 #include "catalogue/KvStereographicNorthPoleProjection.h"
 #include "catalogue/KvStereographicProjection.h"
+#include "catalogue/KvStereographicSnyderProjection.h"
 #include "catalogue/KvStereographicSouthPoleProjection.h"
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "paramfile/Gxr.h"
@@ -258,6 +259,7 @@ CKvMapProjData* CKvMapProjData::CreateProjection(EProjectionType type, const std
     case eCassiniSoldner: return new CKvCassiniSoldnerProjection(name, branch, ellipsoidID, parameters);
     case eEquidistantConic: return new CKvEquidistantConicProjection(name, branch, ellipsoidID, parameters);
     case ePolarStereographic: return new CKvPolarStereographicProjection(name, branch, ellipsoidID, parameters);
+    case eStereographicSnyder: return new CKvStereographicSnyderProjection(name, branch, ellipsoidID, parameters);
     default: return nullptr;
     }
 }
@@ -285,6 +287,7 @@ const CKvMapProjData::STypeInfo* CKvMapProjData::GetTypeInfo(EProjectionType typ
         &CKvCassiniSoldnerProjection::TypeInfo,
         &CKvEquidistantConicProjection::TypeInfo,
         &CKvPolarStereographicProjection::TypeInfo,
+        &CKvStereographicSnyderProjection::TypeInfo,
     };
     const int index = ProjectionType2Enum(type);
     return index >= 0 && index < GetNoOfProjections() ? infos[index] : nullptr;
@@ -324,6 +327,7 @@ void CKvMapProjData::ComputeFourierCoefficients(EProjectionType type, bool forwa
     case eMercator1SP:
     case eStereographicNorthPole:
     case eStereographicSouthPole:
+    case eStereographicSnyder:
         // Geodetic from conformal latitude, in e^2 (Snyder, eq. 3-5).
         if (!forward) {
             c[0] = x / 2.0 + 5.0 * x2 / 24.0 + x3 / 12.0 + 13.0 * x4 / 360.0;

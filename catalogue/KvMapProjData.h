@@ -121,20 +121,34 @@ public:
     void TransferWith(CKvPRJParser& parser, const CKvEllipsoid& ellipsoid, bool found,
                       bool writeUnknownEllipsoid) const;
 
-    static int GetNoOfProjections() { return 20; }
-    static EProjectionType Enum2ProjectionType(int index) { return static_cast<EProjectionType>(index + 1); }
-    static int ProjectionType2Enum(EProjectionType type) { return static_cast<int>(type) - 1; }
+    // The definition types in catalogue order, by an index 0 .. GetNoOfProjections() - 1:
+    // types 1..20, then 23 (21 and 22 name no definition). Enum2ProjectionType gives
+    // eNoProjection for an index outside that range, ProjectionType2Enum -1 for a type
+    // that is no definition.
+    static int GetNoOfProjections() { return 21; }
+    static EProjectionType Enum2ProjectionType(int index)
+    {
+        if (index >= 0 && index < 20)
+            return static_cast<EProjectionType>(index + 1);
+        return index == 20 ? eStereographicSnyder : eNoProjection;
+    }
+    static int ProjectionType2Enum(EProjectionType type)
+    {
+        if (type >= eTransverseMercator && type <= ePolarStereographic)
+            return static_cast<int>(type) - 1;
+        return type == eStereographicSnyder ? 20 : -1;
+    }
     // Bit 1 (value 2) selects the geographic-like types 9 and 14, bit 0 (value 1)
     // every other projected type; 21 and 22 never match.
     static bool IsEquivalent(int flags, EProjectionType type);
     // Degrees, minutes, seconds from a keyword of up to three numbers.
     static bool gxrGetParamDMS(GxrSection* handle, const char* keyword, int* degrees, int* minutes, double* seconds);
     // A new definition of the type with these strings and parameters (in stored
-    // order); null for types outside 1..20.
+    // order); null for a type that is no definition (21, 22).
     static CKvMapProjData* CreateProjection(EProjectionType type, const std::string& name, const std::string& branch,
                                             const std::string& ellipsoidID, const double* parameters);
     static CKvMapProjData* CreateDefaultParameterProjection(EProjectionType type);
-    // The descriptor of a type 1..20; null for any other value.
+    // The descriptor of a definition type (1..20, 23); null for any other value.
     static const STypeInfo* GetTypeInfo(EProjectionType type);
     // Coefficients of the auxiliary-latitude series of the engines.
     static void ComputeFourierCoefficients(EProjectionType type, bool forward, double x, double* c);

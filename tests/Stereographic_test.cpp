@@ -1,9 +1,13 @@
 // The stereographic family and the Lambert grids with a pole for false origin,
-// against PROJ (tools/make_stereographic_vectors.py wrote the vectors): the
-// oblique stereographic on either pole, the Belgian Lambert grids and the
-// registry's polar stereographic systems; the origins the engines report.
+// against PROJ (tools/make_stereographic_vectors.py wrote the vectors): Snyder's
+// ellipsoidal stereographic at every kind of origin, the oblique stereographic on
+// either pole, the Belgian Lambert grids and the registry's polar stereographic
+// systems; then the edges of the Snyder engine's domain and its catalogue type.
 #include "catalogue/KvCassiniSoldnerProjection.h"
+#include "catalogue/KvMapProjectionList.h"
+#include "catalogue/KvStereographicSnyderProjection.h"
 #include "coordsys/KvMapProjection.h"
+#include "paramfile/Gxr.h"
 #include "projections/KvCassiniSoldner.h"
 #include "projections/KvLambert1SP.h"
 #include "projections/KvLambert2SP.h"
@@ -11,12 +15,14 @@
 #include "projections/KvPolarStereographic.h"
 #include "projections/KvStereographic.h"
 #include "projections/KvStereographicNorthPole.h"
+#include "projections/KvStereographicSnyder.h"
 #include "projections/KvStereographicSouthPole.h"
 #include "wkt/KvPRJParser.h"
 
 #include "TestSupport.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -29,12 +35,16 @@
 namespace {
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
+const double kInf = std::numeric_limits<double>::infinity();
 
 const CKvEllipsoid kWgs84("WGS 84", "WE", 6378137.0, 298.257223563);
 const CKvEllipsoid kGrs80("GRS 1980", "RF", 6378137.0, 298.257222101);
 const CKvEllipsoid kBessel("Bessel 1841", "BR", 6377397.155, 299.1528128);
 const CKvEllipsoid kIntl("International 1924", "IN", 6378388.0, 297.0);
 const CKvEllipsoid kSphere("Sphere", "", 6371229.0, 0.0);
+
+// The Dutch RD parameters, on Bessel.
+constexpr double kRdK0 = 0.9999079, kRdLon0 = 5.38763888888889, kRdLat0 = 52.1561605555556;
 
 struct SPoint
 {
@@ -83,6 +93,8 @@ std::unique_ptr<CKvProjection> MakeEngine(const SCase& c)
 {
     const CKvEllipsoid e(c.label, "", c.a, c.invf);
     const std::vector<double>& p = c.params;
+    if (c.engine == "snyder")
+        return std::make_unique<CKvStereographicSnyder>(c.label, p[0], p[1], p[2], p[3], p[4], e);
     if (c.engine == "sterea")
         return std::make_unique<CKvStereographic>(c.label, p[0], p[1], p[2], p[3], p[4], e);
     if (c.engine == "lcc2")
@@ -156,6 +168,21 @@ SWorst CheckEngine(const std::string& engine, double forwardBound, double invers
     return worst;
 }
 
+// A deterministic stream of numbers in [0, 1).
+class CUniform
+{
+public:
+    explicit CUniform(std::uint64_t seed) : m_state(seed) {}
+    double Next()
+    {
+        m_state = m_state * 6364136223846793005ULL + 1442695040888963407ULL;
+        return static_cast<double>(m_state >> 11) / 9007199254740992.0;
+    }
+
+private:
+    std::uint64_t m_state;
+};
+
 } // namespace
 
 TEST(StereographicVectors, EveryFamilyIsThere)
@@ -167,6 +194,16 @@ TEST(StereographicVectors, EveryFamilyIsThere)
     }
     EXPECT_EQ(Cases().size(), 27u);
     EXPECT_GT(points, 10000u);
+}
+
+// Snyder's stereographic (PROJ's stere) at oblique origins (the Dutch RD parameters,
+// 46 N, 30 S), on the equator, on both poles and on a sphere: within 1 mm out to
+// 120 degrees of longitude from the origin; the convergence within PROJ's own
+// numerical differentiation.
+TEST(StereographicSnyder, AgainstProjAtEveryOrigin)
+{
+    const SWorst worst = CheckEngine("snyder", 1e-3, 1e-9, 1e-6);
+    EXPECT_LE(worst.roundTrip, 1e-11);
 }
 
 // The oblique (double) stereographic on either pole, GRS 80, k = 1, no false origin,
@@ -352,6 +389,214 @@ TEST(PolarStereographic, EdgesAndUnusableParameters)
     }
 }
 
+// 1 000 random points within 60 degrees of each origin: geographic to grid and back
+// to 1e-11 degree, grid to geographic and back to 6 mm (far less in fact).
+TEST(StereographicSnyder, RoundTrips)
+{
+    struct SOrigin
+    {
+        double k0, lon0, lat0;
+        const CKvEllipsoid* figure;
+    };
+    const SOrigin origins[] = {{kRdK0, kRdLon0, kRdLat0, &kBessel}, {0.9999, 10.0, 46.0, &kWgs84},
+                               {1.0, 25.0, -30.0, &kGrs80},        {1.0, -60.0, 0.0, &kWgs84},
+                               {0.994, 0.0, 90.0, &kWgs84},        {0.97276901289, 70.0, -90.0, &kGrs80},
+                               {0.9999, 5.0, 52.0, &kSphere}};
+    for (const SOrigin& o : origins) {
+        const CKvStereographicSnyder engine("trip", o.k0, o.lon0, o.lat0, 150000.0, 450000.0, *o.figure);
+        CUniform random(12345);
+        double worstAngle = 0.0, worstGround = 0.0, worstGrid = 0.0;
+        for (int i = 0; i < 1000; ++i) {
+            const double lat = std::max(-90.0, std::min(90.0, o.lat0 + (2.0 * random.Next() - 1.0) * 60.0));
+            const double lon = o.lon0 + (2.0 * random.Next() - 1.0) * 60.0;
+            double x, y, lon2, lat2, x2, y2;
+            engine.Geo2Proj(lon, lat, &x, &y);
+            engine.Proj2Geo(x, y, &lon2, &lat2);
+            const double dLon = std::fabs(lat) == 90.0 ? 0.0 : AngleDifference(lon2, lon);
+            Worse(worstAngle, std::max(dLon, std::fabs(lat2 - lat)));
+            Worse(worstGround, 6.4e6 * (std::hypot(dLon * std::cos(lat * 3.141592653589793 / 180.0),
+                                                   lat2 - lat) * 3.141592653589793 / 180.0));
+            engine.Geo2Proj(lon2, lat2, &x2, &y2);
+            Worse(worstGrid, std::hypot(x2 - x, y2 - y));
+        }
+        EXPECT_LE(worstAngle, 1e-11) << o.lat0;
+        EXPECT_LE(worstGround, 6e-3) << o.lat0;
+        EXPECT_LE(worstGrid, 6e-3) << o.lat0;
+    }
+}
+
+// The batch loop is the single calls, bit for bit, bad points included, in place too.
+TEST(StereographicSnyder, BatchIsTheSingleCalls)
+{
+    const CKvStereographicSnyder rd("rd", kRdK0, kRdLon0, kRdLat0, 155000.0, 463000.0, kBessel);
+    std::vector<double> lon, lat;
+    CUniform random(7);
+    for (int i = 0; i < 300; ++i) {
+        lon.push_back(-180.0 + 360.0 * random.Next());
+        lat.push_back(-90.0 + 180.0 * random.Next());
+    }
+    for (double bad : {kNaN, kInf, 91.0}) {
+        lon.push_back(5.0);
+        lat.push_back(bad);
+    }
+    lon.push_back(kRdLon0 - 180.0);
+    lat.push_back(-kRdLat0);
+    const size_t n = lon.size();
+    std::vector<double> x(n), y(n), backLon(n), backLat(n);
+    rd.Geo2Proj(n, lon.data(), lat.data(), x.data(), y.data());
+    rd.Proj2Geo(n, x.data(), y.data(), backLon.data(), backLat.data());
+    for (size_t i = 0; i < n; ++i) {
+        double xi, yi, loni, lati;
+        rd.Geo2Proj(lon[i], lat[i], &xi, &yi);
+        EXPECT_TRUE((xi == x[i] || (std::isnan(xi) && std::isnan(x[i]))) &&
+                    (yi == y[i] || (std::isnan(yi) && std::isnan(y[i]))))
+            << i;
+        rd.Proj2Geo(x[i], y[i], &loni, &lati);
+        EXPECT_TRUE((loni == backLon[i] || (std::isnan(loni) && std::isnan(backLon[i]))) &&
+                    (lati == backLat[i] || (std::isnan(lati) && std::isnan(backLat[i]))))
+            << i;
+    }
+    std::vector<double> u = lon, v = lat;
+    rd.Geo2Proj(n, u.data(), v.data(), u.data(), v.data());
+    for (size_t i = 0; i < n; ++i)
+        EXPECT_TRUE(u[i] == x[i] || (std::isnan(u[i]) && std::isnan(x[i]))) << i;
+}
+
+TEST(StereographicSnyder, EdgesOfTheDomain)
+{
+    const CKvStereographicSnyder rd("rd", kRdK0, kRdLon0, kRdLat0, 155000.0, 463000.0, kBessel);
+    double x, y, lon, lat;
+    // The origin is the false origin, and back, exactly where it can be.
+    rd.Geo2Proj(kRdLon0, kRdLat0, &x, &y);
+    EXPECT_NEAR(x, 155000.0, 1e-9);
+    EXPECT_NEAR(y, 463000.0, 1e-9);
+    rd.Proj2Geo(155000.0, 463000.0, &lon, &lat);
+    EXPECT_NEAR(lon, kRdLon0, 1e-13);
+    EXPECT_NEAR(lat, kRdLat0, 1e-13);
+    // The antipode of the origin lies at infinity: NaN, forward, for its convergence
+    // and for grid points beyond any finite image.
+    rd.Geo2Proj(kRdLon0 - 180.0, -kRdLat0, &x, &y);
+    EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << x << ", " << y;
+    EXPECT_TRUE(std::isnan(rd.GetConvergence(kRdLon0 + 180.0, -kRdLat0)));
+    rd.Proj2Geo(1e15, 1e15, &lon, &lat);
+    EXPECT_TRUE(std::isnan(lon) && std::isnan(lat));
+    // A point a degree from the antipode still maps, far out, and back.
+    rd.Geo2Proj(kRdLon0 - 180.0, -kRdLat0 + 1.0, &x, &y);
+    ASSERT_TRUE(std::isfinite(x) && std::isfinite(y));
+    EXPECT_GT(std::hypot(x - 155000.0, y - 463000.0), 1e9);
+    rd.Proj2Geo(x, y, &lon, &lat);
+    EXPECT_NEAR(lat, -kRdLat0 + 1.0, 1e-9);
+    // The poles map to finite points, and back.
+    for (double pole : {90.0, -90.0}) {
+        rd.Geo2Proj(123.0, pole, &x, &y);
+        ASSERT_TRUE(std::isfinite(x) && std::isfinite(y)) << pole;
+        rd.Proj2Geo(x, y, &lon, &lat);
+        EXPECT_NEAR(lat, pole, 1e-11);
+    }
+    // Longitudes: 180 and -180 are one meridian, 540 is 180, a difference brought
+    // into +-180 from the central meridian.
+    double x2, y2;
+    rd.Geo2Proj(180.0, 10.0, &x, &y);
+    rd.Geo2Proj(-180.0, 10.0, &x2, &y2);
+    EXPECT_NEAR(x, x2, 1e-6);
+    EXPECT_NEAR(y, y2, 1e-6);
+    rd.Geo2Proj(540.0, 10.0, &x2, &y2);
+    EXPECT_NEAR(x, x2, 1e-6);
+    rd.Geo2Proj(kRdLon0 + 2.0 + 720.0, 50.0, &x, &y);
+    rd.Geo2Proj(kRdLon0 + 2.0, 50.0, &x2, &y2);
+    EXPECT_NEAR(x, x2, 1e-6);
+    EXPECT_NEAR(y, y2, 1e-6);
+    rd.Proj2Geo(-4e7, 1e6, &lon, &lat);
+    EXPECT_LE(std::fabs(lon), 180.0);
+    // Not a point: NaN, infinities, latitudes beyond a pole, grid points of 1e308.
+    for (double bad : {kNaN, kInf, -kInf, 1e308, -1e308, 90.000001, -91.0}) {
+        rd.Geo2Proj(5.0, bad, &x, &y);
+        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << bad;
+        EXPECT_TRUE(std::isnan(rd.GetConvergence(5.0, bad))) << bad;
+        if (!std::isfinite(bad)) {
+            rd.Geo2Proj(bad, 50.0, &x, &y);
+            EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << bad;
+        }
+        if (std::fabs(bad) > 1e6) {
+            rd.Proj2Geo(bad, 463000.0, &lon, &lat);
+            EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << bad;
+            rd.Proj2Geo(155000.0, bad, &lon, &lat);
+            EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << bad;
+        }
+    }
+}
+
+TEST(StereographicSnyder, PolesAndSphere)
+{
+    // On a pole it is the polar stereographic with k0 at the pole (variant A): the
+    // same map as the polar engine, to the nanometre.
+    for (double pole : {90.0, -90.0}) {
+        const CKvStereographicSnyder snyder("snyder", 0.994, 15.0, pole, 2000000.0, 2000000.0, kWgs84);
+        const CKvPolarStereographic polar("polar", 0.994, 15.0, pole, 2000000.0, 2000000.0, kWgs84);
+        for (double lat = 0.0; lat <= 90.0; lat += 7.5)
+            for (double lon = -180.0; lon < 180.0; lon += 22.5) {
+                double x1, y1, x2, y2;
+                snyder.Geo2Proj(lon, std::copysign(lat, pole), &x1, &y1);
+                polar.Geo2Proj(lon, std::copysign(lat, pole), &x2, &y2);
+                EXPECT_NEAR(x1, x2, 1e-6) << lon << " " << lat;
+                EXPECT_NEAR(y1, y2, 1e-6) << lon << " " << lat;
+                EXPECT_NEAR(snyder.GetConvergence(lon, std::copysign(lat, pole)),
+                            polar.GetConvergence(lon, std::copysign(lat, pole)), 1e-9);
+            }
+        // The other pole is the antipode.
+        double x, y;
+        snyder.Geo2Proj(0.0, -pole, &x, &y);
+        EXPECT_TRUE(std::isnan(x) && std::isnan(y));
+    }
+    // On a sphere the conformal latitude is the latitude: the spherical formulas
+    // (Snyder eqs. 21-2 to 21-4), here against the scale along the meridian at the
+    // origin, k0, and the radius of a point 90 degrees away, 2 R k0.
+    const CKvStereographicSnyder sphere("sphere", 0.9999, 5.0, 52.0, 0.0, 0.0, kSphere);
+    double x, y;
+    sphere.Geo2Proj(5.0, 52.0 + 1e-4, &x, &y);
+    EXPECT_NEAR(y / (6371229.0 * 1e-4 * 3.141592653589793 / 180.0), 0.9999, 1e-9);
+    sphere.Geo2Proj(5.0, -38.0, &x, &y);
+    EXPECT_NEAR(-y, 2.0 * 6371229.0 * 0.9999, 1e-6);
+    // The convergence is that of the numerical step the other engines take, and 0 on
+    // the central meridian.
+    const CKvStereographicSnyder rd("rd", kRdK0, kRdLon0, kRdLat0, 155000.0, 463000.0, kBessel);
+    EXPECT_EQ(rd.GetConvergence(kRdLon0, 40.0), 0.0);
+    for (double lon : {-10.0, 0.0, 8.0, 30.0})
+        for (double lat : {-20.0, 30.0, 52.0, 70.0}) {
+            double x1, y1, x2, y2;
+            rd.Geo2Proj(lon, lat, &x1, &y1);
+            rd.Geo2Proj(lon, lat + 1e-6, &x2, &y2);
+            EXPECT_NEAR(rd.GetConvergence(lon, lat), std::atan2(x1 - x2, y2 - y1) * 180.0 / 3.141592653589793, 1e-6);
+        }
+}
+
+TEST(StereographicSnyder, UnusableParametersGiveNaN)
+{
+    const CKvEllipsoid unknown("unknown", "", 0.0, 0.0);
+    const CKvEllipsoid flat("flat", "", 6378137.0, 1.0);
+    std::vector<std::unique_ptr<CKvStereographicSnyder>> engines;
+    engines.emplace_back(new CKvStereographicSnyder("a0", 1.0, 5.0, 52.0, 0.0, 0.0, unknown));
+    engines.emplace_back(new CKvStereographicSnyder("e1", 1.0, 5.0, 52.0, 0.0, 0.0, flat));
+    engines.emplace_back(new CKvStereographicSnyder("k0", 0.0, 5.0, 52.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("k-", -1.0, 5.0, 52.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("kNaN", kNaN, 5.0, 52.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("lat95", 1.0, 5.0, 95.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("latNaN", 1.0, 5.0, kNaN, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("lat1e308", 1.0, 5.0, 1e308, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("lonInf", 1.0, kInf, 52.0, 0.0, 0.0, kBessel));
+    // A definition whose ellipsoid the catalogue does not hold.
+    const CKvStereographicSnyderProjection orphan("orphan", "", "??", 1.0, 5.0, 52.0, 0.0, 0.0);
+    engines.emplace_back(new CKvStereographicSnyder(&orphan));
+    for (const auto& engine : engines) {
+        double x, y, lon, lat;
+        engine->Geo2Proj(5.5, 52.5, &x, &y);
+        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << engine->GetName();
+        engine->Proj2Geo(1000.0, 1000.0, &lon, &lat);
+        EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << engine->GetName();
+        EXPECT_TRUE(std::isnan(engine->GetConvergence(5.5, 52.5))) << engine->GetName();
+    }
+}
+
 // The origin comes back in the degrees it was given, not converted to radians and
 // back (15 would come back as 14.999999999999998, -30 as -29.999999999999996).
 TEST(StereographicFamily, OriginInTheDegreesGiven)
@@ -359,6 +604,7 @@ TEST(StereographicFamily, OriginInTheDegreesGiven)
     const CKvEllipsoid& e = kWgs84;
     std::vector<std::unique_ptr<CKvProjection>> engines;
     engines.emplace_back(new CKvStereographic("sterea", 1.0, 15.0, -30.0, 0.0, 0.0, e));
+    engines.emplace_back(new CKvStereographicSnyder("stere", 1.0, 15.0, -30.0, 0.0, 0.0, e));
     engines.emplace_back(new CKvLambertAzimuthalEqualArea("laea", 15.0, -30.0, 0.0, 0.0, e));
     engines.emplace_back(new CKvLambertAzimuthalEqualArea("laea sphere", 15.0, -30.0, 0.0, 0.0, kSphere));
     engines.emplace_back(new CKvCassiniSoldner("cass", 15.0, -30.0, 0.0, 0.0, e));
@@ -382,4 +628,100 @@ TEST(StereographicFamily, OriginInTheDegreesGiven)
     south.GetOrigin(&lon, &lat);
     EXPECT_EQ(lon, 15.0);
     EXPECT_EQ(lat, -90.0);
+    // A default area of 3 degrees about the origin, which it contains.
+    const CKvStereographicSnyder rd("rd", kRdK0, kRdLon0, kRdLat0, 155000.0, 463000.0, kBessel);
+    double x1, y1, x2, y2;
+    rd.GetDefaultArea(&x1, &y1, &x2, &y2);
+    EXPECT_LT(x1, 155000.0 - 150000.0);
+    EXPECT_GT(x2, 155000.0 + 150000.0);
+    EXPECT_LT(y1, 463000.0 - 300000.0);
+    EXPECT_GT(y2, 463000.0 + 300000.0);
+    EXPECT_LT(x2 - x1, 500000.0);
+}
+
+// The new definition type 23: listed with the others, read and written in the
+// parameter files in its own section, described to WKT as ESRI's "Stereographic"
+// with its own type.
+TEST(StereographicSnyder, CatalogueType)
+{
+    using D = CKvMapProjData;
+    EXPECT_EQ(D::GetNoOfProjections(), 21);
+    EXPECT_EQ(D::Enum2ProjectionType(20), D::eStereographicSnyder);
+    EXPECT_EQ(D::ProjectionType2Enum(D::eStereographicSnyder), 20);
+    EXPECT_EQ(D::ProjectionType2Enum(D::eNonProjected), -1);
+    EXPECT_EQ(D::ProjectionType2Enum(D::eNoProjection), -1);
+    EXPECT_EQ(D::Enum2ProjectionType(21), D::eNoProjection);
+    EXPECT_EQ(D::GetTypeInfo(D::eNonProjected), nullptr);
+    EXPECT_EQ(D::GetTypeInfo(D::eNoProjection), nullptr);
+    EXPECT_TRUE(D::IsEquivalent(1, D::eStereographicSnyder));
+    EXPECT_FALSE(D::IsEquivalent(2, D::eStereographicSnyder));
+    std::unique_ptr<D> byDefault(D::CreateDefaultParameterProjection(D::eStereographicSnyder));
+    ASSERT_NE(byDefault, nullptr);
+    EXPECT_EQ(byDefault->GetProjectionType(), D::eStereographicSnyder);
+    EXPECT_EQ(byDefault->GetProjectionTypeTitle(), "Stereographic (Snyder)");
+    EXPECT_TRUE(byDefault->IsSectionID("STEREOGRAPHIC_SNYDER_PROJECTION"));
+    // No other type reads its section, and it reads none of theirs.
+    for (int i = 0; i < D::GetNoOfProjections(); ++i) {
+        std::unique_ptr<D> other(D::CreateDefaultParameterProjection(D::Enum2ProjectionType(i)));
+        ASSERT_NE(other, nullptr) << i;
+        EXPECT_EQ(D::ProjectionType2Enum(other->GetProjectionType()), i);
+        if (other->GetProjectionType() == D::eStereographicSnyder)
+            continue;
+        EXPECT_FALSE(other->IsSectionID("STEREOGRAPHIC_SNYDER_PROJECTION")) << i;
+        EXPECT_FALSE(byDefault->IsSectionID(other->GetTypeInfo().sectionID)) << i;
+    }
+
+    // Through a parameter file and back, with the engine it makes.
+    kvtest::TempDir dir;
+    CKvMapProjectionList list;
+    auto* rd = new CKvStereographicSnyderProjection("RD Snyder", "Amersfoort", "BR", kRdK0, kRdLon0, kRdLat0,
+                                                    155000.0, 463000.0);
+    list.AddMapProjection(rd);
+    ASSERT_EQ(list.WriteCustomMapProjections(dir.File("snyder.gxr")), GXR_OK);
+    const std::string text = kvtest::ReadFile(dir.File("snyder.gxr"));
+    EXPECT_NE(text.find("SECTION STEREOGRAPHIC_SNYDER_PROJECTION"), std::string::npos) << text;
+    CKvMapProjectionList back;
+    ASSERT_EQ(back.ReadMapProjections(dir.File("snyder.gxr"), true), GXR_OK);
+    EXPECT_EQ(back.GetProblems(), "");
+    ASSERT_EQ(back.GetCount(), 1u);
+    const D& read = **back.GetIteratorBegin();
+    EXPECT_EQ(read.GetProjectionType(), D::eStereographicSnyder);
+    EXPECT_EQ(read.GetName(), "RD Snyder");
+    EXPECT_EQ(read.GetBranchName(), "Amersfoort");
+    EXPECT_EQ(read.GetEllipsoidID(), "BR");
+    EXPECT_EQ(kvtest::Parameters(read), kvtest::Parameters(*rd));
+    kvtest::ShippedCatalogue(); // the ellipsoid BR
+    const std::unique_ptr<CKvProjection> fromFile(read.CreateProjection());
+    ASSERT_NE(dynamic_cast<CKvStereographicSnyder*>(fromFile.get()), nullptr);
+    const CKvStereographicSnyder byValue("RD Snyder", kRdK0, kRdLon0, kRdLat0, 155000.0, 463000.0, kBessel);
+    double x1, y1, x2, y2;
+    fromFile->Geo2Proj(6.5, 53.0, &x1, &y1);
+    byValue.Geo2Proj(6.5, 53.0, &x2, &y2);
+    EXPECT_EQ(x1, x2);
+    EXPECT_EQ(y1, y2);
+}
+
+TEST(StereographicSnyder, DescribesItselfAsEsriStereographic)
+{
+    kvtest::ShippedCatalogue();
+    auto* definition = new CKvStereographicSnyderProjection("Snyder test grid", "Tests", "BR", kRdK0, kRdLon0,
+                                                            kRdLat0, 155000.0, 463000.0);
+    CKvMapProjection::AddMapProjection(definition);
+    {
+        const std::unique_ptr<CKvProjection> engine(definition->CreateProjection());
+        const CKvPRJParser record(engine.get());
+        EXPECT_EQ(record.GetProjectionType(), CKvMapProjData::eStereographicSnyder);
+        EXPECT_EQ(record.GetProjectionTypeName(), "Stereographic");
+        EXPECT_EQ(record.GetScaleFactor(), kRdK0);
+        EXPECT_EQ(record.GetCentralMeridian(), kRdLon0);
+        EXPECT_EQ(record.GetLatitudeOfOrigin(), kRdLat0);
+        EXPECT_EQ(record.GetFalseEasting(), 155000.0);
+        EXPECT_EQ(record.GetFalseNorthing(), 463000.0);
+        CString name;
+        double a, invf;
+        record.GetEllipsoid(name, a, invf);
+        EXPECT_EQ(a, 6377397.155);
+        EXPECT_EQ(invf, 299.1528128);
+    }
+    CKvMapProjection::DeleteMapProjection(definition);
 }
