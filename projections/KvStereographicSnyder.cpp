@@ -129,7 +129,7 @@ double CKvStereographicSnyder::GetConvergence(double lon, double lat) const
     CKvConformalLatitude::SinCosFromIsometric(CKvConformalLatitude::Isometric(lat * kDeg, _e()), sinChi, cosChi);
     double sinDl, cosDl;
     CKvMathKernel::SinCosAny(dLambda, sinDl, cosDl);
-    if (!(1.0 + m_sinChi1 * sinChi + m_cosChi1 * cosChi * cosDl >= kNearAntipode) || !std::isfinite(m_K))
+    if (!(1.0 + m_sinChi1 * sinChi + m_cosChi1 * cosChi * cosDl >= kNearAntipode)) // also no map at all
         return std::nan("");
     return std::atan2(sinDl * (m_sinChi1 + sinChi), m_cosChi1 * cosChi + (1.0 + m_sinChi1 * sinChi) * cosDl) / kDeg;
 }
