@@ -12,6 +12,8 @@
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
+#include <fstream>
+#include <sstream>
 #include <thread>
 
 namespace {
@@ -324,4 +326,44 @@ TEST(EpsgReading, CInterfaceSwitchMessagesAndLastErrorPerThread)
     EXPECT_EQ(other, "unknown coordinate system \"No Such Grid\"");
     C_KVMP_GETLASTERROR(buffer, sizeof buffer - 1, &status);
     EXPECT_STREQ(buffer, "Can't use generic UTM: name a zone, UTM-1 to UTM-60");
+}
+
+TEST(EpsgReading, EsriStereographicIsSnydersUnderTheRegistrysReading)
+{
+    // tools/make_esri_stereographic.py: ESRI texts of "Stereographic" (polar and
+    // oblique, ellipsoids and a sphere) with PROJ's coordinates from each text.
+    std::ifstream in(std::string(KVCART_TEST_DATA_DIR) + "esri_stereographic.txt");
+    std::string line, wkt, id;
+    int compared = 0;
+    double worstCompatible = 0.0;
+    while (std::getline(in, line)) {
+        std::istringstream fields(line);
+        std::string kind;
+        std::getline(fields, kind, '\t');
+        std::getline(fields, id, '\t');
+        if (kind == "W") {
+            std::getline(fields, wkt);
+            continue;
+        }
+        double lon, lat, x, y;
+        fields >> lon >> lat >> x >> y;
+        {
+            const Reading reading(true);
+            const CKvMapProjection system(wkt);
+            ExpectPoint(system, lon, lat, x, y, id.c_str());
+            EXPECT_EQ(system.GetMessage(), "") << id;
+        }
+        const Reading reading(false);
+        const CKvMapProjection system(wkt);
+        double gx = NAN, gy = NAN;
+        system.Geo2Proj(lon, lat, &gx, &gy);
+        worstCompatible = std::fmax(worstCompatible, std::hypot(gx - x, gy - y));
+        EXPECT_NE(system.GetMessage().find("Stereographic read as the oblique (double) stereographic"),
+                  std::string::npos)
+            << id;
+        ++compared;
+    }
+    EXPECT_EQ(compared, 36);
+    // The double stereographic is another projection: decimetres and more away.
+    EXPECT_GT(worstCompatible, 0.1);
 }

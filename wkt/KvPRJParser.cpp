@@ -22,6 +22,7 @@
 #include "projections/KvStereographic.h"
 #include "projections/KvStereographicNorthPole.h"
 #include "projections/KvStereographicSouthPole.h"
+#include "projections/KvStereographicSnyder.h"
 #include "projections/KvTransverseMercatorJHS.h"
 
 #include <algorithm>
@@ -894,8 +895,10 @@ bool CKvPRJParser::Parse(bool sortParallels)
     // parameters of the Mercator and polar stereographic forms.
     if (m_type != CKvMapProjData::eNoProjection) {
         CKvProjection* engine = CreateMapProjection();
-        if (engine == nullptr && m_failureReason.empty())
+        if (engine == nullptr) {
             m_failureReason = "projection \"" + m_typeName.GetStdString() + "\" could not be built";
+            m_type = CKvMapProjData::eNoProjection;
+        }
         CKvProjection::Release(engine);
     }
     return m_type != CKvMapProjData::eNoProjection;
@@ -936,6 +939,9 @@ CKvProjection* CKvPRJParser::CreateMapProjection()
     case CKvMapProjData::eStereographic:
         return new CKvStereographic(name, m_scaleFactor, longitude(m_centralMeridian), angle(m_latitudeOfOrigin),
                                     fe, fn, ellipsoid);
+    case CKvMapProjData::eStereographicSnyder:
+        return new CKvStereographicSnyder(name, m_scaleFactor, longitude(m_centralMeridian),
+                                          angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
     case CKvMapProjData::eNewZealandMapGrid:
         return new CKvNewZealandMapGrid(name, longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn,
                                         ellipsoid);
@@ -1115,6 +1121,7 @@ SWriteList WriteList(CKvMapProjData::EProjectionType type)
     case CKvMapProjData::eNonProjected:
     case CKvMapProjData::eLambert1SP:
     case CKvMapProjData::eStereographic:
+    case CKvMapProjData::eStereographicSnyder:
     case CKvMapProjData::ePolarStereographic: return Write(kWriteTransverseMercator);
     case CKvMapProjData::eLambert2SP:
     case CKvMapProjData::eAlbersEqualArea:

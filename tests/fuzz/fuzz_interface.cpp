@@ -108,6 +108,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     StringResult([&](char* buf, int n, int* st) { S_LONGITUDETOUTMZONE(buf, n, st, values[0]); }, room);
     StringResult([&](char* buf, int n, int* st) { C_KVC_CONVERT2PROJ4(a, values.data(), room % 9, buf, n, st); },
                  room * 8, true);
+    StringResult([&](char* buf, int n, int* st) { C_KVC_CONVERT2PROJ(a, values.data(), room % 9, buf, n, st); },
+                 room * 8, true);
+    C_KVC_SETEPSGREADING(room & 1);
     double x = 0, y = 0, z = 0, lon = 0, lat = 0, h = 0;
     int status = -2;
     S_PROJECTIONORIGIN(a, &x, &y, &status);
@@ -120,6 +123,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         Check(system == reinterpret_cast<KVMP_HANDLE>(&status), "failed create leaves the handle");
     } else {
         StringResult([&](char* buf, int n, int* st) { C_KVMP_GETNAME(system, buf, n, st); }, room);
+        StringResult([&](char* buf, int n, int* st) { C_KVMP_GETMESSAGE(system, buf, n, st); }, room);
+        StringResult([&](char* buf, int n, int* st) { C_KVMP_GETLASTERROR(buf, n, st); }, room);
         StringResult([&](char* buf, int n, int* st) { C_KVMP_GETPROJECTIONSTRING(system, buf, n, st); }, room * 8);
         C_KVMP_GEO2PROJ(system, values[0], values[1], &x, &y);
         C_KVMP_PROJ2GEO(system, values[2], values[3], &lon, &lat);

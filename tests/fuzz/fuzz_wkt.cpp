@@ -41,9 +41,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     for (const bool sort : {false, true}) {
         CKvPRJParser parser(text);
         parser.SetProjCSname("before");
+        // Both readings: the established one with its warnings, and the EPSG one.
+        parser.SetReading(sort ? CKvPRJParser::eEpsgReading : CKvPRJParser::eCompatibleReading);
         const bool parsed = parser.Parse(sort);
         if (!wkt)
             Check(!parsed && parser.GetProjCSname() == "before", "text that is not WKT changed the record");
+        Check(parsed || !parser.GetFailureReason().empty(), "a refused text without a reason");
+        Check(!parsed || parser.GetFailureReason().empty(), "a read text with a failure reason");
 
         CKvProjection* engine = parser.CreateMapProjection();
         if (engine != nullptr) {
