@@ -31,6 +31,8 @@ void CKvKrovak::_init(double kp, double pseudoParallel, double centerLongitude, 
 {
     m_lambda0 = centerLongitude * kDeg;
     m_phiC = centerLatitude * kDeg;
+    m_lonC = centerLongitude;
+    m_latC = centerLatitude;
     m_alphaC = azimuth * kDeg;
     m_phiP = pseudoParallel * kDeg;
     const double e = _e(), e2 = _e2(), s = std::sin(m_phiC), c = std::cos(m_phiC);
@@ -97,8 +99,8 @@ void CKvKrovak::Proj2Geo(double x, double y, double* lon, double* lat) const
 
 void CKvKrovak::GetOrigin(double* x, double* y) const
 {
-    *x = m_lambda0 / kDeg;
-    *y = m_phiC / kDeg;
+    *x = m_lonC;
+    *y = m_latC;
 }
 
 void CKvKrovak::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const

@@ -39,6 +39,7 @@ private:
                double xyPlaneRotation, double xScale, double yScale, double falseEasting, double falseNorthing);
 
     double m_lambda0, m_phiC, m_alphaC, m_phiP;
+    double m_lonC, m_latC; // the centre in degrees, as given
     double m_B, m_t0, m_n, m_r0, m_rTerm; // rTerm = r0 tan^n(pi/4 + phiP/2)
     double m_sinAlpha, m_cosAlpha;
     double m_xScale, m_yScale, m_sinRot, m_cosRot, m_FE, m_FN;

@@ -44,6 +44,8 @@ void CKvTransverseMercatorJHS::_init(double k0, double centralMeridian, double o
     m_FN = falseNorthing;
     m_lambda0 = centralMeridian * kDeg;
     m_phi0 = originLatitude * kDeg;
+    m_lon0 = centralMeridian;
+    m_lat0 = originLatitude;
     m_e = _e();
     m_n = m_f / (2.0 - m_f);
     m_A1 = m_a / (1.0 + m_n) * (1.0 + m_n * m_n * (0.25 + m_n * m_n / 64.0)); // rectifying radius
@@ -311,8 +313,10 @@ void CKvTransverseMercatorJHS::_inverseGeneral(double x, double y, double* lon, 
 
 void CKvTransverseMercatorJHS::GetOrigin(double* x, double* y) const
 {
-    *x = m_lambda0 / kDeg;
-    *y = m_phi0 / kDeg;
+    // The degrees as given: 15, not the 14.999999999999998 of 15 degrees in
+    // radians and back.
+    *x = m_lon0;
+    *y = m_lat0;
 }
 
 double CKvTransverseMercatorJHS::GetConvergence(double lon, double lat) const

@@ -67,6 +67,7 @@ private:
 
     double m_a, m_b, m_k0, m_f, m_FE, m_FN;
     double m_lambda0, m_phi0; // radians
+    double m_lon0, m_lat0;    // the origin in degrees, as given
     double m_e, m_n, m_A1;
     double m_h[4];  // forward series
     double m_hp[4]; // inverse series, subtracted
