@@ -1,11 +1,12 @@
 #ifndef KVCART_PROJECTIONS_KVALBERSEQUALAREAELLIPSOID_H
 #define KVCART_PROJECTIONS_KVALBERSEQUALAREAELLIPSOID_H
 
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvConicVariant.h"
 
 // Albers conic equal-area on the ellipsoid (IOGP Guidance Note 7-2, method 9822;
-// Snyder, eqs. 14-9 to 14-21). The inverse goes through the authalic latitude and
-// its series to geodetic latitude.
+// Snyder, eqs. 14-9 to 14-21). The inverse goes through q, the authalic latitude's
+// function, back to geodetic latitude (CKvConformalLatitude::AuthalicLatitude).
 class CKvAlbersEqualAreaEllipsoid final : public CKvConicVariantT<CKvAlbersEqualAreaEllipsoid>
 {
     friend class CKvConicVariantT<CKvAlbersEqualAreaEllipsoid>;
@@ -21,10 +22,8 @@ private:
     bool _signedRho() const override { return false; }
     double _q(double phi) const;
 
-    double m_e, m_e2;
-    double m_c[4]; // authalic to geodetic latitude, three terms used
+    CKvConformalLatitude::SAuthalic m_authalic; // q of a latitude and back
     double m_C;
-    double m_qPole; // q at the pole, which scales the authalic latitude
 };
 
 #endif

@@ -49,6 +49,13 @@ public:
         return latDegrees;
     }
 
+    // 1 + cos c, c the arc from an azimuthal projection's centre, below which a
+    // point is the antipode of the centre within rounding (some 30 cm): its image
+    // is the whole boundary circle, no one point, and the engines give NaN. The
+    // sum has rounding errors of a few units of 1e-16, which could otherwise turn
+    // the antipode itself into a finite point in any direction.
+    static constexpr double AntipodeLimit = 1e-15;
+
     // A latitude outside [-90, 90] degrees (or not a number) has no point on the
     // ellipsoid: the engines answer it with NaN, as PROJ does.
     static bool IsLatitude(double latDegrees) { return std::fabs(latDegrees) <= 90.0; }

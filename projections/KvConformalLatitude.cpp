@@ -1,5 +1,7 @@
 #include "projections/KvConformalLatitude.h"
 
+#include "catalogue/KvMapProjData.h"
+
 #include <cmath>
 
 double CKvConformalLatitude::T(double phi, double e)
@@ -85,4 +87,126 @@ double CKvConformalLatitude::Latitude(const SInverse& inverse, double tanChi)
         return chi; // the poles (sin 2chi = 0) and NaN
     const double t2 = tanChi * tanChi, inv = 1.0 / (1.0 + t2);
     return chi + SeriesCorrection(inverse, 2.0 * tanChi * inv, (1.0 - t2) * inv);
+}
+
+CKvConformalLatitude::SAuthalic CKvConformalLatitude::MakeAuthalic(double e)
+{
+    SAuthalic authalic;
+    authalic.e = e;
+    authalic.e2 = e * e;
+    authalic.qPole = AuthalicQ(authalic, 1.0);
+    // phi - beta = c0 sin 2beta + c1 sin 4beta + c2 sin 6beta, with sin 4beta =
+    // 2 sin 2beta cos 2beta and sin 6beta = sin 2beta (4 cos^2 2beta - 1).
+    double c[4] = {0, 0, 0, 0};
+    CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eAlbersEqualArea, false, authalic.e2, c);
+    authalic.poly[0] = c[0] - c[2];
+    authalic.poly[1] = 2.0 * c[1];
+    authalic.poly[2] = 4.0 * c[2];
+    return authalic;
+}
+
+double CKvConformalLatitude::AuthalicLatitude(const SAuthalic& authalic, double q)
+{
+    double sinBeta = q / authalic.qPole;
+    if (std::fabs(sinBeta) > 1.0 && std::fabs(sinBeta) <= 1.0 + 1e-15)
+        sinBeta = sinBeta > 0.0 ? 1.0 : -1.0;
+    const double cosBeta = std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta)); // NaN beyond the poles
+    const double sin2Beta = 2.0 * sinBeta * cosBeta, cos2Beta = (cosBeta - sinBeta) * (cosBeta + sinBeta);
+    const double delta = sin2Beta * (authalic.poly[0] + cos2Beta * (authalic.poly[1] + cos2Beta * authalic.poly[2]));
+    const double phi = std::atan2(sinBeta, cosBeta) + delta;
+    // sin phi and cos phi from those of beta, turned by delta.
+    double s, c;
+    if (std::fabs(delta) <= CKvMathKernel::SinCosSmallLimit) {
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(delta, sd, cd);
+        s = sinBeta * cd + cosBeta * sd;
+        c = cosBeta * cd - sinBeta * sd;
+    } else {
+        CKvMathKernel::SinCosAny(phi, s, c);
+    }
+    // One Newton step on q(phi) = q. At the poles both q and its derivative
+    // vanish from the difference; a step that is not finite is not taken.
+    const double w = 1.0 - authalic.e2 * s * s;
+    const double step = (q - AuthalicQ(authalic, s)) * w * w / (2.0 * (1.0 - authalic.e2) * c);
+    return std::isfinite(step) ? phi + step : phi;
+}
+
+CKvConformalLatitude::SMeridian CKvConformalLatitude::MakeMeridian(double a, double e2)
+{
+    // Helmert: M = a / (1 + n) (1 + n^2/4 + n^4/64) (phi + sum b'_k sin 2k phi).
+    const double f = e2 / (1.0 + std::sqrt(1.0 - e2)); // 1 - sqrt(1 - e^2), without cancellation
+    const double n = f / (2.0 - f), n2 = n * n;
+    const double m0 = (1.0 + n2 / 4.0 + n2 * n2 / 64.0) / (1.0 + n);
+    const double b[4] = {m0 * n * (-3.0 / 2 + n2 * 9.0 / 16), m0 * n2 * (15.0 / 16 - n2 * 15.0 / 32),
+                         m0 * n * n2 * (-35.0 / 48), m0 * n2 * n2 * (315.0 / 512)};
+    return _makeMeridian(a, e2, m0, b);
+}
+
+CKvConformalLatitude::SMeridian CKvConformalLatitude::MakeMeridianE6(double a, double e2)
+{
+    // M = a (m0 phi - m1 sin 2phi + m2 sin 4phi - m3 sin 6phi)
+    double m[4];
+    CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eCassiniSoldner, true, e2, m);
+    const double b[4] = {-m[1], m[2], -m[3], 0.0};
+    return _makeMeridian(a, e2, m[0], b);
+}
+
+CKvConformalLatitude::SMeridian CKvConformalLatitude::_makeMeridian(double a, double e2, double m0, const double* b)
+{
+    SMeridian meridian;
+    meridian.a = a;
+    meridian.e2 = e2;
+    meridian.m0 = m0;
+    // b1 sin 2x + b2 sin 4x + b3 sin 6x + b4 sin 8x, with U_1(c) = 2c,
+    // U_2(c) = 4c^2 - 1 and U_3(c) = 8c^3 - 4c.
+    meridian.distance[0] = b[0] - b[2];
+    meridian.distance[1] = 2.0 * b[1] - 4.0 * b[3];
+    meridian.distance[2] = 4.0 * b[2];
+    meridian.distance[3] = 8.0 * b[3];
+    double f[4];
+    CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eCassiniSoldner, false, e2, f);
+    // The same for the footpoint series.
+    meridian.footpoint[0] = f[0] - f[2];
+    meridian.footpoint[1] = 2.0 * f[1] - 4.0 * f[3];
+    meridian.footpoint[2] = 4.0 * f[2];
+    meridian.footpoint[3] = 8.0 * f[3];
+    return meridian;
+}
+
+double CKvConformalLatitude::MeridianDistance(const SMeridian& meridian, double phi)
+{
+    double s, c;
+    CKvMathKernel::SinCosAny(2.0 * phi, s, c);
+    return MeridianDistance(meridian, phi, s, c);
+}
+
+double CKvConformalLatitude::FootpointLatitude(const SMeridian& meridian, double distance)
+{
+    const double mu = distance / (meridian.a * meridian.m0);
+    double s, c;
+    CKvMathKernel::SinCosAny(2.0 * mu, s, c);
+    return mu + s * CKvMathKernel::Estrin<4>(c, meridian.footpoint);
+}
+
+double CKvConformalLatitude::MeridianLatitude(const SMeridian& meridian, double distance)
+{
+    const double mu = distance / (meridian.a * meridian.m0);
+    double s2Mu, c2Mu;
+    CKvMathKernel::SinCosAny(2.0 * mu, s2Mu, c2Mu);
+    const double delta = s2Mu * CKvMathKernel::Estrin<4>(c2Mu, meridian.footpoint);
+    const double phi = mu + delta;
+    // sin 2phi and cos 2phi from those of 2mu, turned by 2 delta.
+    double s, c;
+    if (std::fabs(2.0 * delta) <= CKvMathKernel::SinCosSmallLimit) {
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(2.0 * delta, sd, cd);
+        s = s2Mu * cd + c2Mu * sd;
+        c = c2Mu * cd - s2Mu * sd;
+    } else {
+        CKvMathKernel::SinCosAny(2.0 * phi, s, c);
+    }
+    // sin^2 phi = (1 - cos 2phi) / 2
+    const double w = 1.0 - meridian.e2 * (1.0 - c) / 2.0;
+    const double radius = meridian.a * (1.0 - meridian.e2) / (w * std::sqrt(w));
+    return phi + (distance - MeridianDistance(meridian, phi, s, c)) / radius;
 }

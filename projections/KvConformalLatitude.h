@@ -68,6 +68,69 @@ public:
     }
     // phi in radians from tan chi, by the series or by Tau.
     static double Latitude(const SInverse& inverse, double tanChi);
+
+    // The authalic latitude beta of the equal-area projections (Snyder, eqs. 3-11
+    // and 3-12), through
+    //   q(phi) = (1 - e^2) (sin phi / (1 - e^2 sin^2 phi) + atanh(e sin phi) / e),
+    //   sin beta = q(phi) / q(pi/2),
+    // and back from q: Snyder's series in e^2 (eq. 3-18), whose truncation leaves
+    // up to 1.5e-8 degree, then one Newton step on q itself with
+    //   dq/dphi = 2 (1 - e^2) cos phi / (1 - e^2 sin^2 phi)^2
+    // (the iteration of Snyder's eq. 3-16), which squares that error away: the
+    // latitude then gives back its own q to rounding, so that a point carried
+    // back and forth through the forward formulas stays where it is.
+    struct SAuthalic
+    {
+        double e = 0.0, e2 = 0.0;
+        double qPole = 0.0; // q(pi/2)
+        double poly[3] = {0, 0, 0}; // the series as sin 2beta times a polynomial in cos 2beta
+    };
+    static SAuthalic MakeAuthalic(double e);
+    // q from sin phi; atanh by its series for the eccentricities of the earth.
+    static double AuthalicQ(const SAuthalic& authalic, double sinPhi)
+    {
+        const double e = authalic.e, es = e * sinPhi;
+        const double atanhES = e <= CKvMathKernel::EccentricSinhLimit ? CKvMathKernel::AtanhSmall(es) : std::atanh(es);
+        return (1.0 - authalic.e2) * (sinPhi / (1.0 - es * es) + atanhES / e);
+    }
+    // phi in radians from q. A q beyond +-q(pi/2) by rounding alone is taken on
+    // the pole; further beyond, or NaN, gives NaN.
+    static double AuthalicLatitude(const SAuthalic& authalic, double q);
+
+    // The meridian distance M(phi) = a (m0 phi + sum b_k sin 2k phi), and the
+    // footpoint latitude of a distance (Snyder, eqs. 7-19 and 3-26: the rectifying
+    // latitude mu = M / (a m0) and a series in e1 = n to n^4), which misses M by
+    // up to 5e-9 degree; MeridianLatitude removes that with one Newton step on M,
+    // dM/dphi being the meridian's radius of curvature a (1 - e^2) / (1 - e^2
+    // sin^2 phi)^(3/2). M is either Helmert's series in the third flattening n to
+    // n^4 (0.1 micrometre from the integral), or the series in e^2 to e^6 of
+    // IOGP Guidance Note 7-2 and Snyder's eq. 3-21 (up to 1 mm from it), by which
+    // the Cassini-Soldner method is defined. The sums of multiple angles are kept
+    // as sin 2x times a polynomial in cos 2x (sin 2kx = sin 2x U_{k-1}(cos 2x)),
+    // one sine and cosine for each.
+    struct SMeridian
+    {
+        double a = 0.0, e2 = 0.0;
+        double m0 = 0.0;                    // the rectifying latitude's scale
+        double distance[4] = {0, 0, 0, 0};  // M / a - m0 phi, over sin 2phi
+        double footpoint[4] = {0, 0, 0, 0}; // phi - mu, over sin 2mu
+    };
+    static SMeridian MakeMeridian(double a, double e2);   // Helmert's series
+    static SMeridian MakeMeridianE6(double a, double e2); // the guidance note's
+    // M from phi and the sine and cosine of 2 phi.
+    static KVCART_ALWAYS_INLINE double MeridianDistance(const SMeridian& meridian, double phi, double sin2Phi,
+                                                        double cos2Phi)
+    {
+        return meridian.a * (meridian.m0 * phi + sin2Phi * CKvMathKernel::Estrin<4>(cos2Phi, meridian.distance));
+    }
+    static double MeridianDistance(const SMeridian& meridian, double phi);
+    // The footpoint latitude of M by the series alone, and polished by Newton's step.
+    static double FootpointLatitude(const SMeridian& meridian, double distance);
+    static double MeridianLatitude(const SMeridian& meridian, double distance);
+
+private:
+    // From m0 and the coefficients b_1..b_4 of sin 2k phi in M / a.
+    static SMeridian _makeMeridian(double a, double e2, double m0, const double* b);
 };
 
 #endif

@@ -1,10 +1,12 @@
 #ifndef KVCART_PROJECTIONS_KVEQUIDISTANTCONICELLIPSOID_H
 #define KVCART_PROJECTIONS_KVEQUIDISTANTCONICELLIPSOID_H
 
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvConicVariant.h"
 
 // Equidistant conic on the ellipsoid (Snyder, eqs. 16-5 to 16-11): the radius
-// grows with the meridian distance, inverted through the rectifying latitude.
+// grows with the meridian distance, taken by Helmert's series (to 0.1 micrometre)
+// and inverted through the rectifying latitude (CKvConformalLatitude::MeridianLatitude).
 class CKvEquidistantConicEllipsoid final : public CKvConicVariantT<CKvEquidistantConicEllipsoid>
 {
     friend class CKvConicVariantT<CKvEquidistantConicEllipsoid>;
@@ -20,9 +22,7 @@ private:
     bool _signedRho() const override { return true; }
     double _meridian(double phi) const;
 
-    double m_e2;
-    double m_M[4]; // meridian distance series
-    double m_F[4]; // footpoint latitude series
+    CKvConformalLatitude::SMeridian m_meridian; // meridian distance and back
     double m_G;
 };
 

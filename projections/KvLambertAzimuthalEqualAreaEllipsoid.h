@@ -1,11 +1,12 @@
 #ifndef KVCART_PROJECTIONS_KVLAMBERTAZIMUTHALEQUALAREAELLIPSOID_H
 #define KVCART_PROJECTIONS_KVLAMBERTAZIMUTHALEQUALAREAELLIPSOID_H
 
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvPointVariant.h"
 
 // Lambert azimuthal equal-area on the ellipsoid (IOGP Guidance Note 7-2, method
 // 9820), oblique and polar aspects, through the authalic latitude; the inverse
-// returns from it with the series of ComputeFourierCoefficients.
+// returns from it by CKvConformalLatitude::AuthalicLatitude.
 class CKvLambertAzimuthalEqualAreaEllipsoid final : public CKvVariantLoops<CKvLambertAzimuthalEqualAreaEllipsoid, CKvPointVariant>
 {
 public:
@@ -19,11 +20,10 @@ public:
 
 private:
     double _q(double phi) const;
-    double _geodetic(double beta) const;
 
+    CKvConformalLatitude::SAuthalic m_authalic; // q of a latitude and back
     int m_pole; // 1 or -1 for the polar aspects, 0 for the oblique one
     double m_qP, m_beta0, m_sinBeta0, m_cosBeta0, m_Rq, m_D;
-    double m_c[4]; // authalic to geodetic latitude, three terms used
 };
 
 #endif

@@ -21,8 +21,13 @@ void CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(double lon, double lat, double
         return;
     const double phi = lat * kDeg, dl = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
     const double s = std::sin(phi), c = std::cos(phi), cdl = std::cos(dl);
-    // The antipode of the centre (k' infinite) gives non-finite results.
-    const double k = std::sqrt(2.0 / (1.0 + m_sinPhi0 * s + m_cosPhi0 * c * cdl));
+    // 1 + cos of the arc from the centre; at the antipode k' is infinite.
+    const double sum = 1.0 + m_sinPhi0 * s + m_cosPhi0 * c * cdl;
+    if (!(sum > CKvAngle::AntipodeLimit)) {
+        *x = *y = std::nan("");
+        return;
+    }
+    const double k = std::sqrt(2.0 / sum);
     *x = m_FE + m_a * k * c * std::sin(dl);
     *y = m_FN + m_a * k * (m_cosPhi0 * s - m_sinPhi0 * c * cdl);
 }

@@ -194,6 +194,18 @@ public:
         return x + x * x2 * Estrin<8>(x2, Series);
     }
 
+    // sin x and cos x for |x| <= SinCosSmallLimit by their Taylor series to x^7 and
+    // x^6 (remainders below 1e-20): the sine and cosine of a latitude turned by a
+    // small series correction, from those of the angle it corrects (addition
+    // formulas), in place of a full evaluation.
+    static constexpr double SinCosSmallLimit = 0.01;
+    static KVCART_ALWAYS_INLINE void SinCosSmall(double x, double& s, double& c)
+    {
+        const double x2 = x * x;
+        s = x - x * x2 * (1.0 / 6 - x2 * (1.0 / 120 - x2 * (1.0 / 5040)));
+        c = 1.0 - x2 * (0.5 - x2 * (1.0 / 24 - x2 * (1.0 / 720)));
+    }
+
     // Eccentricities up to this size may use EccentricSinhSeries.
     static constexpr double EccentricSinhLimit = 0.1;
 

@@ -2,7 +2,7 @@
 
 CKvMercator1SP::CKvMercator1SP(const CKvMercator1SPProjection* definition) : CKvMercatorEngine(*definition)
 {
-    _init(CKvMapProjData::eMercator1SP, definition->GetScale(), definition->GetCentre(), definition->GetFalseEasting(),
+    _init(definition->GetScale(), definition->GetCentre(), definition->GetFalseEasting(),
           definition->GetFalseNorthing());
 }
 
@@ -10,5 +10,5 @@ CKvMercator1SP::CKvMercator1SP(const std::string& name, double k0, double centra
                                double falseNorthing, const CKvEllipsoid& ellipsoid)
     : CKvMercatorEngine(name.c_str(), ellipsoid)
 {
-    _init(CKvMapProjData::eMercator1SP, k0, centralMeridian, falseEasting, falseNorthing);
+    _init(k0, centralMeridian, falseEasting, falseNorthing);
 }

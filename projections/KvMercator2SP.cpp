@@ -4,16 +4,15 @@
 
 CKvMercator2SP::CKvMercator2SP(const CKvMercator2SPProjection* definition) : CKvMercatorEngine(*definition)
 {
-    _init(CKvMapProjData::eMercator2SP, _scaleOnEquator(definition->GetParallel1()), definition->GetCentre(),
-          definition->GetFalseEasting(), definition->GetFalseNorthing());
+    _init(_scaleOnEquator(definition->GetParallel1()), definition->GetCentre(), definition->GetFalseEasting(),
+          definition->GetFalseNorthing());
 }
 
 CKvMercator2SP::CKvMercator2SP(const std::string& name, double standardParallel, double centralMeridian,
                                double falseEasting, double falseNorthing, const CKvEllipsoid& ellipsoid)
     : CKvMercatorEngine(name.c_str(), ellipsoid)
 {
-    _init(CKvMapProjData::eMercator2SP, _scaleOnEquator(standardParallel), centralMeridian, falseEasting,
-          falseNorthing);
+    _init(_scaleOnEquator(standardParallel), centralMeridian, falseEasting, falseNorthing);
 }
 
 double CKvMercator2SP::_scaleOnEquator(double standardParallel) const

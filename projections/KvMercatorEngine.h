@@ -11,7 +11,9 @@
 // The normal-aspect Mercator on the ellipsoid (IOGP Guidance Note 7-2, methods
 // 9804 and 9805), shared by the engine that takes the scale on the equator and the
 // one that derives it from a standard parallel. The inverse is closed-form: the
-// conformal latitude from the northing, then the series to geodetic latitude.
+// isometric latitude from the northing, then Karney's series from the conformal
+// latitude to the geodetic one, exact to rounding like the forward's isometric
+// latitude, so that a point carried back and forth stays where it is.
 template <class TEngine, class TDefinition> class CKvMercatorEngine : public CKvEngine<TEngine, TDefinition>
 {
 public:
@@ -32,10 +34,8 @@ public:
 
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
-        const double t = std::exp((m_FN - y) / m_ak0);
-        const double chi = kPi / 2 - 2.0 * std::atan(t);
-        const double phi = chi + m_c[0] * std::sin(2 * chi) + m_c[1] * std::sin(4 * chi) + m_c[2] * std::sin(6 * chi) +
-                           m_c[3] * std::sin(8 * chi);
+        // sinh of the isometric latitude is the tangent of the conformal latitude.
+        const double phi = CKvConformalLatitude::Latitude(m_inverse, std::sinh((y - m_FN) / m_ak0));
         *lon = ((x - m_FE) / m_ak0 + m_lambda0) / kDeg;
         *lat = phi / kDeg;
         CKvAngle::GuardInverse(x, y, lon, lat);
@@ -78,20 +78,19 @@ protected:
 
     using CKvEngine<TEngine, TDefinition>::CKvEngine;
 
-    void _init(CKvMapProjData::EProjectionType type, double k0, double lambda0, double falseEasting,
-               double falseNorthing)
+    void _init(double k0, double lambda0, double falseEasting, double falseNorthing)
     {
         m_lambda0 = lambda0 * kDeg;
         m_FE = falseEasting;
         m_FN = falseNorthing;
-        CKvMapProjData::ComputeFourierCoefficients(type, false, this->_e2(), m_c);
+        m_inverse = CKvConformalLatitude::MakeInverse(this->_e());
         m_k0 = k0;
         m_ak0 = this->_a() * m_k0;
     }
 
 private:
     double m_lambda0 = 0.0, m_FE = 0.0, m_FN = 0.0;
-    double m_c[4] = {};
+    CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
     double m_k0 = 0.0;
     double m_ak0 = 0.0;
 };

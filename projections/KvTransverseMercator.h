@@ -32,6 +32,8 @@ private:
     void _Coeffs();
     // sum over k = 1..count of c[k] sin(k x), by Clenshaw's recurrence
     static double _Csin(const double* c, int count, double x);
+    // the same from sin x and cos x
+    static double _Csin(const double* c, int count, double sinX, double cosX);
     // the complex sum of c[k] sin(k (u + i v)); real part to du, imaginary to dv
     static void _Cksin(const double* c, int count, double u, double v, double& du, double& dv);
     void _Geo2Proj(double lon, double lat, double X0, double Y0, double* x, double* y) const;
