@@ -49,6 +49,38 @@ public:
         return latDegrees;
     }
 
+    // The longitude difference lon - lon0, in degrees, of the engines that let a
+    // host draw a line on across the antimeridian (the Lambert conformal conics,
+    // Mercator, Albers and the equidistant conic). A longitude within [-180, 180]
+    // is a point of the earth: its difference from the origin is brought into
+    // [-180, 180] as in every other engine, so that 170 W seen from an origin at
+    // 150 E lies 40 degrees east of it, not 320 degrees west; a difference of
+    // exactly +-180 keeps its sign, so that a world map from -180 to 180 spans the
+    // whole width. A longitude beyond +-180 is a line carried on past the
+    // antimeridian (181, 182, ...) and is used as it comes: lon0 + 360 lies a
+    // whole turn further east. Differences that need no reduction are lon - lon0
+    // bit for bit; NaN stays NaN.
+    static double LongitudeDifferenceDegrees(double lon, double lon0)
+    {
+        const double d = lon - lon0;
+        if (std::fabs(d) <= 180.0)
+            return d;
+        return _reduceOnTheEarth(d, lon);
+    }
+
+    // The longitude an inverse of those engines gives back, brought into
+    // [-180, 180]. One beyond +-180 by rounding alone (up to 1e-9 degree) is set
+    // on +-180 of its own side rather than turned to the other, so that a point
+    // given as -180 comes back on the western edge of the map it came from.
+    static double InverseLongitudeDegrees(double lon)
+    {
+        if (std::fabs(lon) <= 180.0)
+            return lon;
+        if (std::fabs(lon) <= 180.0 + 1e-9)
+            return lon > 0.0 ? 180.0 : -180.0;
+        return ReduceLongitudeDegrees(lon);
+    }
+
     // 1 + cos c, c the arc from an azimuthal projection's centre, below which a
     // point is the antipode of the centre within rounding (some 30 cm): its image
     // is the whole boundary circle, no one point, and the engines give NaN. The
@@ -56,6 +88,18 @@ public:
     // the antipode itself into a finite point in any direction.
     static constexpr double AntipodeLimit = 1e-15;
 
+private:
+    // The rare case of LongitudeDifferenceDegrees, out of the line of the engines'
+    // forward formulas.
+#if defined(__GNUC__)
+    __attribute__((noinline, cold))
+#endif
+    static double _reduceOnTheEarth(double d, double lon)
+    {
+        return std::fabs(lon) <= 180.0 ? std::remainder(d, 360.0) : d;
+    }
+
+public:
     // A latitude outside [-90, 90] degrees (or not a number) has no point on the
     // ellipsoid: the engines answer it with NaN, as PROJ does.
     static bool IsLatitude(double latDegrees) { return std::fabs(latDegrees) <= 90.0; }

@@ -32,12 +32,15 @@ protected:
     void _setCone(double n, double rho0)
     {
         m_n = n;
+        m_nDeg = n * CKvAngle::Pi / 180.0;
         m_rho0 = rho0;
     }
 
     double m_a, m_invF;
+    double m_lon0; // the central meridian in degrees, as given
     double m_phi1, m_phi2, m_lambda0, m_phi0, m_FE, m_FN;
     double m_n = 0.0, m_rho0 = 0.0;
+    double m_nDeg = 0.0; // n per degree of longitude
 };
 
 // The cone's mapping for a final variant class TVariant, which names this class
@@ -56,7 +59,7 @@ public:
             return;
         const TVariant& self = static_cast<const TVariant&>(*this);
         const double rho = self.TVariant::_rho(lat * kDeg);
-        const double theta = this->m_n * (lon * kDeg - this->m_lambda0);
+        const double theta = this->m_nDeg * CKvAngle::LongitudeDifferenceDegrees(lon, this->m_lon0);
         *x = this->m_FE + rho * std::sin(theta);
         *y = this->m_FN + this->m_rho0 - rho * std::cos(theta);
     }
@@ -72,7 +75,7 @@ public:
         double rho = std::sqrt(X * X + Y * Y);
         if (n < 0.0 && self.TVariant::_signedRho())
             rho = -rho;
-        *lon = (this->m_lambda0 + theta / n) / kDeg;
+        *lon = CKvAngle::InverseLongitudeDegrees((this->m_lambda0 + theta / n) / kDeg);
         *lat = self.TVariant::_latitude(rho) / kDeg;
     }
 

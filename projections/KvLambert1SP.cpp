@@ -26,6 +26,7 @@ CKvLambert1SP::CKvLambert1SP(const std::string& name, double k0, double lambda0,
 
 void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing)
 {
+    m_lon0 = lambda0;
     m_lambda0 = lambda0 * kDeg;
     m_phi0 = phi0 * kDeg;
     m_FE = falseEasting;
@@ -34,6 +35,7 @@ void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEa
     const double s = std::sin(m_phi0);
     m_nu0 = _a() / std::sqrt(1.0 - _e2() * s * s);
     m_n = s;
+    m_nDeg = m_n * kDeg;
     m_cotPhi0 = 1.0 / std::tan(m_phi0);
     // The guidance note's F t0^n folded into the radius of the origin parallel.
     m_r0 = m_k0 * m_nu0 * m_cotPhi0;
@@ -55,7 +57,7 @@ void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
     // t / t1 = exp(-(psi - psi1)), psi the isometric latitude: one exponential
     // in place of a tangent and two powers.
     const double rho = m_r0 * std::exp(-m_n * (CKvConformalLatitude::Isometric(phi, _e()) + m_lnT));
-    const double theta = m_n * (lon * kDeg - m_lambda0);
+    const double theta = m_nDeg * CKvAngle::LongitudeDifferenceDegrees(lon, m_lon0);
     double sinTheta, cosTheta;
     CKvMathKernel::SinCosAny(theta, sinTheta, cosTheta);
     *x = m_FE + rho * sinTheta;
@@ -66,13 +68,15 @@ void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     const double dx = x - m_FE;
     const double dy = m_r0 - (y - m_FN);
-    const double theta = std::atan(dx / dy);
-    // The sine form only from 0.1 rad upwards, the cosine form below, negative
-    // angles included: kept as the catalogue's engines have always done.
-    const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);
+    // (dx, dy) = rho (sin theta, cos theta), rho of the sign of n: on a cone
+    // opening southwards both turn round. Every theta of the sheet, up to n times
+    // half a turn, comes back; the apex (0, 0) is the pole, theta 0.
+    const double sign = m_n >= 0.0 ? 1.0 : -1.0;
+    const double rho = sign * std::sqrt(dx * dx + dy * dy);
+    const double theta = rho == 0.0 ? 0.0 : std::atan2(sign * dx, sign * dy);
     const double Q = std::pow(rho / m_r0, 1.0 / m_n);
     *lat = CKvLambertConic::InverseLatitude(m_inverse, m_T0 * Q) / kDeg;
-    *lon = (theta / m_n + m_lambda0) / kDeg;
+    *lon = CKvAngle::InverseLongitudeDegrees((theta / m_n + m_lambda0) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
 

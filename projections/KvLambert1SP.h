@@ -28,8 +28,10 @@ public:
 private:
     void _init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing);
 
+    double m_lon0; // the origin longitude in degrees, as given
     double m_lambda0, m_phi0, m_FE, m_FN;
     double m_nu0, m_n, m_cotPhi0, m_r0, m_k0, m_C0;
+    double m_nDeg; // n per degree of longitude
     double m_T0; // t(phi0) * C0, the isometric term at the origin
     double m_lnT; // its logarithm, minus the isometric latitude there
     CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude

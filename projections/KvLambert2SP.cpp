@@ -30,6 +30,7 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
 {
     m_phi1 = phi1 * kDeg;
     m_phi2 = phi2 * kDeg;
+    m_lon0 = lambdaF;
     m_lambdaF = lambdaF * kDeg;
     // A false origin a rounding beyond the pole (a degree written with 16 digits
     // makes 90 of 90.00000000000001) is the pole: beyond it t(phiF) turns negative.
@@ -51,6 +52,7 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
     const double T2 = m_C2 * CKvLambertConic::T(m_phi2);
     // Equal parallels make the tangent cone.
     m_n = m_phi1 == m_phi2 ? s1 : (std::log(m1) - std::log(m2)) / (std::log(m_T1) - std::log(T2));
+    m_nDeg = m_n * kDeg;
     m_K = m_nu1 * std::cos(m_phi1) / m_n;
     const double TF = m_CF * CKvLambertConic::T(m_phiF);
     m_rF = m_K * std::pow(TF / m_T1, m_n);
@@ -69,7 +71,7 @@ void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
     // t / t1 = exp(-(psi - psi1)), psi the isometric latitude: one exponential
     // in place of a tangent and two powers.
     const double rho = m_K * std::exp(-m_n * (CKvConformalLatitude::Isometric(phi, _e()) + m_lnT));
-    const double theta = m_n * (lon * kDeg - m_lambdaF);
+    const double theta = m_nDeg * CKvAngle::LongitudeDifferenceDegrees(lon, m_lon0);
     double sinTheta, cosTheta;
     CKvMathKernel::SinCosAny(theta, sinTheta, cosTheta);
     *x = m_FE + rho * sinTheta;
@@ -80,13 +82,15 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     const double dx = x - m_FE;
     const double dy = m_rF - (y - m_FN);
-    const double theta = dx == 0.0 && dy == 0.0 ? 0.0 : std::atan(dx / dy); // the apex: the pole
-    // The sine form only from 0.1 rad upwards, the cosine form below, negative
-    // angles included: kept as the catalogue's engines have always done.
-    const double rho = theta >= 0.1 ? dx / std::sin(theta) : dy / std::cos(theta);
+    // (dx, dy) = rho (sin theta, cos theta), rho of the sign of n: on a cone
+    // opening southwards both turn round. Every theta of the sheet, up to n times
+    // half a turn, comes back; the apex (0, 0) is the pole, theta 0.
+    const double sign = m_n >= 0.0 ? 1.0 : -1.0;
+    const double rho = sign * std::sqrt(dx * dx + dy * dy);
+    const double theta = rho == 0.0 ? 0.0 : std::atan2(sign * dx, sign * dy);
     const double Q = std::pow(rho / m_K, 1.0 / m_n); // rho n / (nu1 cos phi1), K folded in at construction
     *lat = CKvLambertConic::InverseLatitude(m_inverse, m_T1 * Q) / kDeg;
-    *lon = (theta / m_n + m_lambdaF) / kDeg;
+    *lon = CKvAngle::InverseLongitudeDegrees((theta / m_n + m_lambdaF) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
 

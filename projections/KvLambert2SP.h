@@ -28,8 +28,10 @@ public:
 private:
     void _init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting, double falseNorthing);
 
+    double m_lon0; // the false origin longitude in degrees, as given
     double m_phi1, m_phi2, m_lambdaF, m_phiF, m_FE, m_FN;
     double m_nu1, m_nu2, m_n, m_rF, m_CF, m_C1, m_C2, m_K;
+    double m_nDeg; // n per degree of longitude
     double m_T1; // t(phi1) * C1
     double m_lnT; // its logarithm, minus the isometric latitude there
     CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude

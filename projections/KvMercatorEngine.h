@@ -21,12 +21,12 @@ public:
     using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
-        // The longitude is deliberately not wrapped: lon0 + 360 lies a whole
-        // equator further east.
+        // A longitude beyond +-180 is not wrapped: lon0 + 360 lies a whole
+        // equator further east (CKvAngle::LongitudeDifferenceDegrees).
         if (!CKvAngle::GuardForward(lat, x, y))
             return;
         const double phi = lat * kDeg;
-        *x = m_FE + m_ak0 * (lon * kDeg - m_lambda0);
+        *x = m_FE + m_ak0Deg * CKvAngle::LongitudeDifferenceDegrees(lon, m_lon0);
         // The guidance's ln(tan(pi/4 + phi/2) ((1 - e sin phi) / (1 + e sin phi))^(e/2))
         // is the isometric latitude.
         *y = m_FN + m_ak0 * CKvConformalLatitude::Isometric(phi, this->_e());
@@ -36,7 +36,7 @@ public:
     {
         // sinh of the isometric latitude is the tangent of the conformal latitude.
         const double phi = CKvConformalLatitude::Latitude(m_inverse, std::sinh((y - m_FN) / m_ak0));
-        *lon = ((x - m_FE) / m_ak0 + m_lambda0) / kDeg;
+        *lon = CKvAngle::InverseLongitudeDegrees(((x - m_FE) / m_ak0 + m_lambda0) / kDeg);
         *lat = phi / kDeg;
         CKvAngle::GuardInverse(x, y, lon, lat);
     }
@@ -80,19 +80,23 @@ protected:
 
     void _init(double k0, double lambda0, double falseEasting, double falseNorthing)
     {
+        m_lon0 = lambda0;
         m_lambda0 = lambda0 * kDeg;
         m_FE = falseEasting;
         m_FN = falseNorthing;
         m_inverse = CKvConformalLatitude::MakeInverse(this->_e());
         m_k0 = k0;
         m_ak0 = this->_a() * m_k0;
+        m_ak0Deg = m_ak0 * kDeg;
     }
 
 private:
+    double m_lon0 = 0.0; // degrees
     double m_lambda0 = 0.0, m_FE = 0.0, m_FN = 0.0;
     CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
     double m_k0 = 0.0;
     double m_ak0 = 0.0;
+    double m_ak0Deg = 0.0; // a k0 per degree of longitude
 };
 
 #endif

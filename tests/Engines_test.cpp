@@ -2,6 +2,7 @@
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "coordsys/KvMapProjection.h"
 #include "projections/KvAlbersEqualArea.h"
+#include "projections/KvAngle.h"
 #include "projections/KvEquidistantConic.h"
 #include "projections/KvLambert1SP.h"
 #include "projections/KvLambert2SP.h"
@@ -232,6 +233,105 @@ TEST(Mercator, ScalesDerivedParametersAndAreas)
     CKvEllipsoid figure;
     EXPECT_TRUE(none.GetAnonymousEllipsoid(figure));
     EXPECT_EQ(figure.GetMajor(), 0.0);
+}
+
+TEST(Antimeridian, LongitudeDifferenceAndTheLongitudeBack)
+{
+    // Within [-180, 180]: a point of the earth, its difference reduced.
+    EXPECT_DOUBLE_EQ(CKvAngle::LongitudeDifferenceDegrees(-164.655, 150.0), 45.345);
+    EXPECT_DOUBLE_EQ(CKvAngle::LongitudeDifferenceDegrees(173.0, -154.0), -33.0);
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(12.5, 10.0), 2.5); // nothing to reduce: as it is
+    // Exactly half a turn keeps its sign: -180 and 180 are the west and east edges.
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(-180.0, 0.0), -180.0);
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(180.0, 0.0), 180.0);
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(26.0, -154.0), 180.0);
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(-178.0, 2.0), -180.0);
+    // Beyond +-180: a line carried on, unreduced.
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(181.0, 150.0), 31.0);
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(-181.0, 150.0), -331.0);
+    EXPECT_EQ(CKvAngle::LongitudeDifferenceDegrees(510.0, 150.0), 360.0);
+    EXPECT_TRUE(std::isnan(CKvAngle::LongitudeDifferenceDegrees(NAN, 0.0)));
+    EXPECT_TRUE(std::isnan(CKvAngle::LongitudeDifferenceDegrees(10.0, NAN)));
+    EXPECT_FALSE(std::isfinite(CKvAngle::LongitudeDifferenceDegrees(HUGE_VAL, 0.0)));
+
+    // The longitude back: within [-180, 180]; an overshoot of +-180 by rounding stays on its side.
+    EXPECT_EQ(CKvAngle::InverseLongitudeDegrees(-180.00000000000003), -180.0);
+    EXPECT_EQ(CKvAngle::InverseLongitudeDegrees(180.00000000000003), 180.0);
+    EXPECT_EQ(CKvAngle::InverseLongitudeDegrees(195.345), -164.655);
+    EXPECT_EQ(CKvAngle::InverseLongitudeDegrees(-200.0), 160.0);
+    EXPECT_EQ(CKvAngle::InverseLongitudeDegrees(179.5), 179.5);
+    EXPECT_TRUE(std::isnan(CKvAngle::InverseLongitudeDegrees(NAN)));
+}
+
+TEST(Antimeridian, EnginesTakeTheEarthReducedAndLinesCarriedOnUnreduced)
+{
+    const CKvLambert1SP fiji("fiji", 0.9999, 178.0, -17.0, 2000000, 4000000, kWgs84);
+    const CKvLambert2SP alaska10("alaska10", 53.0 + 5.0 / 6.0, 51.0 + 5.0 / 6.0, -176.0, 51.0, 1000000, 0, kGrs80);
+    const CKvMercator1SP pdc("pdc", 1.0, 150.0, 0, 0, kWgs84);
+    const CKvMercator2SP merc41("merc41", -41.0, 100.0, 0, 0, kWgs84);
+    const CKvAlbersEqualArea alaska("alaska", 55, 65, -154, 50, 0, 0, kGrs80);
+    const CKvAlbersEqualArea alaskaSphere("alaskaSphere", 55, 65, -154, 50, 0, 0, kSphere);
+    const CKvEquidistantConic eqdc("eqdc", 40, 60, 178, 50, 0, 0, kGrs80);
+    const CKvEquidistantConic eqdcSphere("eqdcSphere", 40, 60, 178, 50, 0, 0, kSphere);
+    const CKvProjection* engines[] = {&fiji, &alaska10, &pdc, &merc41, &alaska, &alaskaSphere, &eqdc, &eqdcSphere};
+    for (const CKvProjection* engine : engines) {
+        double lon0, lat0;
+        engine->GetOrigin(&lon0, &lat0);
+        const double lat = lat0 != 0.0 ? lat0 : -30.0;
+        // 180 and -180 are the same meridian, bit for bit.
+        double xe, ye, xw, yw;
+        engine->Geo2Proj(180.0, lat, &xe, &ye);
+        engine->Geo2Proj(-180.0, lat, &xw, &yw);
+        EXPECT_EQ(xe, xw) << engine->GetName();
+        EXPECT_EQ(ye, yw) << engine->GetName();
+        // Points near the antimeridian on either side come back within [-180, 180].
+        for (double lon : {170.0, 179.0, 179.999, -179.999, -179.0, -170.0}) {
+            double x, y, backLon, backLat;
+            engine->Geo2Proj(lon, lat, &x, &y);
+            engine->Proj2Geo(x, y, &backLon, &backLat);
+            EXPECT_NEAR(backLon, lon, 1e-10) << engine->GetName() << " at " << lon;
+            EXPECT_NEAR(backLat, lat, 1e-10) << engine->GetName() << " at " << lon;
+        }
+        // A line carried on from the origin's side past the antimeridian runs on
+        // without a jump, in even steps, and its points come back reduced.
+        const double side = lon0 > 0.0 ? 1.0 : -1.0;
+        double previous[2] = {NAN, NAN}, step[2] = {NAN, NAN};
+        for (int i = -3; i <= 3; ++i) {
+            const double lon = side * (180.0 + 0.5 * i);
+            double x, y, backLon, backLat;
+            engine->Geo2Proj(lon, lat, &x, &y);
+            if (i > -3) {
+                const double dx = x - previous[0], dy = y - previous[1];
+                if (i > -2) {
+                    const double tolerance = 0.02 * std::hypot(step[0], step[1]) + 1.0;
+                    EXPECT_NEAR(dx, step[0], tolerance) << engine->GetName() << " at " << lon;
+                    EXPECT_NEAR(dy, step[1], tolerance) << engine->GetName() << " at " << lon;
+                }
+                step[0] = dx;
+                step[1] = dy;
+            }
+            previous[0] = x;
+            previous[1] = y;
+            engine->Proj2Geo(x, y, &backLon, &backLat);
+            EXPECT_NEAR(backLon, std::remainder(lon, 360.0), 1e-10) << engine->GetName() << " at " << lon;
+            EXPECT_LE(std::fabs(backLon), 180.0);
+        }
+    }
+
+    // World Mercator: -180 and 180 are the two edges, the world's width apart,
+    // and each comes back on its own side; lon0 + 360 is one turn further east.
+    const CKvMercator1SP world("world", 1.0, 0.0, 0, 0, kWgs84);
+    double x1, y1, x2, y2, lon, lat;
+    world.Geo2Proj(-180.0, 0.0, &x1, &y1);
+    world.Geo2Proj(180.0, 0.0, &x2, &y2);
+    EXPECT_NEAR(x1, -M_PI * 6378137.0, 1e-6);
+    EXPECT_NEAR(x2, M_PI * 6378137.0, 1e-6);
+    world.Proj2Geo(x1, y1, &lon, &lat);
+    EXPECT_NEAR(lon, -180.0, 1e-12);
+    world.Proj2Geo(x2, y2, &lon, &lat);
+    EXPECT_NEAR(lon, 180.0, 1e-12);
+    const Area area = DefaultArea(world);
+    EXPECT_NEAR(area.x2 - area.x1, 2 * M_PI * 6378137.0, 1e-6);
 }
 
 TEST(ConicVariants, SelectionCloningAndDegenerateCases)

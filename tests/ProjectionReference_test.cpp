@@ -292,11 +292,48 @@ TEST(ProjectionReference, AzimuthalEqualAreaAndCassiniAgainstProj)
 // on a pole, and an oblique Mercator centre line may run in any direction.
 TEST(ProjectionReference, EdgesOfTheDomainAgainstProj)
 {
-    EXPECT_EQ(DomainCases().size(), 64u);
+    EXPECT_EQ(DomainCases().size(), 82u);
     CheckFamily("sterea", 1e-3, 1e-9, false, DomainCases());
     CheckFamily("cass", 1e-3, 1e-9, false, DomainCases());
     CheckFamily("laea", 1e-3, 1e-9, false, DomainCases());
     CheckFamily("omerc_b", 1e-3, 1e-9, false, DomainCases());
     CheckFamily("krovak", 1e-3, 1e-9, false, DomainCases());
     CheckFamily("nzmg", 1e-3, 1e-9, false, DomainCases());
+}
+
+// The engines that let a line run on across the antimeridian: a longitude within
+// [-180, 180] is reduced as PROJ reduces it (Alaska Albers at 173 E, PDC Mercator
+// at 164.655 W), one beyond +-180 is taken unreduced as PROJ takes it with +over,
+// and a difference of exactly 180 degrees keeps its sign (World Mercator's -180
+// and 180 are its western and eastern edges). Every inverse gives the longitude
+// back within [-180, 180], -180 and 180 on their own sides.
+TEST(ProjectionReference, AntimeridianAgainstProj)
+{
+    for (const char* family : {"aea", "lcc1", "lcc2", "merc1", "merc2"})
+        CheckFamily(family, 1e-3, 1e-10, false, DomainCases());
+    // Half a turn from the origin the equidistant conic's grid is 0.02 mm from
+    // PROJ's, whose meridian distance is a few micrometres from ours.
+    CheckFamily("eqdc", 1e-3, 1e-9, false, DomainCases());
+    int inside = 0, beyond = 0;
+    for (const Case& c : DomainCases()) {
+        const std::unique_ptr<CKvProjection> engine = MakeEngine(c);
+        if (c.engine == "sterea" || c.engine == "cass" || c.engine == "laea" || c.engine == "omerc_b" ||
+            c.engine == "krovak" || c.engine == "nzmg")
+            continue;
+        ASSERT_NE(engine, nullptr) << c.engine;
+        double lon0, lat0;
+        engine->GetOrigin(&lon0, &lat0);
+        for (const Point& p : c.points) {
+            double lon, lat;
+            engine->Proj2Geo(p.x, p.y, &lon, &lat);
+            EXPECT_LE(std::fabs(lon), 180.0) << c.engine << " at " << p.lon << " " << p.lat;
+            // Half a turn from the origin is the edge of the map, where the side counts.
+            if (std::fabs(p.lon) <= 180.0 && std::fabs(std::fabs(p.lon - lon0) - 180.0) < 1e-9) {
+                EXPECT_NEAR(lon, p.lon, 1e-9) << c.engine << " at " << p.lon << " " << p.lat;
+            }
+            ++(std::fabs(p.lon) <= 180.0 ? inside : beyond);
+        }
+    }
+    EXPECT_GT(inside, 500);
+    EXPECT_GT(beyond, 100);
 }

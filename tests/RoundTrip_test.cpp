@@ -180,17 +180,25 @@ TEST(RoundTrip, LambertConformalConic)
     CheckFamily("Lambert conformal conic 2SP",
                 {System("RGF93 / Lambert-93",
                         Make<CKvLambert2SP>("l", 49.0, 44.0, 3.0, 46.5, 700000.0, 6600000.0, kGrs80), -9.86, 41.15,
-                        10.38, 51.56)});
+                        10.38, 51.56),
+                 System("NAD83 / Alaska zone 10",
+                        Make<CKvLambert2SP>("l", 53.0 + 5.0 / 6.0, 51.0 + 5.0 / 6.0, -176.0, 51.0, 1000000.0, 0.0,
+                                            kGrs80),
+                        172.42, 51.3, 195.16, 54.34)});
 }
 
 TEST(RoundTrip, Mercator)
 {
     CheckFamily("Mercator 1SP",
                 {System("WGS 84 / World Mercator", Make<CKvMercator1SP>("m", 1.0, 0.0, 0.0, 0.0, kWgs84), -180, -80,
-                        180, 84)});
+                        180, 84),
+                 System("WGS 84 / PDC Mercator", Make<CKvMercator1SP>("m", 1.0, 150.0, 0.0, 0.0, kWgs84), 98.69, -60,
+                        292, 66.67, {{-164.655, 3.335}})});
     CheckFamily("Mercator 2SP",
                 {System("Pulkovo 1942 / Caspian Sea Mercator",
-                        Make<CKvMercator2SP>("m", 42.0, 51.0, 0.0, 0.0, kKrassowsky), 46.95, 37.35, 53.93, 46.97)});
+                        Make<CKvMercator2SP>("m", 42.0, 51.0, 0.0, 0.0, kKrassowsky), 46.95, 37.35, 53.93, 46.97),
+                 System("WGS 84 / Mercator 41", Make<CKvMercator2SP>("m", -41.0, 100.0, 0.0, 0.0, kWgs84), 155, -60,
+                        190.01, -25)});
 }
 
 TEST(RoundTrip, AlbersEqualArea)
@@ -201,6 +209,9 @@ TEST(RoundTrip, AlbersEqualArea)
                         153.69, -9.86, {{140.0, -20.0}}),
                  System("NAD83 / Conus Albers",
                         Make<CKvAlbersEqualArea>("a", 29.5, 45.5, -96.0, 23.0, 0.0, 0.0, kGrs80), -125, 24, -66, 50),
+                 System("NAD83 / Alaska Albers",
+                        Make<CKvAlbersEqualArea>("a", 55.0, 65.0, -154.0, 50.0, 0.0, 0.0, kGrs80), 172.42, 51.3, 230.01,
+                        71.4, {{173.0, 52.9}}),
                  System("Conus Albers on a sphere",
                         Make<CKvAlbersEqualArea>("a", 29.5, 45.5, -96.0, 23.0, 0.0, 0.0, kSphere), -125, 24, -66, 50)});
 }
