@@ -12,14 +12,14 @@ constexpr double kDeg = kPi / 180.0;
 CKvConicVariant::CKvConicVariant(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                                  double falseNorthing, const CKvEllipsoid& ellipsoid)
     : m_a(ellipsoid.GetMajor()), m_invF(ellipsoid.GetInvFlatness()), m_lon0(lambda0), m_phi1(phi1 * kDeg),
-      m_phi2(phi2 * kDeg), m_lambda0(lambda0 * kDeg), m_phi0(phi0 * kDeg), m_FE(falseEasting), m_FN(falseNorthing)
+      m_phi2(phi2 * kDeg), m_lambda0(lambda0 * kDeg), m_phi0(phi0 * kDeg), m_FE(falseEasting), m_FN(falseNorthing), m_lat0(phi0)
 {
 }
 
 void CKvConicVariant::GetOrigin(double* x, double* y) const
 {
-    *x = m_lambda0 / kDeg;
-    *y = m_phi0 / kDeg;
+    *x = m_lon0;
+    *y = m_lat0;
 }
 
 void CKvConicVariant::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const

@@ -39,6 +39,7 @@ protected:
     double m_a, m_invF;
     double m_lon0; // the central meridian in degrees, as given
     double m_phi1, m_phi2, m_lambda0, m_phi0, m_FE, m_FN;
+    double m_lat0; // the origin latitude in degrees, as given
     double m_n = 0.0, m_rho0 = 0.0;
     double m_nDeg = 0.0; // n per degree of longitude
 };

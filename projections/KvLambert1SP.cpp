@@ -27,6 +27,7 @@ CKvLambert1SP::CKvLambert1SP(const std::string& name, double k0, double lambda0,
 void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing)
 {
     m_lon0 = lambda0;
+    m_lat0 = phi0;
     m_lambda0 = lambda0 * kDeg;
     m_phi0 = phi0 * kDeg;
     m_FE = falseEasting;
@@ -82,8 +83,8 @@ void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 
 void CKvLambert1SP::GetOrigin(double* x, double* y) const
 {
-    *x = m_lambda0 / kDeg;
-    *y = m_phi0 / kDeg;
+    *x = m_lon0;
+    *y = m_lat0;
 }
 
 void CKvLambert1SP::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const

@@ -28,7 +28,7 @@ public:
 private:
     void _init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing);
 
-    double m_lon0; // the origin longitude in degrees, as given
+    double m_lon0, m_lat0; // the origin in degrees, as given
     double m_lambda0, m_phi0, m_FE, m_FN;
     double m_nu0, m_n, m_cotPhi0, m_r0, m_k0, m_C0;
     double m_nDeg; // n per degree of longitude

@@ -15,18 +15,19 @@ constexpr double kDeg = kPi / 180.0;
 CKvLambert2SP::CKvLambert2SP(const CKvLambert2SPProjection* definition) : CKvEngine(*definition)
 {
     _init(definition->GetParallel1(), definition->GetParallel2(), definition->GetOriginLongitude(),
-          definition->GetOriginLatitude(), definition->GetFalseEasting(), definition->GetFalseNorthing());
+          definition->GetOriginLatitude(), definition->GetFalseEasting(), definition->GetFalseNorthing(), 1.0);
 }
 
 CKvLambert2SP::CKvLambert2SP(const std::string& name, double phi1, double phi2, double lambdaF, double phiF,
-                             double falseEasting, double falseNorthing, const CKvEllipsoid& ellipsoid)
+                             double falseEasting, double falseNorthing, const CKvEllipsoid& ellipsoid,
+                             double scale)
     : CKvEngine(name.c_str(), ellipsoid)
 {
-    _init(phi1, phi2, lambdaF, phiF, falseEasting, falseNorthing);
+    _init(phi1, phi2, lambdaF, phiF, falseEasting, falseNorthing, scale);
 }
 
 void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting,
-                          double falseNorthing)
+                          double falseNorthing, double scale)
 {
     m_phi1 = phi1 * kDeg;
     m_phi2 = phi2 * kDeg;
@@ -36,6 +37,7 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
     // makes 90 of 90.00000000000001) is the pole: beyond it t(phiF) turns negative.
     phiF = CKvAngle::SnapToPole(phiF);
     m_phiF = phiF * kDeg;
+    m_lat0 = phiF;
     m_FE = falseEasting;
     m_FN = falseNorthing;
     const double e = _e(), e2 = _e2(), a = _a();
@@ -53,7 +55,7 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
     // Equal parallels make the tangent cone.
     m_n = m_phi1 == m_phi2 ? s1 : (std::log(m1) - std::log(m2)) / (std::log(m_T1) - std::log(T2));
     m_nDeg = m_n * kDeg;
-    m_K = m_nu1 * std::cos(m_phi1) / m_n;
+    m_K = scale * m_nu1 * std::cos(m_phi1) / m_n;
     const double TF = m_CF * CKvLambertConic::T(m_phiF);
     m_rF = m_K * std::pow(TF / m_T1, m_n);
     // A false origin on a pole (the Belgian grids): on the cone's apex rF is 0, which
@@ -96,8 +98,8 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 
 void CKvLambert2SP::GetOrigin(double* x, double* y) const
 {
-    *x = m_lambdaF / kDeg;
-    *y = m_phiF / kDeg;
+    *x = m_lon0;
+    *y = m_lat0;
 }
 
 void CKvLambert2SP::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const

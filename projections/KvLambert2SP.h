@@ -14,8 +14,10 @@ class CKvLambert2SP : public CKvEngine<CKvLambert2SP, CKvLambert2SPProjection>
 public:
     explicit CKvLambert2SP(const CKvLambert2SPProjection* definition);
     // first and second parallel, false origin longitude and latitude (degrees), FE, FN.
+    // scale: the ellipsoid scaling factor of EPSG's two-parallel Michigan form
+    // (method 1051), which multiplies every radius of the cone; 1 for method 9802.
     CKvLambert2SP(const std::string& name, double phi1, double phi2, double lambdaF, double phiF, double falseEasting,
-                  double falseNorthing, const CKvEllipsoid& ellipsoid);
+                  double falseNorthing, const CKvEllipsoid& ellipsoid, double scale = 1.0);
 
     using CKvProjection::Geo2Proj;
     using CKvProjection::Proj2Geo;
@@ -26,9 +28,10 @@ public:
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
 
 private:
-    void _init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting, double falseNorthing);
+    void _init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting, double falseNorthing,
+               double scale);
 
-    double m_lon0; // the false origin longitude in degrees, as given
+    double m_lon0, m_lat0; // the false origin in degrees, as given (a latitude on a pole, set on it)
     double m_phi1, m_phi2, m_lambdaF, m_phiF, m_FE, m_FN;
     double m_nu1, m_nu2, m_n, m_rF, m_CF, m_C1, m_C2, m_K;
     double m_nDeg; // n per degree of longitude

@@ -43,7 +43,7 @@ public:
 
     void GetOrigin(double* x, double* y) const override
     {
-        *x = m_lambda0 / kDeg;
+        *x = m_lon0;
         *y = 0.0;
     }
 

@@ -3,7 +3,9 @@
 // geodesics.
 #include "TestSupport.h"
 
+#include "catalogue/KvCartSetup.h"
 #include "coordsys/KvMapProjection.h"
+#include "interface/KvCart.h"
 #include "projections/KvProjection.h"
 
 #include <cmath>
@@ -144,4 +146,43 @@ TEST(MapProjection, AxesAreaCopiesAndGeodesy)
     EXPECT_EQ(lat2, lat3);
     EXPECT_GT(lon2, 11.0);
     EXPECT_FALSE(CKvMapProjection("No such system").GetPoint(5, 52, 60, 500000, lon2, lat2, az21));
+}
+
+TEST(MapProjection, OriginsComeBackAsTheCatalogueHoldsThem)
+{
+    // The origin an engine reports is the catalogue's number itself, not its
+    // round trip through radians (15, not 14.999999999999998, for UTM-33).
+    kvtest::ShippedCatalogue();
+    const CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
+    int checked = 0;
+    for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it) {
+        const CKvMapProjData& definition = **it;
+        if (definition.GetProjectionType() == CKvMapProjData::eGeographical ||
+            definition.GetProjectionType() == CKvMapProjData::eRotatedLongitudeLatitude || definition.GetEllipsoidID().empty())
+            continue;
+        const CKvMapProjection system(definition.GetName());
+        ASSERT_NE(system.GetProjection(), nullptr) << definition.GetName();
+        double lon = NAN, lat = NAN;
+        system.GetOrigin(&lon, &lat);
+        bool lonHeld = false, latHeld = false;
+        const std::vector<double> values = kvtest::Parameters(definition);
+        for (const double v : values) {
+            lonHeld = lonHeld || v == lon;
+            latHeld = latHeld || v == lat;
+        }
+        // Forms without an origin latitude report the equator, the polar forms
+        // defined by a standard parallel their pole.
+        const bool polar = definition.GetProjectionType() == CKvMapProjData::eStereographicNorthPole ||
+                           definition.GetProjectionType() == CKvMapProjData::eStereographicSouthPole;
+        EXPECT_TRUE(lonHeld) << definition.GetName() << " origin longitude " << lon;
+        EXPECT_TRUE(latHeld || lat == 0.0 || (polar && std::fabs(lat) == 90.0))
+            << definition.GetName() << " origin latitude " << lat;
+        ++checked;
+    }
+    EXPECT_GT(checked, 300);
+    double x = NAN, y = NAN;
+    int status = -1;
+    S_PROJECTIONORIGIN("UTM-33", &x, &y, &status);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(x, 15.0);
 }

@@ -88,7 +88,7 @@ TABLE = {
     "rotated_longitude_latitude": 9, "mercator": 10, "mercator_2sp": 10, "mercator_1sp": 11,
     "geographical": 14, "krovak": 15, "albers": 16, "albers_conic_equal_area": 16,
     "lambert_azimuthal_equal_area": 17, "cassini": 18, "cassini_soldner": 18, "equidistant_conic": 19,
-    "non_projected": 21,
+    "non_projected": 21, "rectified_skew_orthomorphic_center": 8,
 }
 
 
@@ -148,6 +148,13 @@ def expected_type(wkt):
         if all(has(wkt, n) for n in two):
             return 2
         return 3 if all(has(wkt, n) for n in one) else 22
+    if t == 20 and not has(wkt, "Scale_Factor") and all(
+            has(wkt, n) for n in ["False_Easting", "False_Northing", "Central_Meridian", "Latitude_Of_Origin"]):
+        # variant B in WKT 1: the latitude of origin is the standard parallel
+        return 12 if param(wkt, "Latitude_Of_Origin") > 0 else 13
+    if t == 15 and not any(has(wkt, n) for n in ["X_Scale", "Y_Scale", "XY_Plane_Rotation"]) and all(
+            has(wkt, n) for n in REQUIRED[15][:5] + REQUIRED[15][6:8]):
+        return 15  # WKT 1's Krovak: the grid follows from its AXIS nodes
     if not all(has(wkt, n) for n in REQUIRED.get(t, [])):
         return 22
     if t in (6, 7):

@@ -931,8 +931,10 @@ CKvProjection* CKvPRJParser::CreateMapProjection()
         return new CKvTransverseMercatorJHS(name, m_scaleFactor, longitude(m_centralMeridian),
                                             angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
     case CKvMapProjData::eLambert2SP:
+        // The Michigan form's scale only by the registry's reading.
         return new CKvLambert2SP(name, angle(m_standardParallel1), angle(m_standardParallel2),
-                                 longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn, ellipsoid);
+                                 longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe, fn, ellipsoid,
+                                 m_lambertScale ? m_scaleFactor : 1.0);
     case CKvMapProjData::eLambert1SP:
         return new CKvLambert1SP(name, m_scaleFactor, longitude(m_centralMeridian), angle(m_latitudeOfOrigin), fe,
                                  fn, ellipsoid);
