@@ -5,6 +5,7 @@
 // or is refused with a reason; under the established reading every difference
 // from PROJ is reported in the system's message.
 #include "EpsgCorpus.h"
+#include "TestSupport.h"
 
 #include "coordsys/KvMapProjection.h"
 
@@ -23,18 +24,7 @@ const kvtest::EpsgCorpus& Corpus()
     return corpus;
 }
 
-class Reading
-{
-public:
-    explicit Reading(bool epsg) : m_before(CKvMapProjection::GetEpsgReading())
-    {
-        CKvMapProjection::SetEpsgReading(epsg);
-    }
-    ~Reading() { CKvMapProjection::SetEpsgReading(m_before); }
-
-private:
-    bool m_before;
-};
+using Reading = kvtest::EpsgReading;
 
 constexpr double kTolerance = 1e-3; // metres
 

@@ -19,18 +19,7 @@
 namespace {
 
 // Sets the process-wide reading for one test and restores it afterwards.
-class Reading
-{
-public:
-    explicit Reading(bool epsg) : m_before(CKvMapProjection::GetEpsgReading())
-    {
-        CKvMapProjection::SetEpsgReading(epsg);
-    }
-    ~Reading() { CKvMapProjection::SetEpsgReading(m_before); }
-
-private:
-    bool m_before;
-};
+using Reading = kvtest::EpsgReading;
 
 const char kGeogcsWgs84Esri[] = "GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\",SPHEROID[\"WGS_1984\",6378137.0,"
                                 "298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]]";

@@ -4,6 +4,7 @@
 // the string it judged; a changed string must be judged again), and a text with
 // no string says why.
 #include "EpsgCorpus.h"
+#include "TestSupport.h"
 
 #include "interface/KvCart.h"
 #include "wkt/KvProjTranslator.h"
@@ -32,10 +33,7 @@ std::map<std::string, Verdict> LoadVerdicts()
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line[0] == '#')
             continue;
-        std::vector<std::string> f;
-        std::istringstream fields(line);
-        for (std::string field; std::getline(fields, field, '\t');)
-            f.push_back(field);
+        const std::vector<std::string> f = kvtest::TabFields(line);
         Verdict v;
         v.hasString = f[0] == "S";
         v.text = f.size() > 3 ? f[3] : "";

@@ -73,6 +73,7 @@ private:
 
 #include "catalogue/KvCartSetup.h"
 #include "catalogue/KvMapProjData.h"
+#include "coordsys/KvMapProjection.h"
 #include "interface/KvCart.h"
 
 #include <vector>
@@ -95,6 +96,33 @@ inline const std::string& ShippedCatalogue()
     }();
     return userDirectory;
 }
+
+// The tab-separated fields of a line of a reference file.
+inline std::vector<std::string> TabFields(const std::string& line)
+{
+    std::vector<std::string> fields;
+    std::istringstream in(line);
+    for (std::string field; std::getline(in, field, '\t');)
+        fields.push_back(field);
+    return fields;
+}
+
+// Sets the process-wide WKT reading (the EPSG registry's, or the established
+// one) for a scope, and restores the one before.
+class EpsgReading
+{
+public:
+    explicit EpsgReading(bool epsg) : m_before(CKvMapProjection::GetEpsgReading())
+    {
+        CKvMapProjection::SetEpsgReading(epsg);
+    }
+    ~EpsgReading() { CKvMapProjection::SetEpsgReading(m_before); }
+    EpsgReading(const EpsgReading&) = delete;
+    EpsgReading& operator=(const EpsgReading&) = delete;
+
+private:
+    bool m_before;
+};
 
 // A definition's parameters in stored order.
 inline std::vector<double> Parameters(const CKvMapProjData& d)

@@ -2,6 +2,7 @@
 // against PROJ: each text must read to the type its projection name stands for,
 // its engine must agree with PROJ's own definition of the EPSG code, and the
 // PROJ.4 text we write must make PROJ compute what our engine computes.
+#include "TestSupport.h"
 #include "coordsys/KvMapProjection.h"
 #include "projections/KvProjection.h"
 #include "wkt/KvPRJParser.h"
@@ -42,10 +43,7 @@ std::vector<CorpusEntry> LoadCorpus()
     while (std::getline(in, line)) {
         if (line.empty() || line[0] == '#')
             continue;
-        std::vector<std::string> f;
-        std::istringstream fields(line);
-        for (std::string field; std::getline(fields, field, '\t');)
-            f.push_back(field);
+        const std::vector<std::string> f = kvtest::TabFields(line);
         if (f[0] == "W") {
             CorpusEntry e;
             e.id = f[1];
