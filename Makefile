@@ -41,7 +41,7 @@ test-tsan: deps
 	$(CMAKE) -S . -B $(TSAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DKVCART_TSAN=ON -DKVCART_TESTS=OFF
 	$(CMAKE) --build $(TSAN_BUILD) -j $(JOBS)
 	mkdir -p $(TSAN_BUILD)/user
-	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(TSAN_BUILD)/thread_transforms data/ $(TSAN_BUILD)/user/ 4 3
+	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(TSAN_BUILD)/thread_transforms data/ $(TSAN_BUILD)/user/ 8 3
 
 # Three runs of each benchmark, reported by their mean, median and spread, then
 # the ratios (from the medians) against PROJ, the per-point path and the

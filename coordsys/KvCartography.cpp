@@ -1,10 +1,10 @@
 #include "coordsys/KvCartography.h"
 
 #include "coordsys/KvMapProjection.h"
-#include "paramfile/String.h"
 
 #include <cmath>
 #include <memory>
+#include <string>
 
 namespace {
 
@@ -15,14 +15,16 @@ constexpr double kPi = 3.141592653589793;
 CKvCartography::CKvCartography(const char* projection, double lon0, double lat0, double orientation)
     : m_pProjection(nullptr)
 {
-    CString name(projection != nullptr ? projection : "");
-    // The generic name picks the zone of the origin, unclamped: 180 gives 61.
-    // An origin with no zone number (NaN, infinite, beyond any integer) keeps
-    // the generic name, which the projection refuses.
-    const double zone = std::trunc((lon0 + 180.0) / 6.0) + 1.0;
-    if (name == "UTM" && std::fabs(zone) < 1e9)
-        name.Format("UTM-%d", static_cast<int>(zone));
-    m_pProjection = new CKvMapProjection(name.GetString());
+    std::string name(projection != nullptr ? projection : "");
+    // The generic name picks the zone of the origin, 1 to 60 (the antimeridian
+    // is zone 1). An origin on no meridian (NaN, infinite) keeps the generic
+    // name, which the projection refuses.
+    if (name == "UTM") {
+        const std::string zone = CKvMapProjection::UTMZoneName(lon0);
+        if (!zone.empty())
+            name = zone;
+    }
+    m_pProjection = new CKvMapProjection(name);
     _init(lon0, lat0, orientation);
 }
 

@@ -10,8 +10,10 @@ class CKvMapProjection;
 class CKvCartography
 {
 public:
-    // "UTM" names the zone of lon0; any other text goes to the projection,
-    // which throws std::out_of_range for a generic "UTM" it trims to.
+    // "UTM" names the zone of lon0 (CKvMapProjection::UTMZoneName: 1 to 60, the
+    // antimeridian in zone 1); any other text goes to the projection, which
+    // throws std::out_of_range for a generic "UTM" it trims to, and for "UTM"
+    // itself when lon0 is NaN or infinite and so has no zone.
     CKvCartography(const char* projection, double lon0, double lat0, double orientation);
     CKvCartography(const CKvMapProjection& projection, double lon0, double lat0, double orientation);
     // The copy builds its projection again from the projection string.

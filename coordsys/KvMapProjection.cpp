@@ -5,6 +5,7 @@
 #include "catalogue/KvCartSetup.h"
 #include "geodesy/KvVincenty.h"
 #include "paramfile/String.h"
+#include "projections/KvAngle.h"
 #include "projections/KvProjection.h"
 #include "wkt/KvPRJParser.h"
 
@@ -546,8 +547,7 @@ bool CKvMapProjection::IsValid(const char* text)
     if (IsLocal(trimmed.GetString()) || IsLongLat(trimmed.GetString()))
         return true;
     // Any fragment of the catalogue's listing counts, names and WKT alike.
-    long count = 0;
-    return CString(EnumMapProjections(15, &count)).Find(trimmed.GetString()) >= 0;
+    return MapProjectionListing(15, nullptr).find(trimmed.GetStdString()) != std::string::npos;
 }
 
 bool CKvMapProjection::IsGeographical(const char* text)
@@ -583,8 +583,7 @@ bool CKvMapProjection::HasDatum(const char* text)
         return true;
     if (trimmed == "UTM" || IsLocal(trimmed.GetString()) || IsLongLat(trimmed.GetString()))
         return false;
-    long count = 0;
-    return CString(EnumMapProjections(3, &count)).Find(trimmed.GetString()) >= 0;
+    return MapProjectionListing(3, nullptr).find(trimmed.GetStdString()) != std::string::npos;
 }
 
 int CKvMapProjection::GetCoordSysType(const char* text)
@@ -592,32 +591,45 @@ int CKvMapProjection::GetCoordSysType(const char* text)
     return CKvMapProjection(text).GetCoordSysType();
 }
 
+std::string CKvMapProjection::UTMZoneName(double lon)
+{
+    // Onto the globe by the exact remainder; NaN and infinities lie on no
+    // meridian. The antimeridian, given as 180, is taken as -180: each zone
+    // holds its western edge.
+    double reduced = CKvAngle::ReduceLongitudeDegrees(lon);
+    if (std::isnan(reduced))
+        return std::string();
+    if (reduced >= 180.0)
+        reduced -= 360.0;
+    // The quotient of a longitude below 6k stays below k when rounded, so the
+    // zone is exact; the clamp only states the range.
+    const int zone = std::min(60, std::max(1, static_cast<int>(std::floor(reduced / 6.0)) + 31));
+    return "UTM-" + std::to_string(zone);
+}
+
 const char* CKvMapProjection::LongitudeToUTMZone(double lon)
 {
-    static CString zone;
-    // A longitude without zone (NaN, infinite, far beyond the globe) names none
-    // rather than an integer conversion out of range.
-    const double number = std::floor(lon / 6.0) + 31.0;
-    if (!(std::fabs(number) < 1e9)) {
-        zone = "";
-        return zone.GetString();
-    }
-    zone.Format("UTM-%d", static_cast<int>(number));
-    return zone.GetString();
+    thread_local std::string zone;
+    zone = UTMZoneName(lon);
+    return zone.c_str();
+}
+
+std::string CKvMapProjection::ShortNameText(const char* text)
+{
+    return CKvPRJParser::ShortName(CString(text != nullptr ? text : "")).GetStdString();
 }
 
 const char* CKvMapProjection::ShortName(const char* text)
 {
-    static CString name;
-    name = CKvPRJParser::ShortName(CString(text != nullptr ? text : ""));
-    return name.GetString();
+    thread_local std::string name;
+    name = ShortNameText(text);
+    return name.c_str();
 }
 
-const char* CKvMapProjection::EnumMapProjections(int mask, long* count)
+std::string CKvMapProjection::MapProjectionListing(int mask, long* count)
 {
-    static CString listing;
-    listing = "";
-    *count = 0;
+    std::string listing;
+    long listed = 0;
     const CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
     for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it) {
         const std::string name = (*it)->GetName();
@@ -629,33 +641,50 @@ const char* CKvMapProjection::EnumMapProjections(int mask, long* count)
                     : !CKvMapProjData::IsEquivalent(mask, (*it)->GetProjectionType()))
             continue;
         if (special) {
-            listing += name.c_str();
+            listing += name;
         } else {
             CString wkt;
             CKvPRJParser(*it).Format(wkt);
             wkt.Trim();
-            listing += wkt;
+            listing += wkt.GetStdString();
         }
-        listing += ";";
-        ++*count;
+        listing += ';';
+        ++listed;
     }
-    return listing.GetString();
+    if (count != nullptr)
+        *count = listed;
+    return listing;
 }
 
-const char* CKvMapProjection::EnumEllipsoids(CKvEllipsoidList::EEllipsoidTypes kind, long* count)
+const char* CKvMapProjection::EnumMapProjections(int mask, long* count)
 {
-    static CString listing;
-    listing = "";
-    *count = 0;
+    thread_local std::string listing;
+    listing = MapProjectionListing(mask, count);
+    return listing.c_str();
+}
+
+std::string CKvMapProjection::EllipsoidListing(CKvEllipsoidList::EEllipsoidTypes kind, long* count)
+{
+    std::string listing;
+    long listed = 0;
     const CKvEllipsoidList& list = CKvCartSetup::Instance()->GetEllipsoidList();
     for (auto it = list.GetIteratorBegin(kind); it != list.GetIteratorEnd(kind); ++it) {
         CString name((*it)->GetName().c_str());
         name.Trim();
-        listing += name;
-        listing += ";";
-        ++*count;
+        listing += name.GetStdString();
+        listing += ';';
+        ++listed;
     }
-    return listing.GetString();
+    if (count != nullptr)
+        *count = listed;
+    return listing;
+}
+
+const char* CKvMapProjection::EnumEllipsoids(CKvEllipsoidList::EEllipsoidTypes kind, long* count)
+{
+    thread_local std::string listing;
+    listing = EllipsoidListing(kind, count);
+    return listing.c_str();
 }
 
 bool CKvMapProjection::AreIdentical(const char* a, const char* b)

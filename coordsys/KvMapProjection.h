@@ -146,15 +146,31 @@ public:
     static bool IsType(int mask, const char* text);
     static bool HasDatum(const char* text);
     static int GetCoordSysType(const char* text);
-    // "UTM-%d" for zone floor(lon / 6) + 31, unclamped.
+    // The texts of the four functions below are returned twice: as a
+    // std::string, and as a pointer into a buffer of the function that each
+    // thread has for itself, valid until the same thread calls that function
+    // again (other threads' calls leave it alone). Any number of threads may
+    // call them at once; only catalogue edits must not run meanwhile.
+    //
+    // "UTM-n", n = 1 ... 60, for the zone of a longitude brought into
+    // [-180, 180) first: zone n spans [6n - 186, 6n - 180), each zone holding
+    // its western meridian, so that 180 and -180 alike are zone 1 (EPSG's
+    // extents make the antimeridian the edge of zones 60 and 1 as they make 6 E
+    // the edge of zones 31 and 32; one rule gives every edge to the zone east of
+    // it). Every finite longitude has a zone (the reduction is an exact
+    // remainder); NaN and infinities have none: "".
+    static std::string UTMZoneName(double lon);
     static const char* LongitudeToUTMZone(double lon);
-    // The texts below point into a static buffer of each function, valid until
-    // its next call; not for concurrent use.
+    // The short name of a coordinate-system string: the name of its WKT, or
+    // the catalogue name as written.
+    static std::string ShortNameText(const char* text);
     static const char* ShortName(const char* text);
     // The catalogue's systems of a type mask, each followed by ";": the special
     // names as they are, every other definition as its WKT.
+    static std::string MapProjectionListing(int mask, long* count);
     static const char* EnumMapProjections(int mask, long* count);
     // The names of the ellipsoids of a kind, each followed by ";".
+    static std::string EllipsoidListing(CKvEllipsoidList::EEllipsoidTypes kind, long* count);
     static const char* EnumEllipsoids(CKvEllipsoidList::EEllipsoidTypes kind, long* count);
     // Same projection and parameters (relative 1e-12, in common units when the
     // units are named differently), equivalent ellipsoids, the same datum shift

@@ -14,9 +14,12 @@ namespace {
 
 // The string rule of the interface: when the length len exceeds size, *status =
 // len and the buffer is not touched; otherwise the text and its terminator are
-// copied (the buffer holds size + 1 bytes) and *status = 0.
+// copied (the buffer holds size + 1 bytes) and *status = 0. A NULL buffer only
+// learns len; without a status there is nobody to tell, and nothing is done.
 void CopyResult(const char* text, char* buffer, int size, int* status)
 {
+    if (status == nullptr)
+        return;
     const size_t length = std::strlen(text);
     // Deliberately len > size, not >=: the buffer holds size + 1 bytes.
     if (static_cast<long long>(length) > size || buffer == nullptr) {
@@ -32,11 +35,32 @@ void CopyResult(const std::string& text, char* buffer, int size, int* status)
     CopyResult(text.c_str(), buffer, size, status);
 }
 
+// A string getter on a handle: a NULL handle has no text (-1).
+template <typename Object, typename Get>
+void CopyFrom(const Object* handle, Get get, char* buffer, int size, int* status)
+{
+    if (status == nullptr)
+        return;
+    if (handle == nullptr) {
+        *status = -1;
+        return;
+    }
+    CopyResult(get(*handle), buffer, size, status);
+}
+
 // Create functions: any exception (the generic "UTM", memory) is status -1
-// and leaves the handle as it was; nothing crosses the C boundary.
+// and leaves the handle as it was; nothing crosses the C boundary. Without a
+// status nothing is made (its failure could not be told), and without a
+// place for the handle the object is not made either: -1.
 template <typename Object, typename Make>
 void Create(Object** handle, int* status, Make make)
 {
+    if (status == nullptr)
+        return;
+    if (handle == nullptr) {
+        *status = -1;
+        return;
+    }
     try {
         Object* object = make();
         *handle = object;
@@ -46,9 +70,13 @@ void Create(Object** handle, int* status, Make make)
     }
 }
 
+// Without a status nothing is destroyed: the host that cannot hear the
+// answer keeps its object (and its handle stays valid).
 template <typename Object>
 void Destroy(Object** handle, int* status)
 {
+    if (status == nullptr)
+        return;
     if (handle == nullptr || *handle == nullptr) {
         *status = -1;
         return;
@@ -91,17 +119,19 @@ extern "C" void C_KVMP_DESTROY(KVMP_HANDLE* handle, int* status)
 
 extern "C" void C_KVMP_GETNAME(KVMP_HANDLE handle, char* buffer, int size, int* status)
 {
-    CopyResult(handle->GetName(), buffer, size, status);
+    CopyFrom(handle, [](const CKvMapProjection& system) { return system.GetName(); }, buffer, size, status);
 }
 
 extern "C" void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int size, int* status)
 {
-    CopyResult(handle->GetProjectionString(), buffer, size, status);
+    CopyFrom(
+        handle, [](const CKvMapProjection& system) { return system.GetProjectionString(); }, buffer, size, status);
 }
 
 extern "C" void C_KVMP_GETMESSAGE(KVMP_HANDLE handle, char* buffer, int size, int* status)
 {
-    CopyResult(handle->GetMessage(), buffer, size, status);
+    CopyFrom(
+        handle, [](const CKvMapProjection& system) { return system.GetMessage().c_str(); }, buffer, size, status);
 }
 
 extern "C" void C_KVMP_GETLASTERROR(char* buffer, int size, int* status)
@@ -181,17 +211,17 @@ extern "C" void C_KVC_DESTROY(KVC_HANDLE* handle, int* status)
 
 extern "C" KVMP_HANDLE C_KVC_GETPROJECTION(KVC_HANDLE handle)
 {
-    return handle->GetProjection();
+    return handle != nullptr ? handle->GetProjection() : nullptr;
 }
 
 extern "C" void C_KVC_GETPROJECTIONNAME(KVC_HANDLE handle, char* buffer, int size, int* status)
 {
-    CopyResult(handle->GetProjectionName(), buffer, size, status);
+    CopyFrom(handle, [](const CKvCartography& grid) { return grid.GetProjectionName(); }, buffer, size, status);
 }
 
 extern "C" void C_KVC_GETPROJECTIONSTRING(KVC_HANDLE handle, char* buffer, int size, int* status)
 {
-    CopyResult(handle->GetProjectionString(), buffer, size, status);
+    CopyFrom(handle, [](const CKvCartography& grid) { return grid.GetProjectionString(); }, buffer, size, status);
 }
 
 extern "C" double C_KVC_GETTRUENORTH(KVC_HANDLE handle, double x, double y)
@@ -367,12 +397,25 @@ extern "C" int S_GETCOORDSYSTYPE(const char* text)
 
 extern "C" void S_PROJECTIONSHORTNAME(const char* text, char* buffer, int size, int* status)
 {
-    CopyResult(CKvMapProjection::ShortName(Text(text)), buffer, size, status);
+    if (status == nullptr)
+        return;
+    // The std::string forms: no buffer shared with any other call.
+    try {
+        CopyResult(CKvMapProjection::ShortNameText(Text(text)), buffer, size, status);
+    } catch (...) {
+        *status = -1;
+    }
 }
 
 extern "C" void S_LONGITUDETOUTMZONE(char* buffer, int size, int* status, double lon)
 {
-    CopyResult(CKvMapProjection::LongitudeToUTMZone(lon), buffer, size, status);
+    if (status == nullptr)
+        return;
+    try {
+        CopyResult(CKvMapProjection::UTMZoneName(lon), buffer, size, status);
+    } catch (...) {
+        *status = -1;
+    }
 }
 
 extern "C" void S_GETGOOGLEMAPPROJECTIONSTRING(char* buffer, int size, int* status)
@@ -382,6 +425,12 @@ extern "C" void S_GETGOOGLEMAPPROJECTIONSTRING(char* buffer, int size, int* stat
 
 extern "C" void S_PROJECTIONORIGIN(const char* text, double* x, double* y, int* status)
 {
+    if (status == nullptr)
+        return;
+    if (x == nullptr || y == nullptr) {
+        *status = -1;
+        return;
+    }
     try {
         CKvMapProjection(Text(text)).GetOrigin(x, y);
         *status = 0;
@@ -417,12 +466,20 @@ extern "C" int CARTWRITEBACKLINUX(void)
 
 extern "C" void CARTGETERRORLINUX(char* buffer, int size, int* status)
 {
-    CopyResult(CKvCartSetup::Instance()->GetLastError(), buffer, size, status);
+    if (status == nullptr)
+        return;
+    try {
+        CopyResult(CKvCartSetup::Instance()->GetLastError(), buffer, size, status);
+    } catch (...) {
+        *status = -1;
+    }
 }
 
 extern "C" void C_KVC_CONVERT2PROJ4(const char* text, double* datumShift, int count, char* buffer, int size,
                                     int* status)
 {
+    if (status == nullptr)
+        return;
     // No exception may cross the C boundary.
     try {
         CopyResult(CKvProjTranslator().Convert2Proj4(text != nullptr ? text : "", datumShift, count), buffer, size,
@@ -435,6 +492,8 @@ extern "C" void C_KVC_CONVERT2PROJ4(const char* text, double* datumShift, int co
 extern "C" void C_KVC_CONVERT2PROJ(const char* text, double* datumShift, int count, char* buffer, int size,
                                    int* status)
 {
+    if (status == nullptr)
+        return;
     // No exception may cross the C boundary.
     try {
         std::string reason;

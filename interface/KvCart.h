@@ -8,12 +8,42 @@
  * functions write one through a pointer and report *status 0, or -1 when the
  * object could not be made (the handle is then left as it was); destroy
  * functions delete the object, set the handle to NULL and report 0, or -1 for a
- * NULL handle. Other functions do not check their handle.
+ * NULL handle.
+ *
+ * NULL arguments. A function given a NULL status pointer does nothing at all
+ * (no object is made or destroyed, no buffer written). A create function given
+ * a NULL handle pointer makes nothing and reports -1; a destroy function given
+ * a NULL handle pointer or handle reports -1; a string function on a NULL
+ * handle reports -1; a NULL buffer learns the length as a too small one does,
+ * whatever size says. The transformations (the *2PROJ, *2GEO, *2XY... and
+ * datum functions) do not check their handle or output pointers: they are the
+ * per-point path.
+ *
+ * Threads. Every function may be called from any number of threads at once,
+ * each on its own handles. One handle may also serve several threads at once
+ * for the functions that only read it, which are all but the destroy
+ * functions, C_KVDC_SETCONVERSIONTYPE, C_KVDC_SETDATUMSHIFT,
+ * C_KVDC_BYPASSXYZ, C_KVDC_RESETBYPASSXYZ and C_KVDC_INVERTORDER. String
+ * results are copied into the caller's buffer and share no storage between
+ * calls or threads; the last error is each thread's own. The exception
+ * is the catalogue: CARTSETUPLINUX and CARTWRITEBACKLINUX read and write the
+ * process-wide catalogue and must not run while any other function of the
+ * library runs. C_KVC_SETEPSGREADING may be called at any time; objects made
+ * afterwards read by the new setting.
  *
  * String results follow one rule: with len the text's length, when len > size
  * *status = len and the buffer is not touched; otherwise the text and its
  * terminator are copied and *status = 0. A buffer therefore holds size + 1
- * bytes: retry with len + 1 bytes and size = len.
+ * bytes. The idiom to size it: call with size 0 (or a NULL buffer) to learn
+ * len in *status, allocate len + 1 bytes, call again with size = len:
+ *
+ *     int len = 0, status = 0;
+ *     C_KVMP_GETNAME(handle, NULL, 0, &len);
+ *     char* name = malloc((size_t)len + 1);
+ *     C_KVMP_GETNAME(handle, name, len, &status);   // status 0: name holds the text
+ *
+ * (Size 0 with a real buffer and the empty text writes the terminator and
+ * reports 0, which is len.) Each string function below says "String rule".
  */
 
 #include <stddef.h>
@@ -41,18 +71,27 @@ typedef struct CKvProjection* KVP_HANDLE;
  * values (empty name, origin 0/0, convergence 0, outputs of Proj2Geo untouched). */
 void C_KVMP_CREATE(const char* text, KVMP_HANDLE* handle, int* status);
 void C_KVMP_DESTROY(KVMP_HANDLE* handle, int* status);
+/* The system's name (empty for one that did not resolve). String rule: len >
+ * size reports *status = len and leaves the buffer alone, else len + 1 bytes
+ * are copied and *status = 0; call with size 0 to learn len, then pass len + 1
+ * bytes and size = len. -1 for a NULL handle. */
 void C_KVMP_GETNAME(KVMP_HANDLE handle, char* buffer, int size, int* status);
+/* The text the system was made from (empty for one that did not resolve).
+ * String rule: len > size reports len; size 0 learns len, then len + 1 bytes
+ * with size = len take the text. -1 for a NULL handle. */
 void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int size, int* status);
 /* Why the object's text did not resolve (e.g. 'projection
  * "Mercator_Auxiliary_Sphere" is not supported', 'unknown coordinate system
  * "X"'), or, for one that did, the warnings of its reading: what it reads
  * differently from the EPSG registry, one sentence a line. Empty when it
- * resolved as the registry defines it. String rule: the buffer holds size + 1
- * bytes; size it as len + 1 from a first call that reports len. */
+ * resolved as the registry defines it. String rule: len > size reports len;
+ * size 0 learns len, then len + 1 bytes with size = len take the text. -1 for
+ * a NULL handle. */
 void C_KVMP_GETMESSAGE(KVMP_HANDLE handle, char* buffer, int size, int* status);
 /* The same message for the coordinate system this thread created last (also
- * after a create that failed with -1, such as the generic "UTM"). String rule
- * as above. */
+ * after a create that failed with -1, such as the generic "UTM"); each thread
+ * has its own. String rule: len > size reports len; size 0 learns len, then
+ * len + 1 bytes with size = len take the text. */
 void C_KVMP_GETLASTERROR(char* buffer, int size, int* status);
 void C_KVMP_GEO2PROJ(KVMP_HANDLE handle, double lon, double lat, double* x, double* y);
 void C_KVMP_PROJ2GEO(KVMP_HANDLE handle, double x, double y, double* lon, double* lat);
@@ -82,11 +121,17 @@ void C_KVC_SETEPSGREADING(int on);
 int C_KVC_GETEPSGREADING(void);
 
 /* Local site grids: origin at (lon0, lat0), y axis turned by orientation
- * degrees from true north towards east. "UTM" names the zone of lon0. */
+ * degrees from true north towards east. "UTM" names the zone of lon0, as
+ * S_LONGITUDETOUTMZONE gives it (1 to 60; 180 and -180 are zone 1); a NaN or
+ * infinite lon0 has no zone, and "UTM" then fails (-1). */
 void C_KVC_CREATE(const char* text, double lon0, double lat0, double orientation, KVC_HANDLE* handle, int* status);
 void C_KVC_DESTROY(KVC_HANDLE* handle, int* status);
-/* The grid's coordinate system, owned by the grid: never destroy it. */
+/* The grid's coordinate system, owned by the grid: never destroy it. NULL for
+ * a NULL handle. */
 KVMP_HANDLE C_KVC_GETPROJECTION(KVC_HANDLE handle);
+/* The name and the text of the grid's coordinate system ("UTM-32" for the
+ * generic "UTM" at 9.5 E). String rule: len > size reports len; size 0 learns
+ * len, then len + 1 bytes with size = len take the text. -1 for a NULL handle. */
 void C_KVC_GETPROJECTIONNAME(KVC_HANDLE handle, char* buffer, int size, int* status);
 void C_KVC_GETPROJECTIONSTRING(KVC_HANDLE handle, char* buffer, int size, int* status);
 double C_KVC_GETTRUENORTH(KVC_HANDLE handle, double x, double y);
@@ -139,10 +184,24 @@ int S_AREIDENTICAL(const char* a, const char* b);
 /* 4 x first axis + second axis (east 0, north 1, west 2, south 3): 1 for
  * easting/northing. */
 int S_GETCOORDSYSTYPE(const char* text);
+/* The three string functions below follow the string rule: len > size
+ * reports *status = len and leaves the buffer alone, else the text and its
+ * terminator (len + 1 bytes) are copied and *status = 0; call with size 0 to
+ * learn len, then pass len + 1 bytes and size = len. */
+/* The short name of a system: its WKT's name, or the catalogue name as
+ * written. String rule. */
 void S_PROJECTIONSHORTNAME(const char* text, char* buffer, int size, int* status);
+/* "UTM-n", n = 1 ... 60: the zone of lon brought into [-180, 180). Zone n
+ * spans [6n - 186, 6n - 180) degrees, each zone holding its western edge, so
+ * 180 and -180 alike are zone 1 (EPSG's extents put the antimeridian on the
+ * edge of zones 60 and 1, as they put 6 E on the edge of zones 31 and 32);
+ * 359.9 is zone 30, 540 zone 1. NaN and infinities have no zone: the empty
+ * text. String rule. */
 void S_LONGITUDETOUTMZONE(char* buffer, int size, int* status, double lon);
+/* The WKT of the spherical Mercator of web maps. String rule. */
 void S_GETGOOGLEMAPPROJECTIONSTRING(char* buffer, int size, int* status);
-/* The projected origin of a system; *status -1 when it cannot be made. */
+/* The projected origin of a system; *status -1 when it cannot be made (or x or
+ * y is NULL). */
 void S_PROJECTIONORIGIN(const char* text, double* x, double* y, int* status);
 
 /* A bare projection engine for a system, or NULL; release it with
@@ -163,27 +222,30 @@ int CARTWRITEBACKLINUX(void);
 
 /* The catalogue's problems since the last CARTSETUPLINUX, one "file:line: what"
  * per line (a user file that did not read cleanly is named here; it is never
- * written over), and any failure of a write-back. Copied like every string
- * result: when its length len exceeds size, *status = len and buffer is not
- * touched; otherwise the text and its terminator are copied (buffer holds
- * size + 1 bytes) and *status = 0. */
+ * written over), and any failure of a write-back. String rule: when its length
+ * len exceeds size, *status = len and buffer is not touched; otherwise the
+ * text and its terminator are copied (buffer holds size + 1 bytes) and
+ * *status = 0; call with size 0 to learn len, then pass len + 1 bytes and
+ * size = len. */
 void CARTGETERRORLINUX(char* buffer, int size, int* status);
 
 /* The coordinate system text (WKT or a catalogue name) as a PROJ.4 definition.
  * datumShift: count values (dx, dy, dz in metres, rx, ry, rz in arc-seconds,
  * scale in ppm) that replace the system's own datum shift when count >= 1; may
- * be null. The result is copied like every string result (buffer holds size + 1
- * bytes; *status = length when it does not fit). *status = -1 for the generic
- * name "UTM", which names no zone. */
+ * be null. String rule: len > size reports *status = len and leaves the buffer
+ * alone, else len + 1 bytes are copied and *status = 0; call with size 0 to
+ * learn len, then pass len + 1 bytes and size = len. *status = -1 for the
+ * generic name "UTM", which names no zone. */
 void C_KVC_CONVERT2PROJ4(const char* text, double* datumShift, int count, char* buffer, int size, int* status);
 /* A PROJ string that PROJ 9 reads as the same system, the text read by the EPSG
  * rules (C_KVC_SETEPSGREADING(1) whatever the setting): PROJ's own parameter
  * names (+lonc and +no_uoff for the oblique Mercator, +k_0, +axis=wsu, ...),
  * numbers in their shortest exact form, ending "+no_defs +type=crs" (no
- * trailing text, so it can be pasted unquoted into a shell). Arguments and
- * string rule as C_KVC_CONVERT2PROJ4; *status = -1 when the text has no PROJ
- * string (unresolved, a local grid, a method PROJ cannot be told), with the
- * reason from C_KVMP_GETLASTERROR. */
+ * trailing text, so it can be pasted unquoted into a shell). Arguments as
+ * C_KVC_CONVERT2PROJ4. String rule: len > size reports len; size 0 learns
+ * len, then len + 1 bytes with size = len take the text. *status = -1 when the
+ * text has no PROJ string (unresolved, a local grid, a method PROJ cannot be
+ * told), with the reason from C_KVMP_GETLASTERROR. */
 void C_KVC_CONVERT2PROJ(const char* text, double* datumShift, int count, char* buffer, int size, int* status);
 
 #ifdef __cplusplus

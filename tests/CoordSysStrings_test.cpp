@@ -68,10 +68,10 @@ TEST(CoordSysStrings, ClassifiesNamesAndWkt)
 
     EXPECT_STREQ(P::LongitudeToUTMZone(9.5), "UTM-32");
     EXPECT_STREQ(P::LongitudeToUTMZone(-0.5), "UTM-30");
-    EXPECT_STREQ(P::LongitudeToUTMZone(180.0), "UTM-61");
+    EXPECT_STREQ(P::LongitudeToUTMZone(180.0), "UTM-1");
     EXPECT_STREQ(P::LongitudeToUTMZone(-180.0), "UTM-1");
     EXPECT_STREQ(P::LongitudeToUTMZone(NAN), "");
-    EXPECT_STREQ(P::LongitudeToUTMZone(1e308), "");
+    EXPECT_STREQ(P::LongitudeToUTMZone(INFINITY), "");
 
     long n = 0;
     EXPECT_STREQ(P::EnumMapProjections(12, &n), "LONG/LAT;NON-UTM;");

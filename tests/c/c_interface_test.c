@@ -1,6 +1,7 @@
 /* The C interface from a C99 program: handles, status codes, the string
- * buffer contract, the argument order of S_ISTYPE, and a host that switched to
- * a comma-decimal locale before calling. */
+ * buffer contract, the argument order of S_ISTYPE, UTM zones at the
+ * antimeridian, NULL arguments, and a host that switched to a comma-decimal
+ * locale before calling. */
 #include "interface/KvCart.h"
 
 #include <locale.h>
@@ -53,8 +54,14 @@ static void strings(KVMP_HANDLE system)
 
     S_LONGITUDETOUTMZONE(buffer, 6, &status, -0.5);
     CHECK(status == 0 && strcmp(buffer, "UTM-30") == 0);
+    /* The antimeridian is the western edge of zone 1; any finite longitude is
+     * brought onto the globe first; NaN has no zone. */
     S_LONGITUDETOUTMZONE(buffer, 16, &status, 180.0);
-    CHECK(status == 0 && strcmp(buffer, "UTM-61") == 0);
+    CHECK(status == 0 && strcmp(buffer, "UTM-1") == 0);
+    S_LONGITUDETOUTMZONE(buffer, 16, &status, 359.9);
+    CHECK(status == 0 && strcmp(buffer, "UTM-30") == 0);
+    S_LONGITUDETOUTMZONE(buffer, 16, &status, NAN);
+    CHECK(status == 0 && buffer[0] == '\0');
     S_PROJECTIONSHORTNAME(kUtm32, buffer, 16, &status);
     CHECK(status == (int)strlen("WGS 84 / UTM zone 32N"));
     S_GETGOOGLEMAPPROJECTIONSTRING(NULL, 0, &status);
@@ -182,6 +189,19 @@ static void grids_and_datums(void)
     CHECK(status == -1 && grid == NULL);
     C_KVC_DESTROY(&grid, &status);
     CHECK(status == -1);
+    /* A grid on the antimeridian is one of zone 1 and transforms; NaN names no
+     * zone and makes no grid.
+     * PROJ: echo 180 50 | cs2cs +proj=longlat +ellps=WGS84 +to +proj=utm +zone=1 +ellps=WGS84 */
+    C_KVC_CREATE("UTM", 180.0, 50.0, 0.0, &grid, &status);
+    CHECK(status == 0);
+    C_KVC_GETPROJECTIONNAME(grid, name, 31, &status);
+    CHECK(status == 0 && strcmp(name, "UTM-1") == 0);
+    C_KVC_GEO2PROJ(grid, 180.0, 50.0, &X, &Y);
+    NEAR(X, 285015.763265, 1e-6);
+    NEAR(Y, 5542944.018649, 1e-6);
+    C_KVC_DESTROY(&grid, &status);
+    C_KVC_CREATE("UTM", NAN, 50.0, 0.0, &grid, &status);
+    CHECK(status == -1 && grid == NULL);
 
     C_KVDC_CREATE("UTM", "LONG/LAT", &failed, &status);
     CHECK(status == -1 && failed == NULL);
@@ -224,6 +244,50 @@ static void grids_and_datums(void)
     CHECK(status == 0 && converter == NULL);
     C_KVDC_DESTROY(&converter, &status);
     CHECK(status == -1);
+}
+
+/* A host that passes NULL: a NULL status makes the call do nothing, a NULL
+ * handle pointer or handle is refused with -1, a NULL buffer learns the
+ * length. */
+static void null_arguments(void)
+{
+    KVMP_HANDLE system = NULL;
+    KVC_HANDLE grid = NULL;
+    KVDC_HANDLE converter = NULL;
+    int status = -2;
+    char name[8] = "unset";
+
+    C_KVMP_CREATE("UTM-32", NULL, &status);
+    CHECK(status == -1);
+    status = -2;
+    C_KVC_CREATE("UTM", 9.5, 50.0, 0.0, NULL, &status);
+    CHECK(status == -1);
+    status = -2;
+    C_KVDC_CREATE(kDhdn, "UTM-32", NULL, &status);
+    CHECK(status == -1);
+    C_KVMP_CREATE("UTM-32", &system, NULL);
+    C_KVC_CREATE("UTM", 9.5, 50.0, 0.0, &grid, NULL);
+    C_KVDC_CREATE(kDhdn, "UTM-32", &converter, NULL);
+    CHECK(system == NULL && grid == NULL && converter == NULL);
+    C_KVMP_DESTROY(NULL, NULL);
+    C_KVC_DESTROY(NULL, NULL);
+    C_KVDC_DESTROY(NULL, NULL);
+    status = -2;
+    C_KVMP_DESTROY(NULL, &status);
+    CHECK(status == -1);
+
+    C_KVMP_CREATE("UTM-32", &system, &status);
+    CHECK(status == 0);
+    C_KVMP_GETNAME(system, name, 7, NULL);
+    CHECK(strcmp(name, "unset") == 0);
+    C_KVMP_GETNAME(NULL, name, 7, &status);
+    CHECK(status == -1);
+    C_KVMP_GETNAME(system, NULL, 7, &status);
+    CHECK(status == 6);
+    C_KVMP_DESTROY(&system, NULL);
+    CHECK(system != NULL);
+    C_KVMP_DESTROY(&system, &status);
+    CHECK(status == 0 && system == NULL);
 }
 
 static void comma_locale(void)
@@ -300,6 +364,7 @@ int main(int argc, char** argv)
         systems();
         queries();
         grids_and_datums();
+        null_arguments();
         comma_locale();
         CHECK(CARTWRITEBACKLINUX() == 0);
         CHECK(fopen(custom, "r") == NULL);
