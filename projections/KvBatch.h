@@ -35,13 +35,24 @@ public:
     // in the first-level cache (four arrays of 2 KiB) on the stack.
     static constexpr std::size_t BlockSize = 64;
 
+    // The address of element i. A stride is a size_t, so a host walking an
+    // array backwards passes a negative distance as its two's complement:
+    // i * stride wraps to the distance modulo 2^64, and read as a signed
+    // offset it is the true one, so that the pointer moves back within the
+    // host's array instead of "forward" past the end of the address space
+    // (which is undefined, and which the sanitizers report). The conversion is
+    // the same register, the code the same as an unsigned offset's.
+    static std::ptrdiff_t Offset(std::size_t stride, std::size_t i)
+    {
+        return static_cast<std::ptrdiff_t>(i * stride);
+    }
     static const double* At(const double* base, std::size_t stride, std::size_t i)
     {
-        return reinterpret_cast<const double*>(reinterpret_cast<const char*>(base) + i * stride);
+        return reinterpret_cast<const double*>(reinterpret_cast<const char*>(base) + Offset(stride, i));
     }
     static double* At(double* base, std::size_t stride, std::size_t i)
     {
-        return reinterpret_cast<double*>(reinterpret_cast<char*>(base) + i * stride);
+        return reinterpret_cast<double*>(reinterpret_cast<char*>(base) + Offset(stride, i));
     }
 
     // f(a, b, &u, &v) for each point, in order.
