@@ -154,6 +154,8 @@ bool CKvMapProjData::ReadFromHandle(void* handle, bool custom)
     for (int i = 0; i < GetNoOfParameters(); ++i)
         values[i] = _readParameter(section, m_pInfo->parameters[i].keyword);
     SetParameters(values);
+    m_bUsSurveyFeet = gxrKeywordByNameNum(section, "Feast_ft_us", 1) != nullptr &&
+                      gxrKeywordByNameNum(section, "Fnorth_ft_us", 1) != nullptr;
     SetPermissions(custom, custom);
     return true;
 }

@@ -109,6 +109,11 @@ public:
     virtual int GetNoOfParameters() const { return m_pInfo->noOfParameters; }
     virtual bool GetParameter(int index, std::string& label, double& value, EParamType& kind) const;
     virtual void SetParameters(const double* values);
+    // Whether the grid's coordinates are in US survey feet: a definition read
+    // with both its false easting and northing in them (the "_ft_us" keywords,
+    // as the EPSG state planes on NAD27 are) is a system in that unit. Its
+    // parameters are held in metres all the same, as the engines work in metres.
+    bool IsInUsSurveyFeet() const { return m_bUsSurveyFeet; }
 
     // Only the name, branch, ellipsoid and parameters; the flags stay as they are.
     void CopyFieldsFrom(const CKvMapProjData& other);
@@ -171,6 +176,7 @@ private:
     std::string m_ellipsoidID;
     bool m_bCanDelete;
     bool m_bCanEdit;
+    bool m_bUsSurveyFeet = false;
     double m_adParams[MaxParameters];
 };
 

@@ -60,6 +60,13 @@ void CKvMapProjection::_construct(const char* text)
         CKvPRJParser parser(wkt);
         parser.Parse(false);
         m_info.SetProjectionInfo(parser);
+        // The engine's WKT is in metres; a definition in US survey feet
+        // reports that unit (1200/3937 m), for the caller to apply.
+        CString name(text);
+        name.Trim();
+        const CKvMapProjData* definition = FindMapProjectionDefinition(name.GetString());
+        if (definition != nullptr && definition->IsInUsSurveyFeet())
+            m_info.SetProjUnit("US survey foot", 1200.0 / 3937.0);
     }
     m_projectionString = text;
     _takeFigure();
