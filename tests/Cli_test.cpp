@@ -8,7 +8,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -477,4 +481,379 @@ TEST(Cli, Proj4WritesWhatProjReadsAsTheSameSystem)
     const SRun local = Kvcart(dir, {"proj4", "NON-UTM"});
     EXPECT_EQ(local.status, 1);
     EXPECT_NE(local.err.find("has no PROJ string"), std::string::npos) << local.err;
+}
+
+namespace {
+
+// The numbers of a line read back in the C locale, "* *" giving none.
+std::vector<double> Numbers(const std::string& line)
+{
+    std::vector<double> values;
+    std::istringstream in(line);
+    for (double value = 0; in >> value;)
+        values.push_back(value);
+    return values;
+}
+
+// A shell command run in dir, standard output and error kept; the status of sh.
+SRun Shell(const kvtest::TempDir& dir, const std::string& command)
+{
+    SRun run;
+    const int raw = std::system(("cd " + Quote(dir.Path()) + " && { " + command + " ; } > stdout.txt 2> stderr.txt")
+                                    .c_str());
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.out = kvtest::ReadFile(dir.File("stdout.txt"));
+    run.err = kvtest::ReadFile(dir.File("stderr.txt"));
+    return run;
+}
+
+} // namespace
+
+// A decimal comma is read where the line's field separator leaves no doubt (a
+// semicolon or a tab after the first coordinate) and written back as it came;
+// where a comma between digits could be either a decimal comma or a separator,
+// the line is refused with the reason instead of read one way or the other.
+// Reference: cs2cs EPSG:4326 EPSG:32632 on 47.5 9.5, 47.5 9, -0.5 9.5.
+TEST(Cli, DecimalCommasAreReadWhereCertainAndRefusedWhereNot)
+{
+    kvtest::TempDir dir;
+    const std::string input = "9,5;47,5;Zurich\n"
+                              "9,5\t47,5\tZurich\n"
+                              "9 ; 47,5 ; 100,25\n"
+                              "9,5;-0,5\n"
+                              "9.5;47.5;Zurich\n"
+                              "9.5,47.5,Zurich\n"
+                              "9.5\t47.5 Zurich lake\n"
+                              "9,5 47,5\n"
+                              "9.5 47,5 Zurich\n"
+                              "9.5 47.5 100,5\n"
+                              "9 47,100\n"
+                              "9,5 Zurich\n";
+    const SRun run = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, input);
+    EXPECT_EQ(run.status, 1);
+    const std::vector<std::string> lines = run.OutLines();
+    ASSERT_EQ(lines.size(), 12u) << run.out;
+    EXPECT_EQ(lines[0], "537656,6740;5260850,8753;Zurich");
+    EXPECT_EQ(lines[1], "537656,6740\t5260850,8753\tZurich");
+    EXPECT_EQ(lines[2], "500000,0000 ; 5260729,7331 ; 100,2500");
+    EXPECT_EQ(lines[3], "555636,0880;-55267,1556");
+    EXPECT_EQ(lines[4], "537656.6740;5260850.8753;Zurich");
+    EXPECT_EQ(lines[5], "537656.6740,5260850.8753,Zurich");
+    EXPECT_EQ(lines[6], "537656.6740\t5260850.8753 Zurich lake");
+    EXPECT_EQ(lines[7], "* *");
+    EXPECT_EQ(lines[8], "* * Zurich");
+    EXPECT_EQ(lines[9], "* *");
+    EXPECT_EQ(lines[10], "* *");
+    EXPECT_EQ(lines[11], "* *");
+    for (const char* message : {"stdin:8: decimal commas and a comma separator cannot both be read: '9,5'",
+                                "stdin:9: decimal commas and a comma separator cannot both be read: '47,5'",
+                                "stdin:10: decimal commas and a comma separator cannot both be read: '100,5'",
+                                "stdin:11: decimal commas and a comma separator cannot both be read: '47,100'",
+                                "stdin:12: decimal commas and a comma separator cannot both be read: '9,5'",
+                                "5 lines could not be converted"})
+        EXPECT_NE(run.err.find(message), std::string::npos) << message << "\n" << run.err;
+    EXPECT_NE(run.err.find("';' or a tab"), std::string::npos) << run.err;
+
+    // Back again, in the same form.
+    const SRun back = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "--inverse", "--precision", "6"},
+                             std::string("537656,6740;5260850,8753;Zurich\n"));
+    EXPECT_EQ(back.status, 0) << back.err;
+    EXPECT_EQ(back.out, "9,500000;47,500000;Zurich\n");
+}
+
+// Whatever cannot be read keeps the text after its coordinates, as a point
+// outside the domain does, so that names and identifiers stay with their line.
+TEST(Cli, UnreadableLinesKeepTheirTrailingText)
+{
+    kvtest::TempDir dir;
+    const std::string input = "abc,51.5,Trafalgar Square\n"
+                              "9.5 1e400 Zurich lake\n"
+                              "9.5 47.5 1e400 Zurich\n"
+                              "nan 47.5 Zurich\n"
+                              "9.5 47.5x Zurich\n"
+                              "9.5\n";
+    const SRun run = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, input);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out, "* *,Trafalgar Square\n* * Zurich lake\n* * Zurich\n* * Zurich\n* * Zurich\n* *\n");
+    EXPECT_NE(run.err.find("stdin:3: number out of range '1e400'"), std::string::npos) << run.err;
+}
+
+TEST(Cli, ByteOrderMarksAndHeaderLines)
+{
+    kvtest::TempDir dir;
+    const std::string bom = "\xEF\xBB\xBF";
+    const SRun marked = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, bom + "9.5 47.5\n");
+    EXPECT_EQ(marked.status, 0) << marked.err;
+    EXPECT_EQ(marked.out, "537656.6740 5260850.8753\n");
+    EXPECT_EQ(marked.err, "");
+
+    // A header is named as a likely one, and --skip-header copies it through,
+    // in every input.
+    const std::string csv = bom + "lon;lat;name\r\n9,5;47,5;Zurich\r\n";
+    const SRun header = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, csv);
+    EXPECT_EQ(header.status, 1);
+    EXPECT_EQ(header.out, "* *;name\r\n537656,6740;5260850,8753;Zurich\r\n");
+    EXPECT_NE(header.err.find("stdin:1: line 1 holds no coordinates; if it is a header, use --skip-header 1"),
+              std::string::npos)
+        << header.err;
+    kvtest::WriteFile(dir.File("a.csv"), csv);
+    const SRun skipped = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "--skip-header", "1", "a.csv", "-"}, csv);
+    EXPECT_EQ(skipped.status, 0) << skipped.err;
+    EXPECT_EQ(skipped.out, "lon;lat;name\r\n537656,6740;5260850,8753;Zurich\r\n"
+                           "lon;lat;name\r\n537656,6740;5260850,8753;Zurich\r\n");
+
+    // The first line with something to read is the one named; later lines
+    // without numbers are plain errors.
+    const SRun late = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, std::string("# exported\nX Y\n9.5 47.5\nX Y\n"));
+    EXPECT_EQ(late.OutLines(), (std::vector<std::string>{"# exported", "* *", "537656.6740 5260850.8753", "* *"}));
+    EXPECT_NE(late.err.find("stdin:2: line 2 holds no coordinates; if it is a header, use --skip-header 2"),
+              std::string::npos)
+        << late.err;
+    EXPECT_NE(late.err.find("stdin:4: expected a coordinate, found 'X'"), std::string::npos) << late.err;
+    EXPECT_EQ(late.err.find("--skip-header 4"), std::string::npos) << late.err;
+
+    const SRun more = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "--skip-header", "5"}, std::string("a\nb\n"));
+    EXPECT_EQ(more.status, 0);
+    EXPECT_EQ(more.out, "a\nb\n");
+    for (const char* wrong : {"x", "-1", "1.5"}) {
+        const SRun bad = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "--skip-header", wrong}, csv);
+        EXPECT_EQ(bad.status, 2) << wrong;
+        EXPECT_NE(bad.err.find("--skip-header takes a whole number"), std::string::npos) << bad.err;
+    }
+}
+
+// Messages quote what they could not read with control bytes and invalid UTF-8
+// escaped, so that they neither hide nor act on the terminal; a NUL byte does
+// not end them.
+TEST(Cli, MessagesEscapeControlBytesAndInvalidUtf8)
+{
+    kvtest::TempDir dir;
+    const std::string input = "ab\x01" "c 47.5\n"
+                              "9.5 47.5" + std::string(1, '\0') + "x tail\n"
+                              "\x1b[31mred 47.5\n"
+                              "\xff\xfe 47.5\n"
+                              "Z\xc3\xbcrich 47.5\n"
+                              "\xc3 47.5\n"
+                              "\xed\xa0\x80 47.5\n"
+                              "\xc2\x9b" "2J 47.5\n"
+                              "back\\slash 47.5\n";
+    const SRun run = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, input);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.OutLines().size(), 9u);
+    for (const char* message :
+         {"stdin:1: expected a coordinate, found 'ab\\x01c'\n", "stdin:2: expected a number, found '47.5\\x00x'\n",
+          "stdin:3: expected a coordinate, found '\\x1b[31mred'\n",
+          "stdin:4: expected a coordinate, found '\\xff\\xfe'\n",
+          "stdin:5: expected a coordinate, found 'Z\xc3\xbcrich'\n", "stdin:6: expected a coordinate, found '\\xc3'\n",
+          "stdin:7: expected a coordinate, found '\\xed\\xa0\\x80'\n",
+          "stdin:8: expected a coordinate, found '\\xc2\\x9b2J'\n",
+          "stdin:9: expected a coordinate, found 'back\\\\slash'\n"})
+        EXPECT_NE(run.err.find(message), std::string::npos) << message << "\n" << run.err;
+    for (size_t i = 0; i < run.err.size(); ++i) {
+        const unsigned char c = static_cast<unsigned char>(run.err[i]);
+        const bool umlaut =
+            run.err.compare(i, 2, "\xc3\xbc") == 0 || (i > 0 && run.err.compare(i - 1, 2, "\xc3\xbc") == 0);
+        EXPECT_TRUE((c >= 0x20 && c < 0x7f) || c == '\n' || umlaut) << "byte " << i << ": " << static_cast<int>(c);
+    }
+    const SRun missing = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "no\x1bname.txt"});
+    EXPECT_NE(missing.err.find("cannot open 'no\\x1bname.txt'"), std::string::npos) << missing.err;
+}
+
+// Projected coordinates are read and written in the system's own linear unit,
+// US survey feet for the NAD27 state planes of the catalogue and for a WKT
+// whose UNIT says so; --metres keeps the engines' metres. Heights stay in
+// metres, as cs2cs keeps them.
+// Reference: cs2cs EPSG:4267 EPSG:26729 on 32.5 -85.5 100 gives 602772.3875
+// 727652.6721 100; cs2cs EPSG:26729 EPSG:26730 on that point gives 1116669.7427
+// 915089.5282; cs2cs EPSG:4269 EPSG:2264 on 35.5 -79 gives 2000000.0000
+// 636902.6808.
+TEST(Cli, ProjectedCoordinatesAreInTheSystemsOwnUnit)
+{
+    kvtest::TempDir dir;
+    const auto expectNear = [](const std::string& line, std::vector<double> expected, double tolerance) {
+        const std::vector<double> values = Numbers(line);
+        ASSERT_EQ(values.size(), expected.size()) << line;
+        for (size_t i = 0; i < values.size(); ++i)
+            EXPECT_NEAR(values[i], expected[i], tolerance) << line;
+    };
+    const SRun feet = Kvcart(dir, {"transform", "LONG/LAT", "NAD27 / Alabama East"}, std::string("-85.5 32.5 100\n"));
+    EXPECT_EQ(feet.status, 0) << feet.err;
+    expectNear(feet.out, {602772.3875, 727652.6721, 100.0}, 2e-4);
+    const SRun metres =
+        Kvcart(dir, {"transform", "LONG/LAT", "NAD27 / Alabama East", "--metres"}, std::string("-85.5 32.5 100\n"));
+    expectNear(metres.out, {602772.3875 * 1200 / 3937, 727652.6721 * 1200 / 3937, 100.0}, 2e-4);
+    const SRun back = Kvcart(dir, {"transform", "LONG/LAT", "NAD27 / Alabama East", "--inverse", "--precision", "10"},
+                             std::string("602772.3875 727652.6721\n"));
+    expectNear(back.out, {-85.5, 32.5}, 1e-9);
+    const SRun across = Kvcart(dir, {"transform", "NAD27 / Alabama East", "NAD27 / Alabama West"},
+                               std::string("602772.3875 727652.6721\n"));
+    expectNear(across.out, {1116669.7427, 915089.5282}, 2e-4);
+
+    kvtest::WriteFile(dir.File("nc.prj"),
+                      "PROJCS[\"NAD83 / North Carolina (ftUS)\",GEOGCS[\"NAD83\",DATUM[\"North_American_Datum_1983\","
+                      "SPHEROID[\"GRS 1980\",6378137,298.257222101]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\","
+                      "0.0174532925199433]],PROJECTION[\"Lambert_Conformal_Conic_2SP\"],PARAMETER[\"latitude_of_"
+                      "origin\",33.75],PARAMETER[\"central_meridian\",-79],PARAMETER[\"standard_parallel_1\","
+                      "36.1666666666667],PARAMETER[\"standard_parallel_2\",34.3333333333333],PARAMETER[\"false_"
+                      "easting\",2000000],PARAMETER[\"false_northing\",0],UNIT[\"US survey foot\",0.3048006096012192],"
+                      "AXIS[\"Easting\",EAST],AXIS[\"Northing\",NORTH]]");
+    const SRun wkt = Kvcart(dir, {"transform", "LONG/LAT", "@nc.prj"}, std::string("-79 35.5\n"));
+    EXPECT_EQ(wkt.status, 0) << wkt.err;
+    expectNear(wkt.out, {2000000.0, 636902.6808}, 2e-4);
+    // A metre system is untouched by the option.
+    EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "--metres"}, std::string("9.5 47.5\n")).out,
+              "537656.6740 5260850.8753\n");
+}
+
+// A line too long to hold is an error with its line number; the lines around
+// it are converted and nothing is dropped, however little memory there is.
+TEST(Cli, LinesTooLongToHoldAreMarkedAndTheRestConverted)
+{
+    kvtest::TempDir dir;
+    const std::string point = "9.5 47.5 Zurich\n";
+    const std::string converted = "537656.6740 5260850.8753 Zurich";
+    std::string fits = "9.5 47.5 ";
+    fits.resize(1 << 20, 'a');
+    kvtest::WriteFile(dir.File("long.txt"), point + std::string((1 << 20) + 1, '1') + "\n" + fits + "\n" + point);
+    const SRun run = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32", "long.txt"});
+    EXPECT_EQ(run.status, 1);
+    const std::vector<std::string> lines = run.OutLines();
+    ASSERT_EQ(lines.size(), 4u);
+    EXPECT_EQ(lines[0], converted);
+    EXPECT_EQ(lines[1], "* *");
+    EXPECT_EQ(lines[2].substr(0, 26), "537656.6740 5260850.8753 a");
+    EXPECT_EQ(lines[2].size(), (1u << 20) + 16u);
+    EXPECT_EQ(lines[3], converted);
+    EXPECT_NE(run.err.find("long.txt:2: line 2 is longer than 1048576 bytes"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("1 line could not be converted"), std::string::npos) << run.err;
+
+    // A 60 MB line from a pipe under a 30 MB and a 100 MB address-space limit:
+    // more than the program may hold. AddressSanitizer reserves far more address
+    // space than any such limit, so there the same input runs without one.
+#if defined(__SANITIZE_ADDRESS__)
+    const bool limited = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+    const bool limited = false;
+#else
+    const bool limited = true;
+#endif
+#else
+    const bool limited = true;
+#endif
+    kvtest::WriteFile(dir.File("generate.sh"), "printf '9.5 47.5 Zurich\\n'; head -c 60000000 /dev/zero | tr '\\0' 1; "
+                                               "printf '\\n9.5 47.5 Zurich\\n'\n");
+    for (const char* limit : {"30000", "100000"}) {
+        const std::string pipe = "sh generate.sh | \"$0\" transform LONG/LAT UTM-32";
+        const SRun big = Shell(dir, "sh -c '" + (limited ? "ulimit -v " + std::string(limit) + "; " : std::string()) +
+                                        pipe + "' " + Quote(KVCART_CLI));
+        EXPECT_EQ(big.status, 1) << limit << "\n" << big.err;
+        EXPECT_EQ(big.out, converted + "\n* *\n" + converted + "\n") << limit;
+        EXPECT_NE(big.err.find("stdin:2: line 2 is longer than 1048576 bytes"), std::string::npos) << big.err;
+    }
+}
+
+namespace {
+
+// A stream that gives its text and then fails to read, as a failing disk does.
+struct SFailingSource
+{
+    std::string text;
+    size_t at = 0;
+};
+
+ssize_t ReadThenFail(void* cookie, char* buffer, size_t size)
+{
+    SFailingSource* source = static_cast<SFailingSource*>(cookie);
+    if (source->at == source->text.size()) {
+        errno = EIO;
+        return -1;
+    }
+    const size_t n = std::min(size, source->text.size() - source->at);
+    std::memcpy(buffer, source->text.data() + source->at, n);
+    source->at += n;
+    return static_cast<ssize_t>(n);
+}
+
+} // namespace
+
+// A read error after some lines: those lines are written first, then the
+// error with where it happened.
+TEST(PointStream, AReadErrorComesAfterTheLinesReadBeforeIt)
+{
+    kvtest::ShippedCatalogue();
+    CKvDatumConverter converter("LONG/LAT", "UTM-32");
+    converter.SetConversionType(CKvDatumConverter::eGeoToProj);
+    CKvPointStream stream(converter, false, 4, 4);
+    SFailingSource source;
+    source.text = "9.5 47.5\n9.5 47.5 Zurich\n9.5 47.";
+    cookie_io_functions_t functions = {ReadThenFail, nullptr, nullptr, nullptr};
+    FILE* in = fopencookie(&source, "r", functions);
+    ASSERT_NE(in, nullptr);
+    char* text = nullptr;
+    size_t size = 0;
+    FILE* both = open_memstream(&text, &size);
+    ASSERT_NE(both, nullptr);
+    EXPECT_EQ(stream.Run(in, "disk.txt", both, both), -1);
+    std::fclose(in);
+    std::fclose(both);
+    const std::string written(text, size);
+    std::free(text);
+    EXPECT_EQ(written, "537656.6740 5260850.8753\n537656.6740 5260850.8753 Zurich\n"
+                       "kvcart: disk.txt: cannot read after line 2: Input/output error\n");
+}
+
+// The unit factors apply to projected input and output alone, and the line
+// converter reads the same rules as the program.
+TEST(PointStream, UnitsApplyToProjectedSidesOnly)
+{
+    kvtest::ShippedCatalogue();
+    CKvDatumConverter converter("LONG/LAT", "UTM-32");
+    converter.SetConversionType(CKvDatumConverter::eGeoToProj);
+    CKvPointStream plain(converter, false, 6, 4), forward(converter, false, 6, 4);
+    forward.SetUnits(1.0, 0.5);
+    std::string metres, halves, problem;
+    const std::string line = "9,5;47,5;100";
+    EXPECT_TRUE(plain.ConvertLine(line.data(), line.size(), metres, problem)) << problem;
+    EXPECT_TRUE(forward.ConvertLine(line.data(), line.size(), halves, problem)) << problem;
+    std::replace(metres.begin(), metres.end(), ',', '.');
+    std::replace(halves.begin(), halves.end(), ',', '.');
+    std::replace(metres.begin(), metres.end(), ';', ' ');
+    std::replace(halves.begin(), halves.end(), ';', ' ');
+    const std::vector<double> m = Numbers(metres), h = Numbers(halves);
+    ASSERT_EQ(m.size(), 3u);
+    ASSERT_EQ(h.size(), 3u);
+    EXPECT_NEAR(h[0], 2 * m[0], 2e-6);
+    EXPECT_NEAR(h[1], 2 * m[1], 2e-6);
+    EXPECT_EQ(h[2], 100.0); // a height is in metres
+    // The inverse reads its grid input in the unit, and writes degrees.
+    CKvPointStream inverse(converter, true, 6, 4);
+    inverse.SetUnits(1.0, 0.5);
+    const std::string grid = "1075313.348 10521701.7506";
+    std::string out;
+    EXPECT_TRUE(inverse.ConvertLine(grid.data(), grid.size(), out, problem)) << problem;
+    EXPECT_EQ(out, "9.500000 47.500000");
+}
+
+// The unit the program applies is the one the library reports: a catalogue
+// definition with its false origin in US survey feet is a system in feet, as
+// EPSG defines the NAD27 state planes; the NAD83 ones of the catalogue are in
+// metres.
+TEST(Cli, TheCatalogueReportsTheUnitOfItsStatePlanes)
+{
+    kvtest::ShippedCatalogue();
+    double factor = 0.0;
+    char name[CKvProjectionInfo::UnitNameSize] = "";
+    const CKvMapProjection feet("NAD27 / Alabama East");
+    ASSERT_NE(feet.GetProjection(), nullptr);
+    EXPECT_TRUE(feet.GetUnit(CKvMapProjection::eProjUnit, &factor, name));
+    EXPECT_STREQ(name, "US survey foot");
+    EXPECT_EQ(factor, 1200.0 / 3937.0);
+    const CKvMapProjection copy(feet);
+    EXPECT_TRUE(copy.GetUnit(CKvMapProjection::eProjUnit, &factor, name));
+    EXPECT_STREQ(name, "US survey foot");
+    const CKvMapProjection metres("NAD83 / Alabama East");
+    ASSERT_NE(metres.GetProjection(), nullptr);
+    EXPECT_TRUE(metres.GetUnit(CKvMapProjection::eProjUnit, &factor, name));
+    EXPECT_EQ(factor, 1.0);
 }

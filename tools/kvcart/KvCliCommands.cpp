@@ -77,16 +77,24 @@ const char kTransformHelp[] =
     "\n"
     "Converts points from the coordinate system FROM to TO. Points are read from\n"
     "the FILEs in turn, or from standard input when none is given or FILE is \"-\",\n"
-    "one per line: \"x y\" or \"x y h\", separated by blanks, tabs or a comma.\n"
-    "Geographical coordinates are longitude then latitude in decimal degrees,\n"
-    "projected ones are in the system's own axis order, in metres; h is the\n"
-    "ellipsoidal height in metres.\n"
+    "one per line: \"x y\" or \"x y h\", separated by blanks, tabs, a comma or a\n"
+    "semicolon. Geographical coordinates are longitude then latitude in decimal\n"
+    "degrees, projected ones are in the system's own axis order and linear unit\n"
+    "(US survey feet for a state plane in feet); h is the ellipsoidal height in\n"
+    "metres.\n"
+    "\n"
+    "The decimal mark is a point, or a comma on a line whose first coordinate is\n"
+    "followed by a semicolon or a tab (\"9,5;47,5;Zurich\"); such a line is written\n"
+    "back with decimal commas. A comma between digits on a line separated by\n"
+    "blanks (\"9,5 47,5\") could be either and is refused, never guessed.\n"
     "\n"
     "Every input line gives one output line. The converted coordinates keep the\n"
     "separators of the input, and text after them is copied. Blank lines and\n"
     "comment lines (starting with #) are copied as they are. A line that cannot be\n"
     "read, or whose point lies outside the systems' domain, is written as \"* *\"\n"
-    "and named on standard error with its line number; the exit status is then 1.\n"
+    "followed by the text after its coordinates, and named on standard error with\n"
+    "its line number; the exit status is then 1. A line longer than 1 MiB is such\n"
+    "a line. A UTF-8 byte-order mark at the start of an input is dropped.\n"
     "\n"
     "Between different datums the points pass through geocentric coordinates with\n"
     "each system's shift to WGS 84 (its TOWGS84: position vector, small angles).\n"
@@ -102,10 +110,14 @@ const char kTransformHelp[] =
     "  --towgs84-to VALUES    the same for TO\n"
     "  --bypass-datum         apply no datum shift: only the projections\n"
     "  --precision N          decimals of every output coordinate, 0 to 17\n"
-    "                         (default: 4 for metres, 9 for degrees)\n"
+    "                         (default: 4 for projected ones, 9 for degrees)\n"
+    "  --skip-header N        copy the first N lines of each input unchanged\n"
+    "  --metres               projected coordinates in metres, whatever the\n"
+    "                         systems' unit\n"
     "\n"
     "Examples:\n"
     "  echo \"9.5 47.5\" | kvcart transform LONG/LAT UTM-32\n"
+    "  kvcart transform LONG/LAT UTM-32 --skip-header 1 export.csv\n"
     "  kvcart transform LONG/LAT \"British National Grid\" points.txt\n"
     "  kvcart transform @parcels.prj LONG/LAT --towgs84-from 565.4,50.3,465.6 parcels.csv\n";
 
@@ -312,7 +324,7 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
     static const std::vector<SCommand> commands = {
         {"transform", kTransformHelp, &CKvCliCommands::_transform, 2, -1,
          {{"inverse", false}, {"towgs84-from", true}, {"towgs84-to", true}, {"bypass-datum", false},
-          {"precision", true}}},
+          {"precision", true}, {"skip-header", true}, {"metres", false}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
         {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}, {"legacy", false}}},
         {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {{"type", true}, {"branch", true}}},
@@ -597,8 +609,30 @@ int CKvCliCommands::_transform()
             return _usage("--precision takes a whole number from 0 to 17");
         precisionXY = precisionH = static_cast<int>(value);
     }
+    long skipHeader = 0;
+    if (m_args.Has("skip-header")) {
+        double value = 0.0;
+        if (!CKvPointStream::ParseNumber(m_args.GetValue("skip-header"), value) || value < 0 || value > 1e9 ||
+            value != std::floor(value))
+            return _usage("--skip-header takes a whole number of lines, 0 or more");
+        skipHeader = static_cast<long>(value);
+    }
+
+    // Projected coordinates are in their system's own linear unit (US survey
+    // feet for a state plane in feet); the engines work in metres, so the unit
+    // is applied around the conversion. --metres keeps the engines' metres.
+    double units[2] = {1.0, 1.0};
+    for (int i = 0; i < 2 && !m_args.Has("metres"); ++i) {
+        double factor = 0.0;
+        char name[CKvProjectionInfo::UnitNameSize] = "";
+        if (!systems[i]->IsGeographical() && systems[i]->GetUnit(CKvMapProjection::eProjUnit, &factor, name) &&
+            std::isfinite(factor) && factor > 0.0)
+            units[i] = factor;
+    }
 
     CKvPointStream stream(converter, inverse, precisionXY, precisionH);
+    stream.SetUnits(units[0], units[1]);
+    stream.SetSkipHeader(skipHeader);
     std::vector<std::string> files(args.begin() + 2, args.end());
     if (files.empty())
         files.emplace_back("-");
@@ -607,7 +641,10 @@ int CKvCliCommands::_transform()
     for (const std::string& file : files) {
         FILE* in = file == "-" ? stdin : std::fopen(file.c_str(), "rb");
         if (in == nullptr) {
-            std::fprintf(m_err, "kvcart: cannot open '%s': %s\n", file.c_str(), std::strerror(errno));
+            const int error = errno;
+            std::string shown;
+            CKvPointStream::AppendEscaped(shown, file.data(), file.size());
+            std::fprintf(m_err, "kvcart: cannot open '%s': %s\n", shown.c_str(), std::strerror(error));
             failed = true;
             continue;
         }

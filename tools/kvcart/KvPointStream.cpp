@@ -4,43 +4,71 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
-#include <cstdlib>
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <cstdlib>
 #include <cstring>
-#include <sys/types.h>
+#include <new>
 
 namespace {
 
 constexpr size_t kFlushSize = 1 << 16;
+// The read buffer starts at this size and doubles up to the longest line.
+constexpr size_t kInitialBuffer = 1 << 18;
+// The longest number with a decimal comma that is read (it is copied to be read).
+constexpr size_t kMaxCommaNumber = 128;
+
+const char kCommaHint[] = " (to read decimal commas, separate the fields by ';' or a tab)";
 
 bool IsBlank(char c)
 {
     return c == ' ' || c == '\t';
 }
 
-bool IsSeparator(char c)
+bool IsDigit(char c)
 {
-    return IsBlank(c) || c == ',';
+    return c >= '0' && c <= '9';
 }
 
-// Blanks, at most one comma, blanks.
-const char* SkipSeparator(const char* p, const char* end)
+// Whether c ends a field: with decimal commas a comma belongs to the number.
+bool EndsField(char c, bool decimalComma)
+{
+    return IsBlank(c) || c == ';' || (c == ',' && !decimalComma);
+}
+
+// Blanks, at most one comma (not with decimal commas) or semicolon, blanks.
+const char* SkipSeparator(const char* p, const char* end, bool decimalComma)
 {
     while (p < end && IsBlank(*p))
         ++p;
-    if (p < end && *p == ',')
+    if (p < end && (*p == ';' || (*p == ',' && !decimalComma)))
         ++p;
     while (p < end && IsBlank(*p))
         ++p;
     return p;
 }
 
-const char* TokenEnd(const char* p, const char* end)
+const char* TokenEnd(const char* p, const char* end, bool decimalComma)
 {
-    while (p < end && !IsSeparator(*p))
+    while (p < end && !EndsField(*p, decimalComma))
         ++p;
+    return p;
+}
+
+// The end of the count-th field from p (the first field's start), or end when
+// the line has fewer fields.
+const char* FieldsEnd(const char* p, const char* end, int count, bool decimalComma)
+{
+    for (int i = 0; i < count; ++i) {
+        if (i > 0) {
+            const char* next = SkipSeparator(p, end, decimalComma);
+            if (next == end)
+                return end;
+            p = next;
+        }
+        p = TokenEnd(p, end, decimalComma);
+    }
     return p;
 }
 
@@ -52,28 +80,165 @@ enum class ENumber
     eNotFinite
 };
 
-// One number token starting at p, which must end at a separator or at the end
-// of the line. from_chars reads in the C locale, never the process's.
-ENumber ReadNumber(const char* p, const char* end, double& value, const char*& after)
+ENumber Classify(const std::from_chars_result& r, double value)
 {
-    const char* q = p;
-    if (q < end && *q == '+' && q + 1 < end && q[1] != '-')
-        ++q;
-    const std::from_chars_result r = std::from_chars(q, end, value);
-    after = r.ptr;
-    if (r.ec == std::errc::invalid_argument || (r.ptr < end && !IsSeparator(*r.ptr)))
+    if (r.ec == std::errc::invalid_argument)
         return ENumber::eNotANumber;
     if (r.ec == std::errc::result_out_of_range)
         return ENumber::eOutOfRange;
     return std::isfinite(value) ? ENumber::eOk : ENumber::eNotFinite;
 }
 
+const char* SkipPlus(const char* p, const char* end)
+{
+    return p < end && *p == '+' && p + 1 < end && p[1] != '-' && p[1] != '+' ? p + 1 : p;
+}
+
+// [p, end) is one number written with a decimal comma: one comma, directly
+// between digits, and no point. from_chars reads in the C locale, so the text
+// is read through a copy with the comma made a point.
+ENumber ReadCommaNumber(const char* p, const char* end, double& value)
+{
+    p = SkipPlus(p, end);
+    const char* comma = static_cast<const char*>(std::memchr(p, ',', static_cast<size_t>(end - p)));
+    if (comma == nullptr || comma == p || comma + 1 == end || !IsDigit(comma[-1]) || !IsDigit(comma[1]) ||
+        std::memchr(comma + 1, ',', static_cast<size_t>(end - comma - 1)) != nullptr ||
+        std::memchr(p, '.', static_cast<size_t>(end - p)) != nullptr || static_cast<size_t>(end - p) > kMaxCommaNumber)
+        return ENumber::eNotANumber;
+    char copy[kMaxCommaNumber];
+    const size_t n = static_cast<size_t>(end - p);
+    std::memcpy(copy, p, n);
+    copy[comma - p] = '.';
+    const std::from_chars_result r = std::from_chars(copy, copy + n, value);
+    if (r.ptr != copy + n)
+        return ENumber::eNotANumber;
+    return Classify(r, value);
+}
+
+// The rare forms of ReadNumber: a number that does not end where a field does,
+// which may be one with a decimal comma.
+ENumber ReadOtherNumber(const char* p, const char* end, bool decimalComma, double& value, const char*& after,
+                        bool& comma)
+{
+    if (!decimalComma || after == end || *after != ',')
+        return ENumber::eNotANumber;
+    after = TokenEnd(after, end, true);
+    comma = true;
+    return ReadCommaNumber(p, after, value);
+}
+
+// One number token starting at p, which must end where a field ends or at the
+// end of the line; decimalComma: the line reads commas as decimal commas, and
+// comma tells whether this number had one.
+inline ENumber ReadNumber(const char* p, const char* end, bool decimalComma, double& value, const char*& after,
+                          bool& comma)
+{
+    comma = false;
+    const std::from_chars_result r = std::from_chars(SkipPlus(p, end), end, value);
+    after = r.ptr;
+    if (r.ec != std::errc::invalid_argument && (r.ptr == end || EndsField(*r.ptr, decimalComma)))
+        return Classify(r, value);
+    return ReadOtherNumber(p, end, decimalComma, value, after, comma);
+}
+
+// UTF-8 (RFC 3629): the length of the well-formed character at p, 0 for none.
+size_t Utf8Length(const unsigned char* p, size_t available)
+{
+    const unsigned char c = p[0];
+    size_t n = 0;
+    unsigned char low = 0x80, high = 0xBF; // the range of the second byte
+    if (c >= 0xC2 && c <= 0xDF) {
+        n = 2;
+    } else if (c >= 0xE0 && c <= 0xEF) {
+        n = 3;
+        low = c == 0xE0 ? 0xA0 : 0x80;  // no overlong forms
+        high = c == 0xED ? 0x9F : 0xBF; // no surrogates
+    } else if (c >= 0xF0 && c <= 0xF4) {
+        n = 4;
+        low = c == 0xF0 ? 0x90 : 0x80;
+        high = c == 0xF4 ? 0x8F : 0xBF; // nothing beyond U+10FFFF
+    } else {
+        return 0;
+    }
+    if (available < n || p[1] < low || p[1] > high)
+        return 0;
+    for (size_t i = 2; i < n; ++i)
+        if (p[i] < 0x80 || p[i] > 0xBF)
+            return 0;
+    return n;
+}
+
+// Appends the escaped form of at most limit bytes of text, whole characters
+// only; returns the bytes taken.
+size_t AppendEscapedPart(std::string& out, const char* text, size_t length, size_t limit)
+{
+    static const char kHex[] = "0123456789abcdef";
+    const auto hex = [&out](unsigned char c) {
+        out += "\\x";
+        out += kHex[c >> 4];
+        out += kHex[c & 15];
+    };
+    const unsigned char* p = reinterpret_cast<const unsigned char*>(text);
+    size_t i = 0;
+    while (i < length) {
+        const unsigned char c = p[i];
+        size_t n = 1;
+        if (c >= 0x80) {
+            n = Utf8Length(p + i, length - i);
+            if (n == 0)
+                n = 1;
+        }
+        if (i + n > limit)
+            break;
+        if (c == '\\')
+            out += "\\\\";
+        else if (c == '\t')
+            out += "\\t";
+        else if (c == '\r')
+            out += "\\r";
+        else if (c == '\n')
+            out += "\\n";
+        else if (c < 0x20 || c == 0x7F)
+            hex(c);
+        else if (c < 0x80)
+            out += static_cast<char>(c);
+        else if (n == 1) // not UTF-8
+            hex(c);
+        else if (c == 0xC2 && p[i + 1] < 0xA0) { // U+0080..U+009F, the C1 controls
+            hex(c);
+            hex(p[i + 1]);
+        } else
+            out.append(text + i, n);
+        i += n;
+    }
+    return i;
+}
+
 std::string Quoted(const char* p, const char* end)
 {
     if (p == end)
         return "an empty field";
-    std::string text(p, static_cast<size_t>(std::min<std::ptrdiff_t>(end - p, 40)));
-    return "'" + text + (end - p > 40 ? "...'" : "'");
+    std::string text = "'";
+    const size_t length = static_cast<size_t>(end - p);
+    if (AppendEscapedPart(text, p, length, 40) < length)
+        text += "...";
+    return text + "'";
+}
+
+bool HasDigit(const char* p, size_t length)
+{
+    for (size_t i = 0; i < length; ++i)
+        if (IsDigit(p[i]))
+            return true;
+    return false;
+}
+
+void AppendCoordinate(std::string& out, double value, int precision, bool decimalComma)
+{
+    const size_t at = out.size();
+    CKvPointStream::AppendFixed(out, value, precision);
+    if (decimalComma)
+        std::replace(out.begin() + static_cast<std::ptrdiff_t>(at), out.end(), '.', ',');
 }
 
 } // namespace
@@ -82,7 +247,8 @@ bool CKvPointStream::ParseNumber(const std::string& text, double& value)
 {
     const char* end = text.c_str() + text.size();
     const char* after = nullptr;
-    return !text.empty() && ReadNumber(text.c_str(), end, value, after) == ENumber::eOk && after == end;
+    bool comma = false;
+    return !text.empty() && ReadNumber(text.c_str(), end, false, value, after, comma) == ENumber::eOk && after == end;
 }
 
 void CKvPointStream::AppendFixed(std::string& out, double value, int precision)
@@ -95,6 +261,11 @@ void CKvPointStream::AppendFixed(std::string& out, double value, int precision)
     out.append(buffer, r.ptr);
 }
 
+void CKvPointStream::AppendEscaped(std::string& out, const char* text, size_t length)
+{
+    AppendEscapedPart(out, text, length, length);
+}
+
 CKvPointStream::CKvPointStream(const CKvDatumConverter& converter, bool inverse, int precisionXY, int precisionH)
     : m_converter(converter), m_bInverse(inverse), m_precisionXY(precisionXY), m_precisionH(precisionH)
 {
@@ -103,7 +274,13 @@ CKvPointStream::CKvPointStream(const CKvDatumConverter& converter, bool inverse,
 
 CKvPointStream::~CKvPointStream()
 {
-    std::free(m_pLine);
+    std::free(m_pBuffer);
+}
+
+void CKvPointStream::SetUnits(double sourceUnit, double targetUnit)
+{
+    m_unitIn = m_bInverse ? targetUnit : sourceUnit;
+    m_unitOut = m_bInverse ? sourceUnit : targetUnit;
 }
 
 bool CKvPointStream::_parse(const char* line, size_t length, SLine& parsed, std::string& problem) const
@@ -116,39 +293,80 @@ bool CKvPointStream::_parse(const char* line, size_t length, SLine& parsed, std:
         parsed.kind = SLine::eCopy;
         return true;
     }
+    parsed.kind = SLine::eBad;
+    parsed.decimalComma = false;
+    parsed.value[0] = parsed.value[1] = parsed.value[2] = 0.0;
+
+    // What follows the first field decides what a comma is: a semicolon or
+    // tabs alone make it a decimal comma. The first field is most often a
+    // number that ends at a blank: then it holds no comma and is read once.
+    double x = 0.0;
+    const std::from_chars_result r = std::from_chars(SkipPlus(p, end), end, x);
+    bool haveX = r.ec == std::errc() && std::isfinite(x) && (r.ptr == end || IsBlank(*r.ptr) || *r.ptr == ';');
+    const char* first = r.ptr;
+    if (!haveX) {
+        first = p;
+        while (first < end && !IsBlank(*first) && *first != ';')
+            ++first;
+    }
+    const char* next = first;
+    bool tabsOnly = true;
+    for (; next < end && IsBlank(*next); ++next)
+        tabsOnly = tabsOnly && *next == '\t';
+    bool decimalComma = next < end && (*next == ';' || (next > first && tabsOnly));
+    if (!haveX && std::memchr(p, ',', static_cast<size_t>(first - p)) != nullptr) {
+        double value = 0.0;
+        if (ReadCommaNumber(p, first, value) == ENumber::eNotANumber) {
+            decimalComma = false; // "9.5,47.5": the comma separates
+        } else if (!decimalComma && next < end) {
+            problem = std::string("decimal commas and a comma separator cannot both be read: ") + Quoted(p, first) +
+                      kCommaHint;
+            parsed.tail = static_cast<size_t>(std::max(first, FieldsEnd(p, end, 2, true)) - line);
+            return false;
+        }
+        // "9,5" alone: two coordinates separated by a comma.
+    }
 
     // The coordinates, with the separators as written so that they are kept.
-    parsed.kind = SLine::eBad;
-    parsed.value[0] = parsed.value[1] = parsed.value[2] = 0.0;
     const char* separatorBegin[3] = {line, nullptr, nullptr};
     const char* numberBegin[3] = {p, nullptr, nullptr};
+    const char* numberEnd[3] = {nullptr, nullptr, nullptr};
     const char* tail = end;
     int count = 0;
     for (const char* q = p; count < 3;) {
-        const char* after = nullptr;
-        const ENumber result = ReadNumber(q, end, parsed.value[count], after);
+        const char* after = first;
+        bool comma = false;
+        ENumber result = ENumber::eOk;
+        if (haveX)
+            parsed.value[0] = x;
+        else
+            result = ReadNumber(q, end, decimalComma, parsed.value[count], after, comma);
+        haveX = false;
         if (result != ENumber::eOk) {
             if (count == 2 && result == ENumber::eNotANumber) {
                 tail = separatorBegin[2]; // "x y text": the text is copied through
                 break;
             }
-            const char* tokenEnd = TokenEnd(q, end);
+            const char* tokenEnd = TokenEnd(q, end, decimalComma);
             if (result == ENumber::eNotANumber)
                 problem = (count == 0 ? "expected a coordinate, found " : "expected a number, found ") +
                           Quoted(q, tokenEnd);
             else
                 problem = (result == ENumber::eOutOfRange ? "number out of range " : "not a finite number ") +
                           Quoted(q, tokenEnd);
-            parsed.tail = length; // a line that cannot be read keeps none of its text
+            // The text after the coordinates' fields is kept.
+            parsed.tail = static_cast<size_t>(std::max(tokenEnd, FieldsEnd(p, end, 2, decimalComma)) - line);
             return false;
         }
+        parsed.decimalComma = parsed.decimalComma || comma;
         numberBegin[count] = q;
+        numberEnd[count] = after;
         ++count;
         tail = after;
         if (count == 3)
             break;
-        const char* next = SkipSeparator(after, end);
-        if (next == end) {
+        const char* following = SkipSeparator(after, end, decimalComma);
+        if (following == end) {
             if (count == 1) {
                 problem = "only one coordinate; expected \"x y\" or \"x y h\"";
                 parsed.tail = length;
@@ -157,9 +375,38 @@ bool CKvPointStream::_parse(const char* line, size_t length, SLine& parsed, std:
             break;
         }
         separatorBegin[count] = after;
-        numberBegin[count] = next;
-        q = next;
+        numberBegin[count] = following;
+        q = following;
     }
+
+    // A comma directly between digits next to a coordinate, on a line whose
+    // fields are also separated by blanks, could be a decimal comma as well:
+    // "9.5 47,5" is 9.5 47 5 or 9.5 47.5.
+    if (!decimalComma) {
+        bool blankSeparated = false;
+        for (int k = 1; k < count; ++k) {
+            const char* s = separatorBegin[k];
+            while (s < numberBegin[k] && *s != ',' && *s != ';')
+                ++s;
+            blankSeparated = blankSeparated || s == numberBegin[k];
+        }
+        for (int k = 0; blankSeparated && k < count; ++k) {
+            const char* c = numberEnd[k];
+            if (end - c < 2 || *c != ',' || !IsDigit(c[-1]) || !IsDigit(c[1]))
+                continue;
+            const char* wordEnd = c + 1;
+            while (wordEnd < end && !EndsField(*wordEnd, false))
+                ++wordEnd;
+            double value = 0.0;
+            if (ReadCommaNumber(numberBegin[k], wordEnd, value) == ENumber::eNotANumber)
+                continue;
+            problem = std::string("decimal commas and a comma separator cannot both be read: ") +
+                      Quoted(numberBegin[k], wordEnd) + kCommaHint;
+            parsed.tail = static_cast<size_t>(std::max(wordEnd, FieldsEnd(p, end, 2, true)) - line);
+            return false;
+        }
+    }
+
     parsed.kind = SLine::ePoint;
     parsed.hasHeight = count == 3;
     parsed.separator[0] = static_cast<size_t>(separatorBegin[1] - line);
@@ -181,6 +428,8 @@ bool CKvPointStream::_format(const char* line, size_t length, const SLine& parse
     }
     if (parsed.kind == SLine::eBad) {
         out.append("* *");
+        if (parsed.tail < length)
+            out.append(line + parsed.tail, length - parsed.tail);
         return false;
     }
     const double x = parsed.value[0], y = parsed.value[1], h = parsed.value[2];
@@ -190,12 +439,13 @@ bool CKvPointStream::_format(const char* line, size_t length, const SLine& parse
         out.append(line + parsed.tail, length - parsed.tail);
         return false;
     }
-    AppendFixed(out, x, m_precisionXY);
+    const bool comma = parsed.decimalComma;
+    AppendCoordinate(out, x, m_precisionXY, comma);
     out.append(line + parsed.separator[0], parsed.separator[1] - parsed.separator[0]);
-    AppendFixed(out, y, m_precisionXY);
+    AppendCoordinate(out, y, m_precisionXY, comma);
     if (parsed.hasHeight) {
         out.append(line + parsed.separator[2], parsed.separator[3] - parsed.separator[2]);
-        AppendFixed(out, h, m_precisionH);
+        AppendCoordinate(out, h, m_precisionH, comma);
     }
     out.append(line + parsed.tail, length - parsed.tail);
     return true;
@@ -208,6 +458,8 @@ bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& o
         return _format(line, length, parsed, out, problem);
     if (parsed.kind == SLine::ePoint) {
         double* v = parsed.value;
+        v[0] *= m_unitIn;
+        v[1] *= m_unitIn;
         if (parsed.hasHeight) {
             if (m_bInverse)
                 m_converter.InvConvert(v[0], v[1], v[2]);
@@ -219,6 +471,8 @@ bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& o
             else
                 m_converter.Convert(v[0], v[1]);
         }
+        v[0] /= m_unitOut;
+        v[1] /= m_unitOut;
     }
     return _format(line, length, parsed, out, problem);
 }
@@ -240,11 +494,21 @@ void CKvPointStream::_convertBlock(size_t count)
         }
         if (n == 0)
             continue;
+        if (m_unitIn != 1.0)
+            for (size_t i = 0; i < n; ++i) {
+                m_x[i] *= m_unitIn;
+                m_y[i] *= m_unitIn;
+            }
         double* h = withHeight == 1 ? m_h : nullptr;
         if (m_bInverse)
             m_converter.InvConvert(n, m_x, m_y, h);
         else
             m_converter.Convert(n, m_x, m_y, h);
+        if (m_unitOut != 1.0)
+            for (size_t i = 0; i < n; ++i) {
+                m_x[i] /= m_unitOut;
+                m_y[i] /= m_unitOut;
+            }
         n = 0;
         for (size_t i = 0; i < count; ++i) {
             SLine& line = m_lines[i];
@@ -259,65 +523,198 @@ void CKvPointStream::_convertBlock(size_t count)
     }
 }
 
+void CKvPointStream::_read(FILE* in)
+{
+    const size_t wanted = m_capacity - m_end;
+    if (wanted == 0)
+        return;
+    errno = 0;
+    const size_t n = std::fread(m_pBuffer + m_end, 1, wanted, in);
+    m_end += n;
+    if (n < wanted) {
+        if (std::ferror(in))
+            m_readErrno = errno != 0 ? errno : EIO;
+        else
+            m_eof = true;
+    }
+}
+
+bool CKvPointStream::_grow()
+{
+    if (m_capacity > m_lineLimit)
+        return false;
+    const size_t capacity = std::min(2 * m_capacity, m_lineLimit + 1);
+    char* bigger = static_cast<char*>(std::realloc(m_pBuffer, capacity));
+    if (bigger == nullptr) {
+        m_lineLimit = m_capacity - 1; // what memory allows
+        return false;
+    }
+    m_pBuffer = bigger;
+    m_capacity = capacity;
+    return true;
+}
+
+CKvPointStream::ENext CKvPointStream::_skipLongLine(FILE* in, unsigned long long& skipped)
+{
+    // The buffer holds the line's first bytes and no line end: read on to it.
+    skipped = m_end;
+    m_begin = m_end = 0;
+    while (m_readErrno == 0 && !m_eof) {
+        _read(in);
+        const char* newline = static_cast<const char*>(std::memchr(m_pBuffer, '\n', m_end));
+        if (newline != nullptr) {
+            m_begin = static_cast<size_t>(newline - m_pBuffer);
+            skipped += m_begin++;
+            return ENext::eTooLong;
+        }
+        skipped += m_end;
+        m_end = 0;
+    }
+    return ENext::eTooLong;
+}
+
+CKvPointStream::ENext CKvPointStream::_nextLine(FILE* in, bool mayMove, const char*& text, size_t& length,
+                                                unsigned long long& skipped)
+{
+    for (;;) {
+        const size_t held = m_end - m_begin;
+        char* start = m_pBuffer + m_begin;
+        const char* newline = held > 0 ? static_cast<const char*>(std::memchr(start, '\n', held)) : nullptr;
+        if (newline != nullptr) {
+            text = start;
+            length = static_cast<size_t>(newline - start);
+            m_begin += length + 1;
+            return ENext::eLine;
+        }
+        if (m_eof || m_readErrno != 0) {
+            // The last line may lack its line end; after a read error it may be
+            // cut short, and is not read.
+            if (held == 0 || m_readErrno != 0)
+                return ENext::eEnd;
+            text = start;
+            length = held;
+            m_begin = m_end;
+            return ENext::eLine;
+        }
+        if (!mayMove)
+            return ENext::eWait;
+        if (m_begin > 0) {
+            std::memmove(m_pBuffer, start, held);
+            m_begin = 0;
+            m_end = held;
+        }
+        if (m_end == m_capacity && !_grow())
+            return _skipLongLine(in, skipped);
+        _read(in);
+    }
+}
+
 long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
 {
+    std::string shownName;
+    AppendEscaped(shownName, name, std::strlen(name));
     long lineNumber = 0, marked = 0;
-    bool failedWrite = false;
-    // Lines are read a block at a time into one reused buffer, parsed, converted
-    // together, and written in their order.
-    bool more = true;
-    while (more && !failedWrite) {
-        size_t count = 0;
-        m_block.clear();
-        while (count < kBlockLines) {
-            const ssize_t n = getline(&m_pLine, &m_lineCapacity, in);
-            if (n == -1) {
-                more = false;
-                break;
+    bool failedWrite = false, outOfMemory = false, sawData = false;
+    int writeErrno = 0;
+    m_begin = m_end = 0;
+    m_eof = false;
+    m_readErrno = 0;
+    try {
+        if (m_pBuffer == nullptr) {
+            m_pBuffer = static_cast<char*>(std::malloc(kInitialBuffer));
+            if (m_pBuffer == nullptr)
+                throw std::bad_alloc();
+            m_capacity = kInitialBuffer;
+        }
+        _read(in);
+        if (m_end >= 3 && std::memcmp(m_pBuffer, "\xEF\xBB\xBF", 3) == 0)
+            m_begin = 3; // a UTF-8 byte-order mark
+        // Lines are taken a block at a time from the read buffer, parsed,
+        // converted together and written in their order. A block ends early
+        // where the buffer must be refilled, which moves the lines held.
+        bool more = true;
+        while (more && !failedWrite) {
+            size_t count = 0;
+            while (count < kBlockLines) {
+                const char* text = nullptr;
+                size_t length = 0;
+                unsigned long long skipped = 0;
+                const ENext next = _nextLine(in, count == 0, text, length, skipped);
+                if (next == ENext::eWait)
+                    break;
+                if (next == ENext::eEnd) {
+                    more = false;
+                    break;
+                }
+                const long number = lineNumber + static_cast<long>(count) + 1;
+                SLine& line = m_lines[count];
+                std::string& problem = m_problems[count];
+                line.cr = false;
+                if (next == ENext::eTooLong) {
+                    line.kind = SLine::eBad;
+                    line.text = nullptr;
+                    line.length = line.tail = 0;
+                    problem = "line " + std::to_string(number) + " is longer than " + std::to_string(m_lineLimit) +
+                              " bytes (" + std::to_string(skipped) + " bytes)" +
+                              (m_lineLimit < kMaxLineLength ? ": no memory to hold more" : "");
+                    sawData = true;
+                    ++count;
+                    continue;
+                }
+                line.cr = length > 0 && text[length - 1] == '\r';
+                line.text = text;
+                line.length = line.cr ? length - 1 : length;
+                if (number <= m_skipHeader) {
+                    line.kind = SLine::eCopy;
+                } else if (!_parse(text, line.length, line, problem)) {
+                    line.kind = SLine::eBad;
+                    if (!sawData && !HasDigit(text, line.length))
+                        problem = "line " + std::to_string(number) +
+                                  " holds no coordinates; if it is a header, use --skip-header " +
+                                  std::to_string(number);
+                }
+                sawData = sawData || line.kind != SLine::eCopy;
+                ++count;
             }
-            size_t length = static_cast<size_t>(n);
-            if (length > 0 && m_pLine[length - 1] == '\n')
-                --length;
-            const bool cr = length > 0 && m_pLine[length - 1] == '\r';
-            if (cr)
-                --length;
-            SLine& line = m_lines[count];
-            line.offset = m_block.size();
-            line.length = length;
-            line.cr = cr;
-            m_block.append(m_pLine, length);
-            if (!_parse(m_pLine, length, line, m_problems[count]))
-                line.kind = SLine::eBad;
-            ++count;
-        }
-        _convertBlock(count);
-        for (size_t i = 0; i < count; ++i) {
-            const SLine& line = m_lines[i];
-            ++lineNumber;
-            const char* text = m_block.data() + line.offset;
-            if (!_format(text, line.length, line, m_out, m_problems[i])) {
-                ++marked;
-                std::fprintf(err, "kvcart: %s:%ld: %s\n", name, lineNumber, m_problems[i].c_str());
+            _convertBlock(count);
+            for (size_t i = 0; i < count; ++i) {
+                const SLine& line = m_lines[i];
+                ++lineNumber;
+                if (!_format(line.text, line.length, line, m_out, m_problems[i])) {
+                    ++marked;
+                    std::fprintf(err, "kvcart: %s:%ld: %s\n", shownName.c_str(), lineNumber, m_problems[i].c_str());
+                }
+                if (line.cr)
+                    m_out.push_back('\r');
+                m_out.push_back('\n');
             }
-            if (line.cr)
-                m_out.push_back('\r');
-            m_out.push_back('\n');
+            if (m_out.size() >= kFlushSize) {
+                if (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size()) {
+                    failedWrite = true;
+                    writeErrno = errno;
+                }
+                m_out.clear();
+            }
         }
-        if (m_out.size() >= kFlushSize) {
-            if (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size())
-                failedWrite = true;
-            m_out.clear();
-        }
+    } catch (const std::bad_alloc&) {
+        outOfMemory = true;
     }
-    if (std::ferror(in)) {
-        std::fprintf(err, "kvcart: %s: cannot read: %s\n", name, std::strerror(errno));
-        return -1;
-    }
-    if (failedWrite || std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size() || std::fflush(out) != 0) {
-        std::fprintf(err, "kvcart: cannot write the output: %s\n", std::strerror(errno));
-        m_out.clear();
-        return -1;
+    // What was converted is written before any message about what was not.
+    if (!failedWrite && (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size() || std::fflush(out) != 0)) {
+        failedWrite = true;
+        writeErrno = errno;
     }
     m_out.clear();
-    return marked;
+    if (m_readErrno != 0) {
+        if (lineNumber > 0)
+            std::fprintf(err, "kvcart: %s: cannot read after line %ld: %s\n", shownName.c_str(), lineNumber,
+                         std::strerror(m_readErrno));
+        else
+            std::fprintf(err, "kvcart: %s: cannot read: %s\n", shownName.c_str(), std::strerror(m_readErrno));
+    }
+    if (outOfMemory)
+        std::fprintf(err, "kvcart: %s: out of memory after line %ld\n", shownName.c_str(), lineNumber);
+    if (failedWrite)
+        std::fprintf(err, "kvcart: cannot write the output: %s\n", std::strerror(writeErrno));
+    return m_readErrno != 0 || outOfMemory || failedWrite ? -1 : marked;
 }

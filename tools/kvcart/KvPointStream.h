@@ -8,16 +8,33 @@ class CKvDatumConverter;
 
 // The line-by-line conversion of the command-line program. Every input line
 // gives exactly one output line, so that output stays aligned with input:
-// - blank lines and comment lines (first non-blank character '#') are copied;
-// - a point line holds two or three numbers ("x y" or "x y h") separated by
-//   blanks, tabs or one comma, and any text after them; the converted
-//   coordinates are written with the same kind of separator, followed by that
-//   text unchanged;
+// - blank lines and comment lines (first non-blank character '#') are copied,
+//   and so are the first lines of each input given to SetSkipHeader;
+// - a point line holds two or three numbers ("x y" or "x y h") and any text
+//   after them; the converted coordinates are written with the line's own
+//   separators and decimal mark, followed by that text unchanged;
 // - a line that cannot be read, or a point the conversion cannot map (a
-//   non-finite result), gives "* *" followed by the line's text after the
+//   non-finite result), gives "* *" followed by the line's text after its
 //   coordinates, and a message naming the line.
+//
+// How a point line is read. Fields are separated by blanks (spaces, tabs), by
+// one comma or by one semicolon, with blanks around either. The first field is
+// the text up to the first blank or semicolon, and what follows it decides
+// what a comma is:
+// - a semicolon, or tabs alone: a comma inside a number is a decimal comma
+//   ("9,5;47,5;Zurich", "9,5<TAB>47,5") and separates nothing; the output of
+//   such a line keeps its decimal commas;
+// - otherwise a comma separates fields and the decimal mark is the point
+//   ("9.5,47.5", "9.5 47.5"), except that a comma directly between digits that
+//   would also make a number with a decimal comma ("9,5 47,5", "9.5 47,5",
+//   "9 47,100") on a line whose fields are separated by blanks is refused:
+//   either reading could be meant. A first field that is such a number alone
+//   ("9,5") is two coordinates separated by a comma.
 // Numbers are read and written in the C locale whatever the process locale is.
-// The stream reuses its buffers: memory stays constant however long the input.
+//
+// Run reads through one buffer that grows to hold a line of at most
+// kMaxLineLength bytes; a longer line is marked as such and skipped, so memory
+// stays bounded whatever the input holds.
 class CKvPointStream
 {
 public:
@@ -28,6 +45,15 @@ public:
     CKvPointStream& operator=(const CKvPointStream&) = delete;
     virtual ~CKvPointStream();
 
+    // Metres per unit of the coordinates on the converter's source and target
+    // sides: the projected system's linear unit (0.3048006096012192 for US
+    // survey feet), 1 for metres and for geographical sides. Input is
+    // multiplied by its side's factor before the conversion and output divided
+    // by its side's factor after it; heights stay in metres. Both 1 by default.
+    void SetUnits(double sourceUnit, double targetUnit);
+    // The first lines of each input that Run copies unchanged (a header).
+    void SetSkipHeader(long lines) { m_skipHeader = lines; }
+
     // Converts one line (without its line end) and appends the output line
     // (without line end) to out. Returns false for a marked line, with the reason
     // in problem.
@@ -37,14 +63,22 @@ public:
     static bool ParseNumber(const std::string& text, double& value);
     // Appends value in fixed notation with precision decimals, never "-0.000".
     static void AppendFixed(std::string& out, double value, int precision);
+    // Appends text as a message shows it: a backslash, control characters
+    // (\t, \r, \n, \x01, \x7f, the C1 controls) and bytes that are not UTF-8
+    // are written as escapes, so that the message is printable UTF-8 and holds
+    // no NUL.
+    static void AppendEscaped(std::string& out, const char* text, size_t length);
 
     // Converts every line of in to out; messages "name:line: what" go to err.
-    // Returns the number of marked lines, or -1 when reading or writing failed
-    // (the reason is then written to err too).
+    // A UTF-8 byte-order mark at the start of in is dropped. Returns the number
+    // of marked lines, or -1 when reading or writing failed (the reason is then
+    // written to err, after the output of the lines read before).
     long Run(FILE* in, const char* name, FILE* out, FILE* err);
 
     // Lines converted together by Run, through the converter's batch form.
     static constexpr size_t kBlockLines = 256;
+    // The longest line Run reads, in bytes without its line end.
+    static constexpr size_t kMaxLineLength = 1 << 20;
 
 private:
     // One input line as read: what it is, its numbers, and where its separators
@@ -59,10 +93,20 @@ private:
         } kind = eCopy;
         double value[3] = {0.0, 0.0, 0.0};
         bool hasHeight = false;
+        bool decimalComma = false;          // written with decimal commas
         size_t separator[4] = {0, 0, 0, 0}; // begin and end of the separators before y and h
         size_t tail = 0;
-        size_t offset = 0, length = 0; // the line's place in the block buffer
+        const char* text = nullptr; // the line in the read buffer
+        size_t length = 0;
         bool cr = false;
+    };
+
+    enum class ENext
+    {
+        eLine,    // a line is in text and length
+        eTooLong, // a line longer than the buffer may hold was skipped
+        eWait,    // the next line is not wholly in the buffer, which may not move now
+        eEnd      // no more lines
     };
 
     // Reads the line into parsed; false, with the reason, for a line that
@@ -73,14 +117,29 @@ private:
     // Converts the points among the first count lines of the block.
     void _convertBlock(size_t count);
 
+    // The next line of in from the buffer; mayMove: the buffer may be moved and
+    // refilled (no line handed out before is still in use).
+    ENext _nextLine(FILE* in, bool mayMove, const char*& text, size_t& length, unsigned long long& skipped);
+    void _read(FILE* in);
+    bool _grow();
+    ENext _skipLongLine(FILE* in, unsigned long long& skipped);
+
     const CKvDatumConverter& m_converter;
     bool m_bInverse;
     int m_precisionXY;
     int m_precisionH;
-    char* m_pLine = nullptr; // getline's buffer, reused
-    size_t m_lineCapacity = 0;
-    std::string m_out;       // pending output, flushed in large blocks
-    std::string m_block;     // the text of the current block of lines
+    double m_unitIn = 1.0, m_unitOut = 1.0; // metres per unit of input and output
+    long m_skipHeader = 0;
+
+    // The read buffer: bytes [m_begin, m_end) are read and not yet handed out.
+    char* m_pBuffer = nullptr;
+    size_t m_capacity = 0;
+    size_t m_begin = 0, m_end = 0;
+    size_t m_lineLimit = kMaxLineLength; // less when memory ran out growing the buffer
+    bool m_eof = false;
+    int m_readErrno = 0;
+
+    std::string m_out; // pending output, flushed in large blocks
     SLine m_lines[kBlockLines];
     std::string m_problems[kBlockLines];
     double m_x[kBlockLines], m_y[kBlockLines], m_h[kBlockLines];
