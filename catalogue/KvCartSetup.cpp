@@ -37,9 +37,15 @@ CKvCartSetup* CKvCartSetup::Instance()
 CKvCartSetup::~CKvCartSetup()
 {
     // At exit nobody is left to ask for the error, and the user's additions
-    // would vanish without a word: this is the one place the library speaks.
-    if (!WriteBack())
-        std::fprintf(stderr, "kvcart: the user catalogue could not be saved:\n%s", m_lastError.c_str());
+    // would go to a rescue file, or vanish, without a word: this is the one place
+    // the library speaks, and only of what the host has not been told.
+    WriteBack();
+    if (m_unreported.empty())
+        return;
+    std::string text;
+    for (const std::string& message : m_unreported)
+        text += message + "\n";
+    std::fprintf(stderr, "kvcart: the user catalogue was not updated:\n%s", text.c_str());
 }
 
 void CKvCartSetup::ReadData(const std::string& systemPrefix, const std::string& userPrefix)
@@ -72,25 +78,32 @@ bool CKvCartSetup::WriteBack()
     // not duplicate the system catalogue. Both writes replace the file atomically,
     // and neither touches a file that did not read cleanly.
     bool ok = true;
-    const auto writeBack = [this, &ok](bool& modified, bool saved, const std::string& message) {
+    const auto writeBack = [this, &ok](bool& modified, bool saved, const std::string& message, std::string& last) {
+        // What was lost is tried again (at exit at the latest); what went to the
+        // rescue file is done with.
         modified = !saved;
-        ok = saved && ok;
-        if (!message.empty())
+        ok = saved && message.empty() && ok;
+        // A write-back that fails as the one before it did has nothing new to say.
+        if (!message.empty() && message != last) {
             m_lastError += message + "\n";
+            m_unreported.push_back(message);
+        }
+        last = message;
     };
     std::string message;
     if (m_bMapProjectionListModified) {
         const bool saved = m_projections.WriteBackCustom(m_userDirectory + "custom_projection.gxr", message);
-        writeBack(m_bMapProjectionListModified, saved, message);
+        writeBack(m_bMapProjectionListModified, saved, message, m_lastProjectionMessage);
     }
     if (m_bEllipsoidListModified) {
         const bool saved = m_ellipsoids.WriteBackCustom(m_userDirectory + "custom_ellipsoid.gxr", message);
-        writeBack(m_bEllipsoidListModified, saved, message);
+        writeBack(m_bEllipsoidListModified, saved, message, m_lastEllipsoidMessage);
     }
     return ok;
 }
 
 std::string CKvCartSetup::GetLastError() const
 {
+    m_unreported.clear(); // the host has been told
     return m_lastError;
 }

@@ -5,6 +5,7 @@
 #include "catalogue/KvMapProjectionList.h"
 
 #include <string>
+#include <vector>
 
 // The process-wide catalogue: ellipsoids and projection definitions, read once
 // from the system and user directories. At process exit the user's custom
@@ -28,13 +29,18 @@ public:
     bool HasSystemCatalogue() const { return m_bSystemCatalogue; }
     void SetEllipsoidListModified() { m_bEllipsoidListModified = true; }
     void SetMapProjectionListModified() { m_bMapProjectionListModified = true; }
-    // Writes the changed custom catalogues now (the destructor does it at exit).
-    // Returns false when something of the session could not be saved; the reason
-    // is in GetLastError().
+    // Writes the changed custom catalogues now (the destructor does it at exit),
+    // merged with what other processes saved since they were read. Returns false
+    // when something of the session is not in the catalogue files: saved in a
+    // rescue file beside them (an entry that another process changed
+    // differently, a file that does not read cleanly, a failed write) or lost;
+    // GetLastError() says which. A save that was lost is tried again at exit.
     bool WriteBack();
     // What went wrong in the last ReadData and the write-backs since: one
     // "file:line: what" per line, empty when all was well. Files that did not
-    // read cleanly are named here and are never written over.
+    // read cleanly are named here and are never written over. A write-back's
+    // problem that the host has not asked for here by exit goes to standard
+    // error then; each is told once.
     std::string GetLastError() const;
 
     CKvEllipsoidList& GetEllipsoidList() { return m_ellipsoids; }
@@ -51,6 +57,9 @@ private:
     bool m_bHasUserDirectory = false; // nothing is written back before ReadData named one
     bool m_bSystemCatalogue = false;
     std::string m_lastError;
+    std::string m_lastProjectionMessage; // of the last write-back of each file, not to repeat it
+    std::string m_lastEllipsoidMessage;
+    mutable std::vector<std::string> m_unreported; // write-back problems the host has not asked for
 };
 
 #endif

@@ -39,40 +39,75 @@ bool WriteEllipsoid(const void* entry, GxrTarget* target)
     return gxrEndSection(section) == GXR_OK && ok;
 }
 
+// The ellipsoid a section describes: 1 when read into ellipsoid, 0 for a section
+// that is not an ellipsoid, -1 when its keywords or values do not fit ("line:
+// what" in problem). Absent keywords give empty names and zero numbers.
+int ReadEllipsoid(GxrSection& section, std::unique_ptr<CKvEllipsoid>& ellipsoid, std::string& problem)
+{
+    // Not a static: the write-back at exit reads the file again after the
+    // function statics made during the set-up are destroyed.
+    const std::vector<CKvUserCatalogue::SKeywordRule> rules = {{"Ellipsoid_Name", true, 1, 1},
+                                                               {"ID_Code", true, 1, 1},
+                                                               {"Semi_Major_Axis", false, 1, 1},
+                                                               {"Inverse_Flatness", false, 1, 1}};
+    ellipsoid.reset();
+    if (section.name != kSection)
+        return 0;
+    if (!CKvUserCatalogue::CheckSection(section, rules, problem))
+        return -1;
+    CString name, id;
+    double a = 0.0, invf = 0.0;
+    gxrGetParam(&section, "Ellipsoid_Name", &name, 1, 1);
+    gxrGetParam(&section, "ID_Code", &id, 1, 1);
+    gxrGetParam(&section, "Semi_Major_Axis", &a, 1, 1);
+    gxrGetParam(&section, "Inverse_Flatness", &invf, 1, 1);
+    ellipsoid.reset(new CKvEllipsoid(name.GetStdString(), id.GetStdString(), a, invf));
+    return 1;
+}
+
+// A section of the user's file as the catalogue reads it, written back, for the
+// comparison of versions when the file is merged.
+int RereadEllipsoid(const GxrSection& section, GxrTarget* target, std::string& problem)
+{
+    GxrSection copy = section;
+    std::unique_ptr<CKvEllipsoid> ellipsoid;
+    const int kind = ReadEllipsoid(copy, ellipsoid, problem);
+    if (kind > 0)
+        WriteEllipsoid(ellipsoid.get(), target);
+    return kind;
+}
+
+// Made for each use: the last write-back runs at exit, when function statics
+// made after the catalogue may be gone already.
+CKvUserCatalogue::SFormat UserFileFormat()
+{
+    return CKvUserCatalogue::SFormat{kTarget, "ID_Code", WriteEllipsoid, RereadEllipsoid};
+}
+
 } // namespace
 
 int CKvEllipsoidList::ReadEllipsoids(const std::string& fileName, bool custom)
 {
-    static const std::vector<CKvUserCatalogue::SKeywordRule> rules = {{"Ellipsoid_Name", true, 1, 1},
-                                                                      {"ID_Code", true, 1, 1},
-                                                                      {"Semi_Major_Axis", false, 1, 1},
-                                                                      {"Inverse_Flatness", false, 1, 1}};
-    auto record = std::make_unique<CKvUserCatalogue>(fileName, kTarget, WriteEllipsoid);
+    auto record = std::make_unique<CKvUserCatalogue>(fileName, UserFileFormat());
     GxrTarget* target = record->Load();
     if (target != nullptr) {
         for (GxrSection& section : target->sections) {
             const std::string where = fileName + ":" + std::to_string(section.line) + ": ";
+            std::unique_ptr<CKvEllipsoid> ellipsoid;
             std::string problem;
-            if (section.name != kSection) {
+            const int kind = ReadEllipsoid(section, ellipsoid, problem);
+            if (kind == 0) {
                 record->KeepSection(section, where + "section '" + section.name +
                                                  "' is not an ellipsoid; it is kept in the file, not read");
                 continue;
             }
-            if (!CKvUserCatalogue::CheckSection(section, rules, problem)) {
+            if (kind < 0) {
                 record->Reject(fileName + ":" + problem);
                 continue;
             }
-            // Absent keywords give empty names and zero numbers.
-            CString name, id;
-            double a = 0.0, invf = 0.0;
-            gxrGetParam(&section, "Ellipsoid_Name", &name, 1, 1);
-            gxrGetParam(&section, "ID_Code", &id, 1, 1);
-            gxrGetParam(&section, "Semi_Major_Axis", &a, 1, 1);
-            gxrGetParam(&section, "Inverse_Flatness", &invf, 1, 1);
-            CKvEllipsoid* ellipsoid = new CKvEllipsoid(name.GetStdString(), id.GetStdString(), a, invf);
-            (custom ? m_custom : m_system).push_back(ellipsoid);
-            record->AddEntry(ellipsoid);
-            m_sourceLines[ellipsoid] = section.line;
+            (custom ? m_custom : m_system).push_back(ellipsoid.get());
+            record->AddEntry(ellipsoid.get());
+            m_sourceLines[ellipsoid.release()] = section.line;
         }
     }
     return CKvUserCatalogue::FinishRead(m_userFiles, std::move(record), custom, m_problems);
@@ -92,7 +127,7 @@ int CKvEllipsoidList::WriteCustomEllipsoids(const std::string& fileName) const
 bool CKvEllipsoidList::WriteBackCustom(const std::string& fileName, std::string& message)
 {
     const std::vector<const void*> entries(m_custom.begin(), m_custom.end());
-    return CKvUserCatalogue::WriteBackList(m_userFiles, fileName, kTarget, WriteEllipsoid, entries, message);
+    return CKvUserCatalogue::WriteBackList(m_userFiles, fileName, UserFileFormat(), entries, message);
 }
 
 void CKvEllipsoidList::GenerateCompleteList()

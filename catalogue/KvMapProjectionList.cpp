@@ -7,6 +7,7 @@
 #include "wkt/KvPRJParser.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 const char kTarget[] = "MAP_PROJECTION_DEFINITION";
@@ -51,44 +52,75 @@ bool WriteDefinition(const void* entry, GxrTarget* target)
     return static_cast<const CKvMapProjData*>(entry)->WriteToHandle(target);
 }
 
+// The definition a section describes: 1 when read into definition, 0 when no
+// projection type has the section's name, -1 when its type does not take the
+// section's keywords or values ("line: what" in problem). The first type, in
+// enumeration order, that knows the section name reads it.
+int ReadDefinition(GxrSection& section, bool custom, std::unique_ptr<CKvMapProjData>& definition, std::string& problem)
+{
+    definition.reset();
+    for (int t = 0; t < CKvMapProjData::GetNoOfProjections() && !definition; ++t) {
+        definition.reset(CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::Enum2ProjectionType(t)));
+        if (definition && !definition->IsSectionID(section.name))
+            definition.reset();
+    }
+    if (!definition)
+        return 0;
+    if (!CKvUserCatalogue::CheckSection(section, definition->GetKeywordRules(), problem)) {
+        definition.reset();
+        return -1;
+    }
+    definition->ReadFromHandle(&section, custom);
+    return 1;
+}
+
+// A section of the user's file as the catalogue reads it, written back, for the
+// comparison of versions when the file is merged.
+int RereadDefinition(const GxrSection& section, GxrTarget* target, std::string& problem)
+{
+    GxrSection copy = section;
+    std::unique_ptr<CKvMapProjData> definition;
+    const int kind = ReadDefinition(copy, true, definition, problem);
+    if (kind > 0)
+        definition->WriteToHandle(target);
+    return kind;
+}
+
+// Made for each use: the last write-back runs at exit, when function statics
+// made after the catalogue may be gone already.
+CKvUserCatalogue::SFormat UserFileFormat()
+{
+    return CKvUserCatalogue::SFormat{kTarget, "Projection_Name", WriteDefinition, RereadDefinition};
+}
+
 } // namespace
 
 int CKvMapProjectionList::ReadMapProjections(const std::string& fileName, bool custom)
 {
-    auto record = std::make_unique<CKvUserCatalogue>(fileName, kTarget, WriteDefinition);
+    auto record = std::make_unique<CKvUserCatalogue>(fileName, UserFileFormat());
     GxrTarget* target = record->Load();
     const int n = gxrGetNoSections(target, nullptr);
     for (int i = 1; i <= n; ++i) {
         GxrSection* section = gxrSectionByNum(target, i);
-        const std::string id = gxrGetSectionName(section);
         const std::string where = fileName + ":" + std::to_string(section->line) + ": ";
-        // The first type, in enumeration order, that knows the section name reads it.
-        CKvMapProjData* definition = nullptr;
-        for (int t = 0; t < CKvMapProjData::GetNoOfProjections() && definition == nullptr; ++t) {
-            definition = CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::Enum2ProjectionType(t));
-            if (definition != nullptr && !definition->IsSectionID(id)) {
-                delete definition;
-                definition = nullptr;
-            }
-        }
+        std::unique_ptr<CKvMapProjData> definition;
+        std::string problem;
+        const int kind = ReadDefinition(*section, custom, definition, problem);
         // A section of a type the library does not know is not read, but it stays
         // in the file. One it knows but cannot read exactly is not read either, and
         // the file is not written over.
-        if (definition == nullptr) {
-            record->KeepSection(*section, where + "section '" + id +
+        if (kind == 0) {
+            record->KeepSection(*section, where + "section '" + section->name +
                                               "' is not a known projection type; it is kept in the file, not read");
             continue;
         }
-        std::string problem;
-        if (!CKvUserCatalogue::CheckSection(*section, definition->GetKeywordRules(), problem)) {
+        if (kind < 0) {
             record->Reject(fileName + ":" + problem);
-            delete definition;
             continue;
         }
-        definition->ReadFromHandle(section, custom);
-        m_definitions.push_back(definition);
-        record->AddEntry(definition);
-        m_sourceLines[definition] = section->line;
+        m_definitions.push_back(definition.get());
+        record->AddEntry(definition.get());
+        m_sourceLines[definition.release()] = section->line;
     }
     return CKvUserCatalogue::FinishRead(m_userFiles, std::move(record), custom, m_problems);
 }
@@ -111,7 +143,7 @@ bool CKvMapProjectionList::WriteBackCustom(const std::string& fileName, std::str
     for (const CKvMapProjData* d : m_definitions)
         if (d->CanDelete())
             custom.push_back(d);
-    return CKvUserCatalogue::WriteBackList(m_userFiles, fileName, kTarget, WriteDefinition, custom, message);
+    return CKvUserCatalogue::WriteBackList(m_userFiles, fileName, UserFileFormat(), custom, message);
 }
 
 CKvMapProjData* CKvMapProjectionList::GetMapProjection(const std::string& name) const

@@ -9,6 +9,7 @@
 #include <unistd.h>
 #include <set>
 #include <sys/stat.h>
+#include <unordered_map>
 
 namespace {
 
@@ -35,12 +36,18 @@ struct SDirectoryLock
     int fd;
 };
 
+// The name of an entry's section: the first string of the keyword that names entries.
+std::string NameOf(const GxrSection& section, const std::string& keyword)
+{
+    for (const GxrKeyword& k : section.keywords)
+        if (k.name == keyword && !k.params.empty() && k.params.front().isString)
+            return k.params.front().text;
+    return std::string();
+}
+
 } // namespace
 
-CKvUserCatalogue::CKvUserCatalogue(const std::string& path, const char* targetName, Writer writer)
-    : m_path(path), m_targetName(targetName), m_writer(std::move(writer))
-{
-}
+CKvUserCatalogue::CKvUserCatalogue(const std::string& path, const SFormat& format) : m_path(path), m_format(format) {}
 
 CKvUserCatalogue::~CKvUserCatalogue()
 {
@@ -93,7 +100,7 @@ GxrTarget* CKvUserCatalogue::Load()
     m_status = GXR_OK;
     GxrTarget* main = nullptr;
     for (GxrTarget& target : m_pLoaded->targets) {
-        if (main == nullptr && target.name == m_targetName) {
+        if (main == nullptr && target.name == m_format.targetName) {
             main = &target;
             m_mainIndex = static_cast<int>(m_targets.size());
             m_targets.push_back(GxrTarget{target.name, {}, target.line});
@@ -112,30 +119,67 @@ void CKvUserCatalogue::FinishLoad()
     m_pLoaded = nullptr;
 }
 
+CKvUserCatalogue::SItem CKvUserCatalogue::_entryItem(const void* entry) const
+{
+    GxrTarget scratch{m_format.targetName, {}, 0};
+    m_format.writer(entry, &scratch);
+    SItem item;
+    item.entry = entry;
+    for (const GxrSection& section : scratch.sections)
+        item.text += CParamFileWriter::SectionText(section);
+    if (!scratch.sections.empty())
+        item.section = scratch.sections.front();
+    item.key = "=" + NameOf(item.section, m_format.nameKeyword);
+    return item;
+}
+
 std::string CKvUserCatalogue::_text(const void* entry) const
 {
-    GxrFile scratch;
-    scratch.targets.push_back(GxrTarget{m_targetName, {}, 0});
-    m_writer(entry, &scratch.targets.back());
-    return CParamFileWriter::ToText(scratch);
+    return _entryItem(entry).text;
+}
+
+int CKvUserCatalogue::_sectionItem(const GxrSection& section, SItem& item, std::string& problem) const
+{
+    // An entry is compared by what the list makes of it, so that a section
+    // written by hand (other keyword order, Centre_dms for Centre) and the same
+    // entry written back by another process are the same version. A section the
+    // list does not read is its own key: it is never changed by a session.
+    GxrTarget scratch{m_format.targetName, {}, 0};
+    const int kind = m_format.reader ? m_format.reader(section, &scratch, problem) : 0;
+    item.entry = nullptr;
+    item.section = section;
+    if (kind > 0 && !scratch.sections.empty()) {
+        item.text = CParamFileWriter::SectionText(scratch.sections.front());
+        item.key = "=" + NameOf(scratch.sections.front(), m_format.nameKeyword);
+    } else {
+        item.text = CParamFileWriter::SectionText(section);
+        item.key = "#" + item.text;
+    }
+    return kind;
 }
 
 void CKvUserCatalogue::AddEntry(const void* entry)
 {
-    m_layout.push_back(SItem{entry, _text(entry), GxrSection()});
+    m_layout.push_back(_entryItem(entry));
     m_members.insert(entry);
 }
 
 void CKvUserCatalogue::KeepSection(const GxrSection& section, const std::string& problem)
 {
-    m_layout.push_back(SItem{nullptr, std::string(), section});
-    _note(problem);
+    SItem item;
+    std::string ignored;
+    _sectionItem(section, item, ignored);
+    m_layout.push_back(std::move(item));
+    if (!problem.empty())
+        _note(problem);
 }
 
 void CKvUserCatalogue::Forget(const void* entry)
 {
     // A deleted entry leaves its place: a new entry at the same address is new.
     m_members.erase(entry);
+    m_outside.erase(entry);
+    m_rescued.erase(entry);
 }
 
 std::string CKvUserCatalogue::RescueName(const std::string& path, int attempt)
@@ -162,11 +206,11 @@ bool CKvUserCatalogue::_rescue(const std::vector<const void*>& entries, std::str
             gxrGetErrorGlb();
             continue;
         }
-        GxrTarget* target = gxrTargetByNameNum(file, m_targetName.c_str(), 1);
+        GxrTarget* target = gxrTargetByNameNum(file, m_format.targetName.c_str(), 1);
         if (target == nullptr)
-            target = gxrAddTarget(file, m_targetName.c_str());
+            target = gxrAddTarget(file, m_format.targetName.c_str());
         for (const void* entry : entries)
-            m_writer(entry, target);
+            m_format.writer(entry, target);
         const bool ok = gxrWrite(file) == GXR_OK;
         if (!ok)
             error = gxrGetErrorMessageGlb();
@@ -179,98 +223,251 @@ bool CKvUserCatalogue::_rescue(const std::vector<const void*>& entries, std::str
     return false;
 }
 
-bool CKvUserCatalogue::WriteBack(const std::function<bool(const void*)>& isLive, const std::vector<const void*>& added,
+bool CKvUserCatalogue::_reread(SOnDisk& disk, std::string& problem) const
+{
+    struct stat st;
+    if (::lstat(m_path.c_str(), &st) != 0 && errno == ENOENT)
+        return true; // removed since: an empty catalogue, into which the session's entries go
+    GxrFile* file = gxrLoadFile(m_path.c_str());
+    if (file == nullptr) {
+        problem = gxrGetErrorMessageGlb();
+        gxrGetErrorGlb();
+        return false;
+    }
+    bool ok = true;
+    for (const GxrTarget& target : file->targets) {
+        if (disk.mainIndex >= 0 || target.name != m_format.targetName) {
+            disk.targets.push_back(target);
+            continue;
+        }
+        disk.mainIndex = static_cast<int>(disk.targets.size());
+        disk.targets.push_back(GxrTarget{target.name, {}, target.line});
+        for (const GxrSection& section : target.sections) {
+            SItem item;
+            std::string what;
+            if (_sectionItem(section, item, what) < 0 && ok) {
+                problem = m_path + ":" + what;
+                ok = false;
+            }
+            disk.items.push_back(std::move(item));
+        }
+    }
+    gxrClose(file);
+    return ok;
+}
+
+void CKvUserCatalogue::_merge(const std::vector<SItem>& ours, const std::vector<SItem>& theirs, SMerge& result) const
+{
+    // Versions are compared name by name: base is what this session read (or
+    // last wrote), ours what it holds now, theirs what the file holds now. A
+    // name only one side changed takes that side's sections; a name both
+    // changed alike is taken once; a name both changed differently keeps the
+    // file's sections, and this session's own versions of it are set aside.
+    using Group = std::vector<const SItem*>;
+    std::unordered_map<std::string, Group> base, mine, disk;
+    for (const SItem& item : m_layout)
+        base[item.key].push_back(&item);
+    for (const SItem& item : ours)
+        mine[item.key].push_back(&item);
+    for (const SItem& item : theirs)
+        disk[item.key].push_back(&item);
+    static const Group none;
+    const auto group = [](const std::unordered_map<std::string, Group>& groups,
+                          const std::string& key) -> const Group& {
+        const auto found = groups.find(key);
+        return found == groups.end() ? none : found->second;
+    };
+    const auto same = [](const Group& a, const Group& b) {
+        if (a.size() != b.size())
+            return false;
+        for (size_t i = 0; i < a.size(); ++i)
+            if (a[i]->text != b[i]->text)
+                return false;
+        return true;
+    };
+    const auto holds = [](const Group& g, const std::string& text) {
+        for (const SItem* item : g)
+            if (item->text == text)
+                return true;
+        return false;
+    };
+
+    std::unordered_map<std::string, bool> decided;
+    std::unordered_set<const void*> aside;
+    const auto oursWins = [&](const std::string& key) {
+        const auto known = decided.find(key);
+        if (known != decided.end())
+            return known->second;
+        const Group& b = group(base, key);
+        const Group& m = group(mine, key);
+        const Group& d = group(disk, key);
+        const bool wins = same(d, b) || same(m, d);
+        if (!wins && !same(m, b)) {
+            const std::string name = "'" + key.substr(1) + "'";
+            bool clash = false;
+            for (const SItem* item : m)
+                if (item->entry != nullptr && !holds(b, item->text) && !holds(d, item->text)) {
+                    aside.insert(item->entry);
+                    clash = true;
+                }
+            // An entry of the file that this session no longer holds was deleted
+            // here (an edited one is still held, with another text).
+            bool deleted = false;
+            for (const SItem* item : b) {
+                bool held = item->entry == nullptr;
+                for (const SItem* mineItem : m)
+                    held = held || mineItem->entry == item->entry;
+                deleted = deleted || !held;
+            }
+            if (clash)
+                result.clashes.push_back(name);
+            if (deleted && !d.empty())
+                result.undeleted.push_back(name);
+        }
+        decided.emplace(key, wins);
+        return wins;
+    };
+
+    // The file's order, a name's sections of this session at its first place,
+    // then the names new to the file in this session's order.
+    std::unordered_set<std::string> placed;
+    for (const SItem& item : theirs) {
+        if (!oursWins(item.key))
+            result.merged.push_back(item);
+        else if (placed.insert(item.key).second)
+            for (const SItem* mineItem : group(mine, item.key))
+                result.merged.push_back(*mineItem);
+    }
+    for (const SItem& item : ours)
+        if (oursWins(item.key) && placed.insert(item.key).second)
+            for (const SItem* mineItem : group(mine, item.key))
+                result.merged.push_back(*mineItem);
+    for (const SItem& item : ours)
+        if (aside.count(item.entry) != 0)
+            result.aside.push_back(item.entry);
+}
+
+bool CKvUserCatalogue::WriteBack(const std::vector<const void*>& live, const std::vector<const void*>& added,
                                  std::string& message)
 {
     message.clear();
-    // Writers of the same catalogue in other processes wait here, so that the
-    // check for a change and the replacement are one step: the later writer
-    // sees the earlier one's file and saves its own changes aside.
+    // Writers of the same catalogue in other processes wait here, so that
+    // reading the file as it is now, merging and replacing it are one step.
     SDirectoryLock lock(m_path);
+    const std::unordered_set<const void*> isLive(live.begin(), live.end());
+
+    // This session's version of the main target: the file's sections as read,
+    // with the entries' current values and without the deleted ones, then the
+    // entries that a merge left out and that changed since, then the new ones.
+    std::vector<SItem> ours;
+    std::unordered_map<const void*, const std::string*> read; // the file's entries, with their text then
+    bool changed = false;
+    for (const SItem& item : m_layout) {
+        if (item.entry == nullptr) {
+            ours.push_back(item);
+            continue;
+        }
+        if (m_members.count(item.entry) == 0 || isLive.count(item.entry) == 0) {
+            changed = true;
+            continue;
+        }
+        read.emplace(item.entry, &item.text);
+        ours.push_back(_entryItem(item.entry));
+        changed = changed || ours.back().text != item.text;
+    }
+    for (const void* entry : live) {
+        const auto outside = m_outside.find(entry);
+        if (outside == m_outside.end())
+            continue;
+        SItem now = _entryItem(entry);
+        if (now.text == outside->second)
+            continue; // as it was set aside or left out: not offered again
+        ours.push_back(std::move(now));
+        changed = true;
+    }
+    for (const void* entry : added) {
+        ours.push_back(_entryItem(entry));
+        changed = true;
+    }
+    // Nothing changed (a look-up marks the list modified too): the file, with
+    // its comments and layout, stays exactly as the user wrote it.
+    if (!changed && (m_stamp.exists || !m_layout.empty() || _stamp(m_path).exists))
+        return true;
+
     std::string reason;
-    if (m_bRejected)
+    SOnDisk disk;
+    bool merging = false;
+    if (m_bRejected) {
         reason = m_rejection;
-    else if (!(_stamp(m_path) == m_stamp))
-        reason = m_path + ": changed by another program since it was read";
+    } else if (_stamp(m_path) == m_stamp) {
+        disk.targets = m_targets;
+        disk.mainIndex = m_mainIndex;
+    } else {
+        std::string problem;
+        if (_reread(disk, problem))
+            merging = true;
+        else
+            reason = m_path + " was changed by another program since it was read and cannot be merged: " + problem;
+    }
 
     if (reason.empty()) {
-        // Nothing changed (a look-up marks the list modified too): the file, with
-        // its comments and layout, stays exactly as the user wrote it.
-        bool unchanged = added.empty();
-        for (const SItem& item : m_layout)
-            if (unchanged && item.entry != nullptr)
-                unchanged = m_members.count(item.entry) != 0 && isLive(item.entry) && _text(item.entry) == item.snapshot;
-        if (unchanged && (m_stamp.exists || !m_layout.empty()))
-            return true;
+        SMerge merge;
+        if (merging)
+            _merge(ours, disk.items, merge);
+        else
+            merge.merged = ours;
 
         GxrFile file;
         file.path = m_path;
-        std::vector<SItem> layout;
-        for (size_t i = 0; i <= m_targets.size(); ++i) {
-            const bool mainHere = static_cast<int>(i) == m_mainIndex || (m_mainIndex < 0 && i == m_targets.size());
-            if (!mainHere) {
-                if (i < m_targets.size())
-                    file.targets.push_back(m_targets[i]);
-                continue;
-            }
-            file.targets.push_back(GxrTarget{m_targetName, {}, 0});
-            GxrTarget* main = &file.targets.back();
-            for (const SItem& item : m_layout) {
-                if (item.entry == nullptr) {
-                    main->sections.push_back(item.section);
-                    layout.push_back(item);
-                } else if (m_members.count(item.entry) != 0 && isLive(item.entry)) {
-                    m_writer(item.entry, main);
-                    layout.push_back(SItem{item.entry, _text(item.entry), GxrSection()});
-                }
-            }
-            for (const void* entry : added) {
-                m_writer(entry, main);
-                layout.push_back(SItem{entry, _text(entry), GxrSection()});
-            }
+        if (disk.mainIndex < 0) {
+            disk.mainIndex = static_cast<int>(disk.targets.size());
+            disk.targets.push_back(GxrTarget{m_format.targetName, {}, 0});
         }
+        file.targets.assign(disk.targets.begin(), disk.targets.end());
+        GxrTarget& main = file.targets[static_cast<size_t>(disk.mainIndex)];
+        for (const SItem& item : merge.merged)
+            main.sections.push_back(item.section);
         std::string error;
         if (CParamFileWriter::WriteAtomically(m_path, CParamFileWriter::ToText(file), error)) {
-            m_layout = std::move(layout);
-            m_members.clear();
-            for (const SItem& item : m_layout)
-                if (item.entry != nullptr)
-                    m_members.insert(item.entry);
-            if (m_mainIndex < 0)
-                m_mainIndex = static_cast<int>(m_targets.size());
-            m_targets.clear();
-            for (size_t i = 0; i < file.targets.size(); ++i)
-                m_targets.push_back(static_cast<int>(i) == m_mainIndex ? GxrTarget{m_targetName, {}, 0}
-                                                                       : file.targets[i]);
             m_stamp = _stamp(m_path);
-            return true;
+            m_targets = std::move(disk.targets);
+            m_mainIndex = disk.mainIndex;
+            m_members.clear();
+            for (SItem& item : merge.merged) {
+                if (item.entry != nullptr) {
+                    m_members.insert(item.entry);
+                    m_outside.erase(item.entry);
+                }
+            }
+            for (const SItem& item : ours)
+                if (item.entry != nullptr && m_members.count(item.entry) == 0)
+                    m_outside[item.entry] = item.text;
+            m_layout = std::move(merge.merged);
+            return _reportMerge(merge, message);
         }
         reason = error;
     }
 
     // The file stays as it is. Save what the session would otherwise lose: its
-    // new entries and the file's entries it edited.
+    // new entries and the entries it edited.
     std::vector<const void*> toSave;
     std::vector<std::pair<const void*, std::string>> texts;
-    auto wanted = [&](const void* entry) {
-        const std::string text = _text(entry);
-        for (const auto& done : m_rescued)
-            if (done.first == entry && done.second == text)
-                return;
-        toSave.push_back(entry);
-        texts.emplace_back(entry, text);
-    };
-    for (const void* entry : added)
-        wanted(entry);
-    int deleted = 0;
-    for (const SItem& item : m_layout) {
+    for (const SItem& item : ours) {
         if (item.entry == nullptr)
             continue;
-        if (m_members.count(item.entry) == 0 || !isLive(item.entry))
-            ++deleted;
-        else if (_text(item.entry) != item.snapshot)
-            wanted(item.entry);
+        const auto before = read.find(item.entry);
+        if (before != read.end() && *before->second == item.text)
+            continue;
+        const auto saved = m_rescued.find(item.entry);
+        if (saved != m_rescued.end() && saved->second == item.text)
+            continue;
+        toSave.push_back(item.entry);
+        texts.emplace_back(item.entry, item.text);
     }
+    int deleted = 0;
+    for (const SItem& item : m_layout)
+        if (item.entry != nullptr && (m_members.count(item.entry) == 0 || isLive.count(item.entry) == 0))
+            ++deleted;
     if (toSave.empty() && deleted == 0)
         return true; // nothing of the session is missing from the file as it stands
     message = m_path + " was not written: " + reason;
@@ -280,7 +477,8 @@ bool CKvUserCatalogue::WriteBack(const std::function<bool(const void*)>& isLive,
         if (_rescue(toSave, rescuePath, error)) {
             message += "\nthe session's " + std::to_string(toSave.size()) + " new or changed entr" +
                        (toSave.size() == 1 ? "y was" : "ies were") + " saved in " + rescuePath;
-            m_rescued.insert(m_rescued.end(), texts.begin(), texts.end());
+            for (const auto& text : texts)
+                m_rescued[text.first] = text.second;
         } else {
             message += "\nthe session's " + std::to_string(toSave.size()) + " new or changed entr" +
                        (toSave.size() == 1 ? "y is" : "ies are") + " lost: " + error;
@@ -290,6 +488,40 @@ bool CKvUserCatalogue::WriteBack(const std::function<bool(const void*)>& isLive,
     if (deleted > 0) {
         message += "\nthe deletion of " + std::to_string(deleted) + " entr" + (deleted == 1 ? "y" : "ies") +
                    " is not saved";
+        saved = false;
+    }
+    return saved;
+}
+
+bool CKvUserCatalogue::_reportMerge(const SMerge& merge, std::string& message)
+{
+    const auto list = [](const std::vector<std::string>& names) {
+        std::string text;
+        for (const std::string& name : names)
+            text += (text.empty() ? "" : ", ") + name;
+        return text;
+    };
+    bool saved = true;
+    if (!merge.clashes.empty()) {
+        message = m_path + ": " + list(merge.clashes) + (merge.clashes.size() == 1 ? " was" : " were") +
+                  " changed both by this session and by another since it was read; the file keeps the version saved "
+                  "first";
+        std::string rescuePath, error;
+        if (_rescue(merge.aside, rescuePath, error)) {
+            message += "\nthis session's " + std::to_string(merge.aside.size()) +
+                       (merge.aside.size() == 1 ? " version was" : " versions were") + " saved in " + rescuePath;
+            for (const void* entry : merge.aside)
+                m_rescued[entry] = _text(entry);
+        } else {
+            message += "\nthis session's " + std::to_string(merge.aside.size()) +
+                       (merge.aside.size() == 1 ? " version is" : " versions are") + " lost: " + error;
+            saved = false;
+        }
+    }
+    if (!merge.undeleted.empty()) {
+        message += std::string(message.empty() ? "" : "\n") + m_path + ": the deletion of " + list(merge.undeleted) +
+                   " is not saved: another session changed " + (merge.undeleted.size() == 1 ? "it" : "them") +
+                   " since it was read";
         saved = false;
     }
     return saved;
@@ -306,16 +538,15 @@ int CKvUserCatalogue::FinishRead(List& files, std::unique_ptr<CKvUserCatalogue> 
     return status;
 }
 
-bool CKvUserCatalogue::WriteBackList(List& files, const std::string& path, const char* targetName,
-                                     const Writer& writer, const std::vector<const void*>& entries,
-                                     std::string& message)
+bool CKvUserCatalogue::WriteBackList(List& files, const std::string& path, const SFormat& format,
+                                     const std::vector<const void*>& entries, std::string& message)
 {
     CKvUserCatalogue* record = nullptr;
     for (const auto& r : files)
         if (record == nullptr && r->GetPath() == path)
             record = r.get();
     if (record == nullptr) {
-        files.push_back(std::make_unique<CKvUserCatalogue>(path, targetName, writer));
+        files.push_back(std::make_unique<CKvUserCatalogue>(path, format));
         record = files.back().get();
         if (GxrTarget* target = record->Load())
             for (const GxrSection& section : target->sections)
@@ -330,8 +561,7 @@ bool CKvUserCatalogue::WriteBackList(List& files, const std::string& path, const
         if (!fromFile)
             added.push_back(entry);
     }
-    const std::unordered_set<const void*> live(entries.begin(), entries.end());
-    return record->WriteBack([&live](const void* entry) { return live.count(entry) != 0; }, added, message);
+    return record->WriteBack(entries, added, message);
 }
 
 bool CKvUserCatalogue::CheckSection(const GxrSection& section, const std::vector<SKeywordRule>& rules,

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <sys/types.h>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -19,17 +20,41 @@
 // entries' current values, the unusable sections and other targets unchanged,
 // and the session's new entries at the end.
 //
+// Several processes may edit the same catalogue. Entries are known by their
+// name (an ellipsoid by its ID). A writer holds a lock on the directory while it
+// writes; when another one has replaced the file since this session read it,
+// the file is read again under the lock and the session's changes (additions,
+// edits, deletions) are merged into it, name by name: what only one side
+// changed is taken from that side. When both changed the same name differently,
+// the version already in the file stays (the first to save wins) and this
+// session's version goes to the rescue file; a deletion of an entry the other
+// side changed is not made. Both are reported.
+//
 // A file that did not load cleanly (unreadable, malformed, an entry with a
-// keyword or value the library does not understand), or that another program
-// changed after it was read, is never written: it stays byte for byte as it
-// was. The entries of the session that would otherwise be lost (new ones and
-// edited ones) go to a rescue file beside it, "<name>.unsaved.gxr", which is
-// appended to, never overwritten.
+// keyword or value the library does not understand), also when it is read
+// again for a merge, is never written: it stays byte for byte as it was. The
+// entries of the session that would otherwise be lost (new ones and edited
+// ones) go to a rescue file beside it, "<name>.unsaved.gxr", which is appended
+// to, never overwritten, and never read back.
 class CKvUserCatalogue
 {
 public:
     // Writes one entry as a section of target; false when it could not.
     using Writer = std::function<bool(const void* entry, GxrTarget* target)>;
+    // Reads a section of the main target as the owning list reads it and writes
+    // the entry it makes to target: 1 for an entry, 0 for a section the list
+    // does not read (kept as it stands), -1 for one that keeps the file from
+    // being written ("line: what" in problem).
+    using Reader = std::function<int(const GxrSection& section, GxrTarget* target, std::string& problem)>;
+
+    // How a list's entries are stored in its file.
+    struct SFormat
+    {
+        std::string targetName;  // the target whose sections are the entries
+        std::string nameKeyword; // the string keyword that names an entry
+        Writer writer;
+        Reader reader;
+    };
 
     // A keyword that a section may hold, with the kind and number of its values.
     struct SKeywordRule
@@ -40,7 +65,7 @@ public:
         int maxParams;
     };
 
-    CKvUserCatalogue(const std::string& path, const char* targetName, Writer writer);
+    CKvUserCatalogue(const std::string& path, const SFormat& format);
     CKvUserCatalogue(const CKvUserCatalogue&) = delete;
     CKvUserCatalogue& operator=(const CKvUserCatalogue&) = delete;
     virtual ~CKvUserCatalogue();
@@ -61,15 +86,18 @@ public:
 
     // The entry no longer exists (deleted by the host).
     void Forget(const void* entry);
-    bool Contains(const void* entry) const { return m_members.count(entry) != 0; }
+    // Whether the entry came from this file (or was saved through it before).
+    bool Contains(const void* entry) const { return m_members.count(entry) != 0 || m_outside.count(entry) != 0; }
 
-    // Writes back: the file's own entries that isLive accepts, with their
-    // current values, then added. A rejected or changed file is left as it is
-    // and the entries that would be lost go to the rescue file. Returns false,
-    // with message, when anything of the session could not be saved. The added
-    // entries belong to the file (or its rescue) afterwards.
-    bool WriteBack(const std::function<bool(const void*)>& isLive, const std::vector<const void*>& added,
-                   std::string& message);
+    // Writes back: the file's own entries that are still live (the list's
+    // entries, in list order), with their current values, then added, merged
+    // into the file as another process left it. A rejected file, or one that no longer reads cleanly, is left as it
+    // is and the entries that would be lost go to the rescue file. Returns
+    // false when anything of the session is lost (neither in the file nor in
+    // the rescue file); message is empty when everything is in the file, and
+    // says what went elsewhere otherwise. The added entries belong to the file
+    // (or its rescue) afterwards.
+    bool WriteBack(const std::vector<const void*>& live, const std::vector<const void*>& added, std::string& message);
 
     const std::string& GetPath() const { return m_path; }
     // The parameter-file status of the read: GXR_OK, or why nothing was read.
@@ -89,7 +117,7 @@ public:
     // first record of that file, or a new one for a file never read, whose
     // contents are then kept as they stand. Entries that no record holds are the
     // session's new ones.
-    static bool WriteBackList(List& files, const std::string& path, const char* targetName, const Writer& writer,
+    static bool WriteBackList(List& files, const std::string& path, const SFormat& format,
                               const std::vector<const void*>& entries, std::string& message);
 
     // Checks every keyword line of a section against the rules: known names,
@@ -100,11 +128,13 @@ public:
     static std::string RescueName(const std::string& path, int attempt);
 
 private:
+    // One section of the main target in a version of the file.
     struct SItem
     {
-        const void* entry;    // null for a kept section
-        std::string snapshot; // the entry's text when read, to tell an edited entry
-        GxrSection section;   // the kept section
+        const void* entry = nullptr; // the session's entry, or null for a section kept as it stands
+        std::string key;             // what the section is known by in a merge
+        std::string text;            // its text as the list writes it, to tell versions apart
+        GxrSection section;          // what is written
     };
     struct SStamp
     {
@@ -119,15 +149,35 @@ private:
                    mtimeNs == o.mtimeNs;
         }
     };
+    // The file as it is on disk now, read again for a merge.
+    struct SOnDisk
+    {
+        std::vector<SItem> items;
+        std::vector<GxrTarget> targets; // the main one without its sections
+        int mainIndex = -1;
+    };
 
+    // The outcome of merging this session's version into the file's.
+    struct SMerge
+    {
+        std::vector<SItem> merged;
+        std::vector<const void*> aside;     // this session's versions of names both sides changed
+        std::vector<std::string> clashes;   // those names, quoted
+        std::vector<std::string> undeleted; // names this session deleted and the other side changed
+    };
+
+    SItem _entryItem(const void* entry) const;
+    void _merge(const std::vector<SItem>& ours, const std::vector<SItem>& theirs, SMerge& result) const;
+    bool _reportMerge(const SMerge& merge, std::string& message);
+    int _sectionItem(const GxrSection& section, SItem& item, std::string& problem) const;
     std::string _text(const void* entry) const;
     void _note(const std::string& problem);
     static SStamp _stamp(const std::string& path);
+    bool _reread(SOnDisk& disk, std::string& problem) const;
     bool _rescue(const std::vector<const void*>& entries, std::string& rescuePath, std::string& error);
 
     std::string m_path;
-    std::string m_targetName;
-    Writer m_writer;
+    SFormat m_format;
     GxrFile* m_pLoaded = nullptr;
     int m_status = 0;
     bool m_bRejected = false;
@@ -136,9 +186,13 @@ private:
     SStamp m_stamp;
     std::vector<GxrTarget> m_targets; // the file's targets; the main one's sections are rebuilt
     int m_mainIndex = -1;
-    std::vector<SItem> m_layout;
+    std::vector<SItem> m_layout; // the main target as the file holds it, as far as this session knows
     std::unordered_set<const void*> m_members;
-    std::vector<std::pair<const void*, std::string>> m_rescued; // saved to the rescue file already
+    // Entries of the session that the file does not hold by a merge's decision,
+    // with their text then: a version saved aside, or one another process
+    // deleted or replaced. They are offered again only once they change.
+    std::unordered_map<const void*, std::string> m_outside;
+    std::unordered_map<const void*, std::string> m_rescued; // saved to the rescue file already, with that text
 };
 
 #endif

@@ -130,30 +130,35 @@ void CParamFileWriter::_appendQuoted(std::string& out, const std::string& text)
     out += '"';
 }
 
+std::string CParamFileWriter::SectionText(const GxrSection& section)
+{
+    std::string out = "  SECTION " + section.name + "\n";
+    for (const GxrKeyword& keyword : section.keywords) {
+        out += "    " + keyword.name;
+        // Align the values in a column for people who read the file.
+        out.append(keyword.name.size() < 24 ? 24 - keyword.name.size() : 1, ' ');
+        for (size_t i = 0; i < keyword.params.size(); ++i) {
+            if (i > 0)
+                out += ' ';
+            const GxrParam& param = keyword.params[i];
+            if (param.isString)
+                _appendQuoted(out, param.text);
+            else
+                out += CNumericLocale::FormatRoundTrip(param.number);
+        }
+        out += '\n';
+    }
+    out += "  END_SECTION\n";
+    return out;
+}
+
 std::string CParamFileWriter::ToText(const GxrFile& file)
 {
     std::string out;
     for (const GxrTarget& target : file.targets) {
         out += "TARGET " + target.name + "\n";
-        for (const GxrSection& section : target.sections) {
-            out += "  SECTION " + section.name + "\n";
-            for (const GxrKeyword& keyword : section.keywords) {
-                out += "    " + keyword.name;
-                // Align the values in a column for people who read the file.
-                out.append(keyword.name.size() < 24 ? 24 - keyword.name.size() : 1, ' ');
-                for (size_t i = 0; i < keyword.params.size(); ++i) {
-                    if (i > 0)
-                        out += ' ';
-                    const GxrParam& param = keyword.params[i];
-                    if (param.isString)
-                        _appendQuoted(out, param.text);
-                    else
-                        out += CNumericLocale::FormatRoundTrip(param.number);
-                }
-                out += '\n';
-            }
-            out += "  END_SECTION\n";
-        }
+        for (const GxrSection& section : target.sections)
+            out += SectionText(section);
         out += "END_TARGET\n";
     }
     return out;

@@ -13,6 +13,8 @@ class CParamFileWriter
 {
 public:
     static std::string ToText(const GxrFile& file);
+    // One section as ToText writes it.
+    static std::string SectionText(const GxrSection& section);
     static bool WriteAtomically(const std::string& path, const std::string& text, std::string& error);
 
 private:

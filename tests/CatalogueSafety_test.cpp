@@ -1,17 +1,24 @@
 // What happens to the user's catalogue files when a real host process sets the
 // catalogue up, does one thing and exits: nothing the user wrote is lost.
+#include "catalogue/KvEllipsoidList.h"
+#include "catalogue/KvLambert2SPProjection.h"
+#include "catalogue/KvMapProjectionList.h"
+#include "catalogue/KvUserCatalogue.h"
 #include "paramfile/Gxr.h"
 #include "paramfile/ParamFileWriter.h"
 
 #include "TestSupport.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
-#include <sys/syscall.h>
 #include <dirent.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -73,6 +80,102 @@ std::vector<std::string> FilesIn(const std::string& dir)
     return names;
 }
 
+// The names of a file's entries, in file order: the string of keyword in every
+// section of the first target of that name.
+std::vector<std::string> NamesIn(const std::string& path, const char* target, const char* keyword)
+{
+    std::vector<std::string> names;
+    GxrFile* file = gxrLoadFile(path.c_str());
+    EXPECT_NE(file, nullptr) << path << ": " << gxrGetErrorMessageGlb();
+    if (file == nullptr)
+        return names;
+    GxrTarget* main = gxrTargetByNameNum(file, target, 1);
+    for (int i = 1; i <= gxrGetNoSections(main, nullptr); ++i) {
+        CString name;
+        gxrGetParam(gxrSectionByNum(main, i), keyword, &name, 1, 1);
+        names.push_back(name.GetStdString());
+    }
+    gxrClose(file);
+    return names;
+}
+
+std::vector<std::string> Sorted(std::vector<std::string> names)
+{
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string Sphere(const std::string& id)
+{
+    return Section("REF_ELLIPSOID", "    Ellipsoid_Name \"Sphere " + id + "\"\n    ID_Code \"" + id +
+                                        "\"\n    Semi_Major_Axis 6371000\n    Inverse_Flatness 0\n");
+}
+
+// A shell command run in dir, as the unprivileged user when asNobody and this
+// process is root; standard output and error together.
+SResult RunIn(const std::string& dir, const std::string& command, bool asNobody = false)
+{
+    const std::string privileges =
+        asNobody && geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
+    SResult result{-1, std::string()};
+    const std::string line = "cd '" + dir + "' && " + privileges + "sh -c \"" + command + "\" 2>&1";
+    if (FILE* pipe = popen(line.c_str(), "r")) {
+        char buffer[512];
+        while (fgets(buffer, sizeof buffer, pipe))
+            result.output += buffer;
+        const int status = pclose(pipe);
+        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    }
+    return result;
+}
+
+// Runs each shell command in a process of its own, all released at the same
+// moment: they wait until the parent closes a pipe. release() is called then,
+// while they run. Returns their exit statuses and outputs (standard output and
+// error together, kept in scratch).
+std::vector<SResult> AtOnce(
+    const std::vector<std::string>& commands, const kvtest::TempDir& scratch,
+    const std::function<void()>& release = [] {})
+{
+    int gate[2];
+    EXPECT_EQ(pipe(gate), 0);
+    std::vector<pid_t> children;
+    for (size_t i = 0; i < commands.size(); ++i) {
+        const std::string output = scratch.File("output." + std::to_string(i));
+        const pid_t child = fork();
+        if (child == 0) {
+            close(gate[1]);
+            char byte;
+            while (read(gate[0], &byte, 1) < 0 && errno == EINTR) {
+            }
+            const std::string line = "exec > '" + output + "' 2>&1; " + commands[i];
+            execl("/bin/sh", "sh", "-c", line.c_str(), static_cast<char*>(nullptr));
+            _exit(127);
+        }
+        children.push_back(child);
+    }
+    close(gate[0]);
+    close(gate[1]);
+    release();
+    std::vector<SResult> results;
+    for (size_t i = 0; i < children.size(); ++i) {
+        int status = 0;
+        waitpid(children[i], &status, 0);
+        results.push_back(SResult{WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
+                                  kvtest::ReadFile(scratch.File("output." + std::to_string(i)))});
+    }
+    return results;
+}
+
+// Lets hosts waiting at "barrier gate" go on once all of them are there.
+void OpenGate(const kvtest::TempDir& gate, size_t hosts)
+{
+    for (int wait = 0; wait < 20000 && FilesIn(gate.Path()).size() < hosts; ++wait)
+        usleep(500);
+    EXPECT_EQ(FilesIn(gate.Path()).size(), hosts) << "hosts at the barrier";
+    kvtest::WriteFile(gate.File("start"), "");
+}
+
 int Count(const std::string& text, const std::string& what)
 {
     int n = 0;
@@ -118,7 +221,8 @@ TEST(CatalogueSafety, AFileThatDidNotLoadIsNeverWrittenOver)
 
         SResult added = Host(user.Path(), "add 'New Grid' writeback errors");
         EXPECT_EQ(added.status, 0) << added.output;
-        EXPECT_NE(added.output.find("writeback 0"), std::string::npos) << added.output;
+        // Saved, but not in the catalogue: the write-back says so.
+        EXPECT_NE(added.output.find("writeback -1"), std::string::npos) << added.output;
         EXPECT_NE(added.output.find("saved in " + user.File("custom_projection.unsaved.gxr")), std::string::npos)
             << added.output;
         EXPECT_EQ(kvtest::ReadFile(path), c.text);
@@ -264,11 +368,14 @@ TEST(CatalogueSafety, AFailedWriteKeepsTheOldFileAndSaysSo)
     // A full disk: a file-size limit makes write(2) fail part-way.
     SResult full = Host(user.Path(), "add-many 500 writeback errors", "ulimit -f 8; trap '' XFSZ; ");
     EXPECT_NE(full.output.find("writeback -1"), std::string::npos) << full.output;
-    EXPECT_NE(full.output.find("write failed"), std::string::npos) << full.output;
-    EXPECT_NE(full.output.find("are lost"), std::string::npos) << full.output;
-    EXPECT_NE(full.output.find("kvcart: the user catalogue could not be saved"), std::string::npos)
-        << "at exit, a loss is reported on standard error\n"
-        << full.output;
+    EXPECT_EQ(Count(full.output, "was not written: " + path + ": write failed"), 1) << full.output;
+    EXPECT_EQ(Count(full.output, "are lost"), 1) << full.output;
+    EXPECT_EQ(kvtest::ReadFile(path), text);
+    EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
+    // A host that does not ask is told at exit, on standard error.
+    full = Host(user.Path(), "add-many 500", "ulimit -f 8; trap '' XFSZ; ");
+    EXPECT_EQ(Count(full.output, "kvcart: the user catalogue was not updated:\n"), 1) << full.output;
+    EXPECT_EQ(Count(full.output, "are lost"), 1) << full.output;
     EXPECT_EQ(kvtest::ReadFile(path), text);
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 
@@ -290,32 +397,293 @@ TEST(CatalogueSafety, AFailedWriteKeepsTheOldFileAndSaysSo)
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 }
 
-// Hosts that exit at the same time: the file is always one complete version,
-// and what a later writer would have written over is saved aside, so every
-// session's entries are in the file or in the rescue file.
+// Hosts that have all read the catalogue exit at the same time: the file is
+// always one complete version, and each writer merges its session's changes
+// into what the others wrote before it. The hosts add the same names with the
+// same definitions ("Grid 0" to "Grid 199" four times), one entry each in the end.
 TEST(CatalogueSafety, ConcurrentWritersNeverDamageTheFile)
+{
+    kvtest::TempDir user;
+    kvtest::TempDir gate;
+    kvtest::TempDir scratch;
+    const std::string path = user.File("custom_projection.gxr");
+    kvtest::WriteFile(path, FiveGrids(Grid("Site C")));
+    std::vector<std::string> commands;
+    for (int i = 0; i < 4; ++i)
+        commands.push_back(std::string(KVCART_CATALOGUE_SESSION) + " '" + KVCART_SHIPPED_DATA_DIR + "' '" +
+                           user.Path() + "' add-many " + std::to_string(200 + i) + " barrier '" + gate.Path() + "'");
+    const std::vector<SResult> results = AtOnce(commands, scratch, [&gate] { OpenGate(gate, 4); });
+    for (const SResult& r : results) {
+        EXPECT_EQ(r.status, 0);
+        EXPECT_EQ(r.output, "");
+    }
+    std::vector<std::string> expected = {"Site A", "Site B", "Site C", "Site D", "Site E"};
+    for (int k = 0; k < 203; ++k)
+        expected.push_back("Grid " + std::to_string(k));
+    EXPECT_EQ(Sorted(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name")), Sorted(expected));
+    EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
+}
+
+// Eight programs started at the same moment, each adding ten definitions and an
+// ellipsoid of its own, one command after the other: every addition is in the
+// catalogue and every command succeeds.
+TEST(CatalogueSafety, ProgramsAddingAtOnceAllLandInTheCatalogue)
+{
+    kvtest::TempDir user;
+    kvtest::TempDir scratch;
+    const std::string path = user.File("custom_projection.gxr");
+    kvtest::WriteFile(path, FiveGrids(Grid("Site C")));
+    const std::string program =
+        std::string(KVCART_CLI) + " --catalogue '" + KVCART_SHIPPED_DATA_DIR + "' --user-dir '" + user.Path() + "' ";
+    std::vector<std::string> commands;
+    std::vector<std::string> expected = {"Site A", "Site B", "Site C", "Site D", "Site E"};
+    std::vector<std::string> ellipsoids;
+    for (int w = 0; w < 8; ++w) {
+        std::string script;
+        for (int j = 0; j < 10; ++j) {
+            const std::string name = "Writer " + std::to_string(w) + " grid " + std::to_string(j);
+            script += program + "add '" + name + "' UTM-" + std::to_string(1 + (w * 10 + j) % 60) + " || exit 1; ";
+            expected.push_back(name);
+            if (j == 4) {
+                ellipsoids.push_back("W" + std::to_string(w));
+                script += program + "add --ellipsoid " + ellipsoids.back() + " 'Writer sphere' 6371000 0 || exit 1; ";
+            }
+        }
+        commands.push_back(script);
+    }
+    const std::vector<SResult> results = AtOnce(commands, scratch);
+    for (size_t w = 0; w < results.size(); ++w) {
+        EXPECT_EQ(results[w].status, 0) << "writer " << w << "\n" << results[w].output;
+        EXPECT_EQ(results[w].output.find("not updated"), std::string::npos) << results[w].output;
+    }
+    EXPECT_EQ(Sorted(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name")), Sorted(expected));
+    EXPECT_EQ(Sorted(NamesIn(user.File("custom_ellipsoid.gxr"), "ELLIPSOID_DEFINITION", "ID_Code")),
+              Sorted(ellipsoids));
+    EXPECT_EQ(FilesIn(user.Path()), (std::vector<std::string>{"custom_ellipsoid.gxr", "custom_projection.gxr"}));
+}
+
+// Eight library hosts that have all read the catalogue, each adding, deleting
+// and editing entries of its own, write back at the same moment when they
+// exit: all their changes are in the files, and nobody is told of a problem.
+TEST(CatalogueSafety, HostsWritingBackAtOnceAllLandInTheCatalogue)
+{
+    kvtest::TempDir user;
+    kvtest::TempDir gate;
+    std::string grids, spheres;
+    for (int w = 0; w < 8; ++w) {
+        grids += Grid("Site " + std::to_string(w)) + Grid("Kept " + std::to_string(w));
+        spheres += Sphere("E" + std::to_string(w));
+    }
+    kvtest::WriteFile(user.File("custom_projection.gxr"),
+                      "TARGET MAP_PROJECTION_DEFINITION\n" + grids + "END_TARGET\n");
+    kvtest::WriteFile(user.File("custom_ellipsoid.gxr"), "TARGET ELLIPSOID_DEFINITION\n" + spheres + "END_TARGET\n");
+
+    std::vector<std::string> commands, expected, ellipsoids;
+    for (int w = 0; w < 8; ++w) {
+        const std::string n = std::to_string(w);
+        std::string steps = "delete 'Site " + n + "' branch 'Kept " + n + "' 'Edited " + n + "' ellipsoid H" + n +
+                            " delete-ellipsoid E" + n;
+        for (int j = 0; j < 3; ++j) {
+            steps += " add 'Host " + n + " grid " + std::to_string(j) + "'";
+            expected.push_back("Host " + n + " grid " + std::to_string(j));
+        }
+        expected.push_back("Kept " + n);
+        ellipsoids.push_back("H" + n);
+        commands.push_back(std::string(KVCART_CATALOGUE_SESSION) + " '" + KVCART_SHIPPED_DATA_DIR + "' '" +
+                           user.Path() + "' " + steps + " barrier '" + gate.Path() + "'");
+    }
+    // Released once every host has read the files and made its changes.
+    kvtest::TempDir scratch;
+    const std::vector<SResult> results = AtOnce(commands, scratch, [&gate] { OpenGate(gate, 8); });
+    for (const SResult& r : results) {
+        EXPECT_EQ(r.status, 0) << r.output;
+        EXPECT_EQ(r.output, "");
+    }
+    const std::string path = user.File("custom_projection.gxr");
+    EXPECT_EQ(Sorted(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name")), Sorted(expected));
+    const std::string text = kvtest::ReadFile(path);
+    for (int w = 0; w < 8; ++w)
+        EXPECT_NE(text.find("\"Edited " + std::to_string(w) + "\""), std::string::npos) << text;
+    EXPECT_EQ(Sorted(NamesIn(user.File("custom_ellipsoid.gxr"), "ELLIPSOID_DEFINITION", "ID_Code")),
+              Sorted(ellipsoids));
+    EXPECT_EQ(FilesIn(user.Path()), (std::vector<std::string>{"custom_ellipsoid.gxr", "custom_projection.gxr"}));
+}
+
+// Two sessions that change the same entry differently: the catalogue keeps the
+// version saved first, and the later session's version goes to the rescue file,
+// named in its message. Everything else of both sessions is merged.
+TEST(CatalogueSafety, TheFirstSaveOfAnEntryChangedTwiceStaysTheOtherIsSavedAside)
 {
     kvtest::TempDir user;
     const std::string path = user.File("custom_projection.gxr");
     kvtest::WriteFile(path, FiveGrids(Grid("Site C")));
-    std::vector<std::thread> hosts;
-    for (int i = 0; i < 4; ++i)
-        hosts.emplace_back([&user, i] { Host(user.Path(), "add-many " + std::to_string(200 + i)); });
-    for (std::thread& t : hosts)
-        t.join();
-    int total = 0;
-    for (const std::string& name : {path, user.File("custom_projection.unsaved.gxr")}) {
-        if (access(name.c_str(), F_OK) != 0)
-            continue;
-        GxrFile* file = gxrLoadFile(name.c_str());
-        ASSERT_NE(file, nullptr) << gxrGetErrorMessageGlb();
-        total += gxrGetNoSections(gxrTargetByNameNum(file, "MAP_PROJECTION_DEFINITION", 1), nullptr);
-        gxrClose(file);
+    const std::string system = KVCART_SHIPPED_DATA_DIR;
+    CKvMapProjectionList first, second;
+    first.InitMapProjections(system, user.Path());
+    second.InitMapProjections(system, user.Path());
+    auto definition = [](CKvMapProjectionList& list, const char* name) {
+        CKvMapProjData* d = list.GetMapProjection(name);
+        EXPECT_NE(d, nullptr) << name;
+        return d;
+    };
+    auto lambert = [](const char* name, double fnorth) {
+        return new CKvLambert2SPProjection(name, "Site grids", "RF", 49.0, 44.0, 3.0, 46.5, 700000.0, fnorth);
+    };
+
+    definition(first, "Site B")->SetBranchName("From the first");
+    first.DeleteMapProjection(definition(first, "Site C"));
+    first.DeleteMapProjection(definition(first, "Site D"));
+    definition(first, "Site E")->SetBranchName("Kept by the first");
+    first.AddMapProjection(lambert("Same Grid", 6600000.0));
+    first.AddMapProjection(lambert("Clash Grid", 6600000.0));
+
+    second.DeleteMapProjection(definition(second, "Site A"));
+    definition(second, "Site B")->SetBranchName("From the second");
+    definition(second, "Site C")->SetBranchName("Edited by the second");
+    second.DeleteMapProjection(definition(second, "Site D"));
+    second.DeleteMapProjection(definition(second, "Site E"));
+    second.AddMapProjection(lambert("Same Grid", 6600000.0));
+    second.AddMapProjection(lambert("Clash Grid", 6700000.0));
+    second.AddMapProjection(lambert("Only Second", 6600000.0));
+
+    std::string message;
+    EXPECT_TRUE(first.WriteBackCustom(path, message));
+    EXPECT_EQ(message, "");
+    // The second session's deletion of Site E, which the first edited, is not saved.
+    EXPECT_FALSE(second.WriteBackCustom(path, message));
+    const std::string rescue = user.File("custom_projection.unsaved.gxr");
+    for (const char* what : {"'Site B'", "'Site C'", "'Clash Grid'", "'Site E'", "saved in ", "not saved"})
+        EXPECT_NE(message.find(what), std::string::npos) << what << "\n" << message;
+    EXPECT_NE(message.find(rescue), std::string::npos) << message;
+
+    EXPECT_EQ(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name"),
+              (std::vector<std::string>{"Site B", "Site E", "Same Grid", "Clash Grid", "Only Second"}));
+    const std::string text = kvtest::ReadFile(path);
+    EXPECT_NE(text.find("From the first"), std::string::npos);
+    EXPECT_NE(text.find("Kept by the first"), std::string::npos);
+    EXPECT_NE(text.find("6600000"), std::string::npos);
+    EXPECT_EQ(text.find("6700000"), std::string::npos);
+    EXPECT_EQ(NamesIn(rescue, "MAP_PROJECTION_DEFINITION", "Projection_Name"),
+              (std::vector<std::string>{"Site B", "Site C", "Clash Grid"}));
+    const std::string aside = kvtest::ReadFile(rescue);
+    EXPECT_NE(aside.find("From the second"), std::string::npos);
+    EXPECT_NE(aside.find("Edited by the second"), std::string::npos);
+    EXPECT_NE(aside.find("6700000"), std::string::npos);
+
+    // Both sessions go on: what was saved aside is not offered again, and later
+    // changes merge with the other session's.
+    second.AddMapProjection(lambert("Later Second", 6600000.0));
+    EXPECT_TRUE(second.WriteBackCustom(path, message));
+    EXPECT_EQ(message, "");
+    first.AddMapProjection(lambert("Later First", 6600000.0));
+    EXPECT_TRUE(first.WriteBackCustom(path, message));
+    EXPECT_EQ(message, "");
+    EXPECT_EQ(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name"),
+              (std::vector<std::string>{"Site B", "Site E", "Same Grid", "Clash Grid", "Only Second", "Later Second",
+                                        "Later First"}));
+    EXPECT_EQ(kvtest::ReadFile(rescue), aside);
+
+    // Ellipsoids by their ID: the same rule.
+    CKvEllipsoidList one, two;
+    one.ReadEllipsoids(user.File("custom_ellipsoid.gxr"), true);
+    two.ReadEllipsoids(user.File("custom_ellipsoid.gxr"), true);
+    one.AddEllipsoid(new CKvEllipsoid("One", "ONE", 6378000.0, 300.0));
+    one.AddEllipsoid(new CKvEllipsoid("Clash", "XX", 6378000.0, 300.0));
+    two.AddEllipsoid(new CKvEllipsoid("Two", "TWO", 6378000.0, 300.0));
+    two.AddEllipsoid(new CKvEllipsoid("Clash", "XX", 6378001.0, 300.0));
+    EXPECT_TRUE(one.WriteBackCustom(user.File("custom_ellipsoid.gxr"), message));
+    EXPECT_TRUE(two.WriteBackCustom(user.File("custom_ellipsoid.gxr"), message));
+    EXPECT_NE(message.find("'XX'"), std::string::npos) << message;
+    EXPECT_EQ(NamesIn(user.File("custom_ellipsoid.gxr"), "ELLIPSOID_DEFINITION", "ID_Code"),
+              (std::vector<std::string>{"ONE", "XX", "TWO"}));
+    EXPECT_EQ(kvtest::ReadFile(user.File("custom_ellipsoid.gxr")).find("6378001"), std::string::npos);
+    EXPECT_NE(kvtest::ReadFile(user.File("custom_ellipsoid.unsaved.gxr")).find("6378001"), std::string::npos);
+}
+
+// A file that another program changed into something the library cannot read
+// is not merged into: it stays as it is, and the session's changes are saved aside.
+TEST(CatalogueSafety, AFileSpoiledSinceItWasReadIsNotWrittenOver)
+{
+    kvtest::TempDir user;
+    const std::string path = user.File("custom_projection.gxr");
+    kvtest::WriteFile(path, FiveGrids(Grid("Site C")));
+    CKvMapProjectionList list;
+    list.InitMapProjections(KVCART_SHIPPED_DATA_DIR, user.Path());
+    list.AddMapProjection(
+        new CKvLambert2SPProjection("New Grid", "Site grids", "RF", 49.0, 44.0, 3.0, 46.5, 700000.0, 6600000.0));
+    const std::string spoiled = FiveGrids(Grid("Site C", "    Fnort 1000\n"));
+    kvtest::WriteFile(path + ".new", spoiled);
+    ASSERT_EQ(rename((path + ".new").c_str(), path.c_str()), 0);
+    std::string message;
+    EXPECT_TRUE(list.WriteBackCustom(path, message));
+    EXPECT_NE(message.find("changed by another program"), std::string::npos) << message;
+    EXPECT_NE(message.find("keyword 'Fnort' is not known"), std::string::npos) << message;
+    EXPECT_EQ(kvtest::ReadFile(path), spoiled);
+    EXPECT_EQ(NamesIn(user.File("custom_projection.unsaved.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
+              std::vector<std::string>{"New Grid"});
+}
+
+// A save that goes to the rescue file, or is lost, is told once: through the
+// error text when the host asks for it, else on standard error at exit.
+TEST(CatalogueSafety, ASaveThatCouldNotBeMadeIsToldOnce)
+{
+    const std::string header = "kvcart: the user catalogue was not updated";
+    {
+        SCOPED_TRACE("a full disk, a host that exits");
+        kvtest::TempDir user;
+        const std::string path = user.File("custom_projection.gxr");
+        kvtest::WriteFile(path, FiveGrids(Grid("Site C")));
+        const SResult r = Host(user.Path(), "--full-disk add-many 7");
+        EXPECT_EQ(r.status, 0);
+        EXPECT_EQ(Count(r.output, header), 1) << r.output;
+        EXPECT_EQ(Count(r.output, "No space left on device"), 1) << r.output;
+        EXPECT_EQ(
+            Count(r.output, "7 new or changed entries were saved in " + user.File("custom_projection.unsaved.gxr")), 1)
+            << r.output;
+        EXPECT_EQ(kvtest::ReadFile(path), FiveGrids(Grid("Site C")));
+        EXPECT_EQ(
+            NamesIn(user.File("custom_projection.unsaved.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name").size(),
+            7u);
     }
-    EXPECT_EQ(total, 5 + 200 + 201 + 202 + 203);
-    EXPECT_NE(kvtest::ReadFile(path).find("Site E"), std::string::npos);
-    for (const std::string& name : FilesIn(user.Path()))
-        EXPECT_TRUE(name == "custom_projection.gxr" || name == "custom_projection.unsaved.gxr") << name;
+    {
+        SCOPED_TRACE("a full disk, a host that asks");
+        kvtest::TempDir user;
+        kvtest::WriteFile(user.File("custom_projection.gxr"), FiveGrids(Grid("Site C")));
+        const SResult r = Host(user.Path(), "--full-disk add-many 7 writeback errors");
+        EXPECT_NE(r.output.find("writeback -1"), std::string::npos) << r.output;
+        EXPECT_EQ(Count(r.output, "No space left on device"), 1) << r.output;
+        EXPECT_EQ(Count(r.output, header), 0) << r.output;
+    }
+    {
+        SCOPED_TRACE("a file that did not read, a host that exits");
+        kvtest::TempDir user;
+        const std::string spoiled = FiveGrids(Grid("Site C", "    Fnort 1000\n"));
+        kvtest::WriteFile(user.File("custom_projection.gxr"), spoiled);
+        const SResult r = Host(user.Path(), "add 'New Grid'");
+        EXPECT_EQ(Count(r.output, header), 1) << r.output;
+        EXPECT_EQ(Count(r.output, "saved in " + user.File("custom_projection.unsaved.gxr")), 1) << r.output;
+        EXPECT_EQ(kvtest::ReadFile(user.File("custom_projection.gxr")), spoiled);
+    }
+    {
+        SCOPED_TRACE("the program, a save that is lost");
+        kvtest::TempDir user;
+        std::string grids;
+        for (int k = 0; k < 400; ++k)
+            grids += Grid("Site " + std::to_string(k));
+        const std::string text = "TARGET MAP_PROJECTION_DEFINITION\n" + grids + "END_TARGET\n";
+        kvtest::WriteFile(user.File("custom_projection.gxr"), text);
+        // No rescue file can be made either.
+        for (int attempt = 1; attempt <= 9; ++attempt)
+            ASSERT_EQ(mkdir(CKvUserCatalogue::RescueName(user.File("custom_projection.gxr"), attempt).c_str(), 0755),
+                      0);
+        const SResult r =
+            RunIn(user.Path(), "ulimit -f 40; trap '' XFSZ; " + std::string(KVCART_CLI) + " --catalogue '" +
+                                   KVCART_SHIPPED_DATA_DIR + "' --user-dir . add 'New Grid' UTM-32");
+        EXPECT_EQ(r.status, 1) << r.output;
+        EXPECT_EQ(Count(r.output, "write failed"), 1) << r.output;
+        EXPECT_EQ(Count(r.output, "is lost"), 1) << r.output;
+        EXPECT_EQ(kvtest::ReadFile(user.File("custom_projection.gxr")), text);
+    }
 }
 
 // A process killed while writing leaves its temporary file; the next writer
@@ -361,8 +729,8 @@ TEST(CatalogueSafety, KilledWritersLeaveNoTemporaryFilesBehind)
 
     Host(user.Path(), "add 'New Grid'");
     EXPECT_EQ(FilesIn(user.Path()),
-              (std::vector<std::string>{"custom_projection.gxr", "custom_projection.gxr.tmp." +
-                                                                     std::to_string(getpid()) + ".7"}));
+              (std::vector<std::string>{"custom_projection.gxr",
+                                        "custom_projection.gxr.tmp." + std::to_string(getpid()) + ".7"}));
     EXPECT_EQ(Count(kvtest::ReadFile(path), "  SECTION "), 6);
 }
 
