@@ -7,6 +7,7 @@
 #include "projections/KvProjection.h"
 #include "wkt/KvProjTranslator.h"
 
+#include <cmath>
 #include <cstring>
 #include <string>
 
@@ -194,6 +195,23 @@ extern "C" void C_KVMP_XYZ2GEO(KVMP_HANDLE handle, double X, double Y, double Z,
 extern "C" void C_KVMP_GETDEFAULTAREA(KVMP_HANDLE handle, double* x0, double* y0, double* x1, double* y1)
 {
     handle->GetDefaultArea(x0, y0, x1, y1);
+}
+
+extern "C" void C_KVMP_GETLINEARUNIT(KVMP_HANDLE handle, double* factor, int* status)
+{
+    if (status == nullptr)
+        return;
+    *status = -1;
+    if (handle == nullptr || factor == nullptr)
+        return;
+    *factor = 1.0;
+    double value = 0.0;
+    char name[CKvProjectionInfo::UnitNameSize] = "";
+    if (!handle->IsGeographical() && handle->GetUnit(CKvMapProjection::eProjUnit, &value, name) &&
+        std::isfinite(value) && value > 0.0) {
+        *factor = value;
+        *status = 0;
+    }
 }
 
 /* Local site grids */

@@ -107,6 +107,13 @@ double C_KVMP_GETCONVERGENCE(KVMP_HANDLE handle, double lon, double lat);
 void C_KVMP_GEO2XYZ(KVMP_HANDLE handle, double lon, double lat, double h, double* X, double* Y, double* Z);
 void C_KVMP_XYZ2GEO(KVMP_HANDLE handle, double X, double Y, double Z, double* lon, double* lat, double* h);
 void C_KVMP_GETDEFAULTAREA(KVMP_HANDLE handle, double* x0, double* y0, double* x1, double* y1);
+/* The linear unit of a projected system's coordinates in metres per unit
+ * (1200/3937 for US survey feet, 1 for metres): *status 0 and the factor when
+ * the system is projected and names its unit, else -1 and 1 (a geographical
+ * system, no unit named, a NULL handle or factor). The engines work in metres
+ * whatever the unit: a host whose coordinates are in the system's unit
+ * multiplies projected input by the factor and divides projected output by it. */
+void C_KVMP_GETLINEARUNIT(KVMP_HANDLE handle, double* factor, int* status);
 
 /* How WKT is read where its established reading and the EPSG registry's
  * definition part: a Transverse_Mercator_South_Orientated text without

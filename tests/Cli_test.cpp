@@ -856,4 +856,31 @@ TEST(Cli, TheCatalogueReportsTheUnitOfItsStatePlanes)
     ASSERT_NE(metres.GetProjection(), nullptr);
     EXPECT_TRUE(metres.GetUnit(CKvMapProjection::eProjUnit, &factor, name));
     EXPECT_EQ(factor, 1.0);
+
+    // The same through the C interface; geographical systems have none.
+    const struct
+    {
+        const char* system;
+        double factor;
+        int status;
+    } cases[] = {{"NAD27 / Alabama East", 1200.0 / 3937.0, 0},
+                 {"NAD83 / Alabama East", 1.0, 0},
+                 {"LONG/LAT", 1.0, -1},
+                 {"GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\",6378137,298.257223563]],"
+                  "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]",
+                  1.0, -1}};
+    for (const auto& c : cases) {
+        KVMP_HANDLE handle = nullptr;
+        int status = 1;
+        C_KVMP_CREATE(c.system, &handle, &status);
+        ASSERT_EQ(status, 0) << c.system;
+        factor = 0.0;
+        C_KVMP_GETLINEARUNIT(handle, &factor, &status);
+        EXPECT_EQ(status, c.status) << c.system;
+        EXPECT_EQ(factor, c.factor) << c.system;
+        C_KVMP_DESTROY(&handle, &status);
+    }
+    int status = 1;
+    C_KVMP_GETLINEARUNIT(nullptr, &factor, &status);
+    EXPECT_EQ(status, -1);
 }
