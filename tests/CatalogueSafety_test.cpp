@@ -686,6 +686,54 @@ TEST(CatalogueSafety, ASaveThatCouldNotBeMadeIsToldOnce)
     }
 }
 
+// The program's user directory: created as named and nowhere else, used from a
+// working directory the user cannot write, and never the working directory by
+// default: without HOME (and XDG_CONFIG_HOME) the program asks for one.
+TEST(CatalogueSafety, TheProgramsUserDirectoryIsWhereItIsNamed)
+{
+    kvtest::TempDir work;
+    const std::string program = std::string(KVCART_CLI) + " --catalogue '" + KVCART_SHIPPED_DATA_DIR + "' ";
+    SResult r = RunIn(work.Path(), program + "add 'Site Grid' UTM-32 --user-dir mycat/sub");
+    EXPECT_EQ(r.status, 0) << r.output;
+    EXPECT_EQ(FilesIn(work.Path()), std::vector<std::string>{"mycat"});
+    EXPECT_EQ(FilesIn(work.File("mycat")), std::vector<std::string>{"sub"});
+    EXPECT_EQ(NamesIn(work.File("mycat/sub/custom_projection.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
+              std::vector<std::string>{"Site Grid"});
+
+    // The directory exists; the working directory is read-only to this user.
+    kvtest::TempDir readOnly;
+    ASSERT_EQ(mkdir(readOnly.File("mycat").c_str(), 0777), 0);
+    ASSERT_EQ(mkdir(readOnly.File("mycat/sub").c_str(), 0777), 0);
+    chmod(readOnly.File("mycat/sub").c_str(), 0777);
+    chmod(readOnly.Path().c_str(), 0555);
+    r = RunIn(readOnly.Path(), program + "add 'Second Grid' UTM-33 --user-dir mycat/sub", true);
+    EXPECT_EQ(r.status, 0) << r.output;
+    r = RunIn(readOnly.Path(), program + "add 'Third Grid' UTM-34 --user-dir '" + readOnly.File("mycat/sub") + "'",
+              true);
+    EXPECT_EQ(r.status, 0) << r.output;
+    chmod(readOnly.Path().c_str(), 0755);
+    EXPECT_EQ(FilesIn(readOnly.Path()), std::vector<std::string>{"mycat"});
+    EXPECT_EQ(NamesIn(readOnly.File("mycat/sub/custom_projection.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
+              (std::vector<std::string>{"Second Grid", "Third Grid"}));
+
+    for (const char* environment : {"env -u HOME -u XDG_CONFIG_HOME ", "env -u XDG_CONFIG_HOME HOME= ",
+                                    "env -u HOME XDG_CONFIG_HOME=relative ", "env -u XDG_CONFIG_HOME HOME=. "}) {
+        SCOPED_TRACE(environment);
+        for (const char* command : {"add 'Site Grid' UTM-32", "list"}) {
+            r = RunIn(work.Path(), environment + program + command);
+            EXPECT_EQ(r.status, 2) << r.output;
+            EXPECT_NE(r.output.find("HOME"), std::string::npos) << r.output;
+            EXPECT_NE(r.output.find("--user-dir"), std::string::npos) << r.output;
+            EXPECT_EQ(FilesIn(work.Path()), std::vector<std::string>{"mycat"});
+        }
+    }
+    r = RunIn(work.Path(),
+              "env -u HOME XDG_CONFIG_HOME='" + work.File("config") + "' " + program + "add 'Site Grid' UTM-32");
+    EXPECT_EQ(r.status, 0) << r.output;
+    EXPECT_EQ(NamesIn(work.File("config/kvcart/custom_projection.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
+              std::vector<std::string>{"Site Grid"});
+}
+
 // A process killed while writing leaves its temporary file; the next writer
 // removes it, and the old file is complete all along.
 TEST(CatalogueSafety, KilledWritersLeaveNoTemporaryFilesBehind)

@@ -256,15 +256,24 @@ std::string WithSlash(std::string directory)
     return directory;
 }
 
-// mkdir -p, for the user directory.
+// mkdir -p, for the user directory: each directory of the path from the first
+// ("a" of "a/b/", never a leading "/" alone). A directory that exists is used as
+// it is, whoever may write the directories above it.
 bool MakeDirectories(const std::string& directory)
 {
-    for (size_t slash = 1; slash != std::string::npos; slash = directory.find('/', slash + 1)) {
-        const std::string prefix = directory.substr(0, slash);
-        if (!prefix.empty() && ::mkdir(prefix.c_str(), 0777) != 0 && errno != EEXIST)
-            return false;
-    }
     struct stat st;
+    if (::stat(directory.c_str(), &st) == 0) {
+        if (S_ISDIR(st.st_mode))
+            return true;
+        errno = ENOTDIR;
+        return false;
+    }
+    for (size_t slash = directory.find('/', 1);; slash = directory.find('/', slash + 1)) {
+        if (::mkdir(directory.substr(0, slash).c_str(), 0777) != 0 && errno != EEXIST)
+            return false;
+        if (slash == std::string::npos)
+            break;
+    }
     return ::stat(directory.c_str(), &st) == 0 && S_ISDIR(st.st_mode);
 }
 
@@ -367,11 +376,16 @@ std::string CKvCliCommands::FindCatalogue(const std::string& programPath)
 
 std::string CKvCliCommands::DefaultUserDirectory()
 {
+    // The XDG base directories are absolute paths (a relative one is ignored).
+    // A HOME that is unset, empty or relative would put the user's catalogue in
+    // whatever the working directory happens to be: there is no default then.
     const char* xdg = std::getenv("XDG_CONFIG_HOME");
     if (xdg != nullptr && xdg[0] == '/')
         return WithSlash(xdg) + "kvcart/";
     const char* home = std::getenv("HOME");
-    return WithSlash(home != nullptr && home[0] != '\0' ? home : ".") + ".config/kvcart/";
+    if (home != nullptr && home[0] == '/')
+        return WithSlash(home) + ".config/kvcart/";
+    return std::string();
 }
 
 int CKvCliCommands::_usage(const std::string& message) const
@@ -454,7 +468,17 @@ bool CKvCliCommands::_readCatalogue()
             return false;
         }
     }
+    // Every command may name the user's definitions, so none runs without
+    // knowing where they are.
     m_userDirectory = m_args.Has("user-dir") ? WithSlash(m_args.GetValue("user-dir")) : DefaultUserDirectory();
+    if (m_userDirectory.empty()) {
+        std::fprintf(m_err, "kvcart: %s\n",
+                     m_args.Has("user-dir") ? "--user-dir names no directory"
+                                            : "the user's catalogue has no directory: HOME is not set to an "
+                                              "absolute directory (nor XDG_CONFIG_HOME); set HOME or pass "
+                                              "--user-dir DIR");
+        return false;
+    }
     CKvCartSetup* setup = CKvCartSetup::Instance();
     setup->ReadData(m_catalogueDirectory, m_userDirectory);
     // The catalogue's own problems are reported by check; the user's file matters
@@ -985,21 +1009,26 @@ int CKvCliCommands::_check()
 
 bool CKvCliCommands::_saveUserCatalogue()
 {
-    // A user file that did not read cleanly is not written over: the library
-    // saves the edit to a rescue file beside it and says so. Either way the
-    // catalogue file itself was not updated, which is a failure here.
+    // The library merges the edit with what other programs saved since the
+    // catalogue was read. A user file that did not read cleanly is not written
+    // over, and an entry that another program changed differently keeps that
+    // version: the library saves the edit to a rescue file beside it and says so.
+    // Either way the catalogue file itself was not updated, which is a failure
+    // here. Having asked for the message, the program prints it, and the library
+    // does not repeat it at exit.
     CKvCartSetup* setup = CKvCartSetup::Instance();
-    if (!MakeDirectories(m_userDirectory)) {
+    const bool directory = MakeDirectories(m_userDirectory);
+    if (!directory)
         std::fprintf(m_err, "kvcart: cannot create the user directory '%s': %s\n", m_userDirectory.c_str(),
                      std::strerror(errno));
-        return false;
-    }
     const size_t known = setup->GetLastError().size();
     const bool saved = setup->WriteBack();
-    const std::string message = setup->GetLastError().substr(std::min(known, setup->GetLastError().size()));
-    if (saved && message.empty())
+    const std::string error = setup->GetLastError();
+    const std::string message = error.substr(std::min(known, error.size()));
+    if (directory && saved && message.empty())
         return true;
-    std::fprintf(m_err, "kvcart: the user catalogue was not updated:\n%s", message.c_str());
+    if (!message.empty())
+        std::fprintf(m_err, "kvcart: the user catalogue was not updated:\n%s", message.c_str());
     return false;
 }
 

@@ -38,7 +38,8 @@ public:
     // the program, else the source checkout's data/ (a build tree), else the
     // configured installation's; "" when none holds a catalogue. Ends with "/".
     static std::string FindCatalogue(const std::string& programPath);
-    // $XDG_CONFIG_HOME/kvcart/, else $HOME/.config/kvcart/; ends with "/".
+    // $XDG_CONFIG_HOME/kvcart/, else $HOME/.config/kvcart/; ends with "/". ""
+    // when neither is an absolute path.
     static std::string DefaultUserDirectory();
 
 private:
