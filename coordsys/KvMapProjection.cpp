@@ -32,12 +32,6 @@ bool IsEmptyText(const char* text)
 
 } // namespace
 
-namespace {
-
-constexpr double kPi = 3.141592653589793;
-
-} // namespace
-
 CKvMapProjection::CKvMapProjection(const char* text) : m_pProjection(nullptr)
 {
     _construct(text != nullptr ? text : "");
@@ -74,15 +68,12 @@ void CKvMapProjection::_construct(const char* text)
 
 void CKvMapProjection::_takeFigure()
 {
-    m_figure = SFigure();
-    if (m_pProjection == nullptr)
-        return;
+    // An engine without an ellipsoid (LONG/LAT) has no geocentric coordinates:
+    // the figure stays none and the conversions give NaN, not numbers from the
+    // placeholder figure that GetAnonymousEllipsoid leaves.
     CKvEllipsoid ellipsoid;
-    m_pProjection->GetAnonymousEllipsoid(ellipsoid);
-    m_figure.a = ellipsoid.GetMajor();
-    m_figure.b = ellipsoid.GetMinor();
-    m_figure.f = ellipsoid.GetFlatness();
-    m_figure.e2 = ellipsoid.GetEccentricity() * ellipsoid.GetEccentricity();
+    const bool known = m_pProjection != nullptr && m_pProjection->GetAnonymousEllipsoid(ellipsoid);
+    m_figure = known ? CKvGeocentric(ellipsoid) : CKvGeocentric();
 }
 
 CKvMapProjection::CKvMapProjection(const CKvMapProjection& other) : m_pProjection(nullptr)
@@ -247,34 +238,14 @@ int CKvMapProjection::GetCoordSysType() const
 
 void CKvMapProjection::Geo2XYZ(double lon, double lat, double h, double* X, double* Y, double* Z) const
 {
-    if (m_pProjection == nullptr)
-        return;
-    const double a = m_figure.a, e2 = m_figure.e2;
-    const double phi = lat * kPi / 180.0, lambda = lon * kPi / 180.0;
-    const double sinPhi = std::sin(phi);
-    const double N = a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
-    *X = (N + h) * std::cos(phi) * std::cos(lambda);
-    *Y = (N + h) * std::cos(phi) * std::sin(lambda);
-    *Z = (N * (1.0 - e2) + h) * sinPhi;
+    if (m_pProjection != nullptr)
+        m_figure.Forward(lon, lat, h, *X, *Y, *Z);
 }
 
 void CKvMapProjection::XYZ2Geo(double X, double Y, double Z, double* lon, double* lat, double* h) const
 {
-    if (m_pProjection == nullptr)
-        return;
-    const double a = m_figure.a, b = m_figure.b, f = m_figure.f, e2 = m_figure.e2;
-    // Bowring (1976), one step from the parametric latitude.
-    const double p = std::sqrt(X * X + Y * Y);
-    const double r = std::sqrt(p * p + Z * Z);
-    const double u = std::atan((Z / p) * ((1.0 - f) + e2 * a / r));
-    const double lambda = std::atan2(Y, X);
-    const double ep2 = (a * a - b * b) / (b * b);
-    const double sinU = std::sin(u), cosU = std::cos(u);
-    const double phi = std::atan((Z + ep2 * b * sinU * sinU * sinU) / (p - e2 * a * cosU * cosU * cosU));
-    const double sinPhi = std::sin(phi);
-    *h = p / std::cos(phi) - a / std::sqrt(1.0 - e2 * sinPhi * sinPhi);
-    *lon = lambda * 180.0 / kPi;
-    *lat = phi * 180.0 / kPi;
+    if (m_pProjection != nullptr)
+        m_figure.Inverse(X, Y, Z, *lon, *lat, *h);
 }
 
 bool CKvMapProjection::_geodesicEllipsoid(CKvEllipsoid& ellipsoid) const

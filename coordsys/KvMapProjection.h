@@ -4,6 +4,7 @@
 #include "catalogue/KvEllipsoid.h"
 #include "catalogue/KvEllipsoidList.h"
 #include "coordsys/KvProjectionInfo.h"
+#include "geodesy/KvGeocentric.h"
 
 #include <cstddef>
 
@@ -93,7 +94,11 @@ public:
     // 4 x first axis type + second axis type: 1 for easting/northing.
     int GetCoordSysType() const;
     // Geocentric coordinates on the engine's ellipsoid (metres), and back by
-    // Bowring's method (one step).
+    // Bowring's method (one step), in CKvGeocentric's domain: NaN in every
+    // output for a latitude beyond +-90, a longitude that is no number, a
+    // height below a quarter of the semi-major axis under the ellipsoid or
+    // above 1e12 m, and for an engine without an ellipsoid; the polar axis is
+    // a pole. A system that did not resolve leaves the outputs untouched.
     void Geo2XYZ(double lon, double lat, double h, double* X, double* Y, double* Z) const;
     void XYZ2Geo(double X, double Y, double Z, double* lon, double* lat, double* h) const;
     // The inverse and direct geodesic problems (Vincenty) on the engine's
@@ -205,18 +210,14 @@ private:
     bool _geodesicEllipsoid(CKvEllipsoid& ellipsoid) const;
 
     CKvProjection* m_pProjection;
-    // The engine's figure, taken once so that geocentric conversions, which the
-    // datum converter runs per point, neither copy an ellipsoid nor allocate.
+    // The engine's figure, taken once so that geocentric conversions neither
+    // copy an ellipsoid nor allocate; none when the engine has no ellipsoid.
     void _takeFigure();
-    struct SFigure
-    {
-        double a = 0.0, b = 0.0, f = 0.0, e2 = 0.0;
-    };
 
     CKvProjectionInfo m_info;
     std::string m_projectionString;
     std::string m_message;
-    SFigure m_figure;
+    CKvGeocentric m_figure;
 };
 
 #endif

@@ -5,7 +5,9 @@
 class CKvCartDef
 {
 public:
-    enum ETypeOfDatumShift
+    // Int-based, so that any integer brought in is a value of the type, which
+    // the functions taking it check.
+    enum ETypeOfDatumShift : int
     {
         eNoDatumShift = 0,
         eThreeParameters = 1,  // translation only

@@ -2,11 +2,14 @@
 
 #include "catalogue/KvEllipsoid.h"
 #include "coordsys/KvMapProjection.h"
+#include "projections/KvAngle.h"
 #include "projections/KvBatch.h"
 #include "projections/KvProjection.h"
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
+#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -68,6 +71,16 @@ void RemoveShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X,
     }
 }
 
+// Geographical output is a point or NaN in both coordinates: where no engine
+// nor geocentric step has looked at it (a bypassed conversion from degrees to
+// degrees), a latitude beyond the poles or a longitude that is no number would
+// otherwise pass as it came.
+inline void KeepPoint(double& lon, double& lat)
+{
+    if (!CKvAngle::IsPoint(lon, lat))
+        lon = lat = std::nan("");
+}
+
 } // namespace
 
 CKvDatumConverter::CKvDatumConverter(const char* source, const char* target)
@@ -111,17 +124,31 @@ void CKvDatumConverter::_init()
     m_local = CKvMapProjection::IsLocal(m_pSource->GetName()) || CKvMapProjection::IsLocal(m_pTarget->GetName());
     m_conversionType = eProjToProj;
     CKvEllipsoid sourceEllipsoid, targetEllipsoid;
-    const bool known = EllipsoidOf(m_pSource, sourceEllipsoid) && EllipsoidOf(m_pTarget, targetEllipsoid);
+    const bool sourceKnown = EllipsoidOf(m_pSource, sourceEllipsoid);
+    const bool targetKnown = EllipsoidOf(m_pTarget, targetEllipsoid);
+    m_sourceOwn = sourceKnown ? CKvGeocentric(sourceEllipsoid) : CKvGeocentric();
+    m_targetOwn = targetKnown ? CKvGeocentric(targetEllipsoid) : CKvGeocentric();
+    m_sameEllipsoid = sourceKnown && targetKnown && sourceEllipsoid.IsEquivalent(targetEllipsoid);
     m_sourceType = TakeShift(m_pSource, m_sourceShift);
     m_targetType = TakeShift(m_pTarget, m_targetShift);
-    if (known) {
-        m_sameEllipsoid = sourceEllipsoid.IsEquivalent(targetEllipsoid);
-        m_bypass = m_sameEllipsoid && m_sourceType == eNoDatumShift && m_targetType == eNoDatumShift;
-    } else {
-        // Without a figure on one side there is nothing to shift between.
-        m_sameEllipsoid = true;
-        m_bypass = true;
-    }
+    _settle();
+}
+
+void CKvDatumConverter::_settle()
+{
+    const bool sourceShifted = m_sourceType != eNoDatumShift, targetShifted = m_targetType != eNoDatumShift;
+    // A side without an ellipsoid and without a shift of its own is WGS 84 when
+    // the other side has a shift: the datum that shift leads to. A side without
+    // an ellipsoid but with a shift keeps its missing figure, and its points
+    // come out NaN: the shift of an unknown figure places nothing.
+    m_sourceFigure = m_sourceOwn.HasFigure() || sourceShifted || !targetShifted ? m_sourceOwn : CKvGeocentric::Wgs84();
+    m_targetFigure = m_targetOwn.HasFigure() || targetShifted || !sourceShifted ? m_targetOwn : CKvGeocentric::Wgs84();
+    if (m_sourceOwn.HasFigure() && m_targetOwn.HasFigure())
+        m_bypass = m_sameEllipsoid && !sourceShifted && !targetShifted;
+    else
+        // Without a figure on a side and without any shift there is nothing to
+        // shift between; with a shift the geocentric step always runs.
+        m_bypass = !sourceShifted && !targetShifted;
     m_bypassDefault = m_bypass;
 }
 
@@ -140,6 +167,10 @@ void CKvDatumConverter::_copy(const CKvDatumConverter& other)
     }
     m_ownsSystems = other.m_ownsSystems;
     m_conversionType = other.m_conversionType;
+    m_sourceOwn = other.m_sourceOwn;
+    m_targetOwn = other.m_targetOwn;
+    m_sourceFigure = other.m_sourceFigure;
+    m_targetFigure = other.m_targetFigure;
     m_sameEllipsoid = other.m_sameEllipsoid;
     m_bypass = other.m_bypass;
     m_bypassDefault = other.m_bypassDefault;
@@ -177,15 +208,15 @@ void CKvDatumConverter::_geocentric(double& lon, double& lat, double& h, bool fo
 {
     if (m_bypass)
         return;
-    const CKvMapProjection* from = forward ? m_pSource : m_pTarget;
-    const CKvMapProjection* to = forward ? m_pTarget : m_pSource;
+    const CKvGeocentric& from = forward ? m_sourceFigure : m_targetFigure;
+    const CKvGeocentric& to = forward ? m_targetFigure : m_sourceFigure;
     double X = 0.0, Y = 0.0, Z = 0.0;
-    from->Geo2XYZ(lon, lat, h, &X, &Y, &Z);
+    from.Forward(lon, lat, h, X, Y, Z);
     if (forward)
         DatumShift(X, Y, Z);
     else
         InvDatumShift(X, Y, Z);
-    to->XYZ2Geo(X, Y, Z, &lon, &lat, &h);
+    to.Inverse(X, Y, Z, lon, lat, h);
 }
 
 CKvDatumConverter::SEnds CKvDatumConverter::_ends(bool forward) const
@@ -213,6 +244,7 @@ void CKvDatumConverter::_convert(double& x, double& y, double& h, bool forward) 
     if (projectedOut) {
         to->Geo2Proj(lon, lat, &x, &y);
     } else {
+        KeepPoint(lon, lat);
         x = lon;
         y = lat;
     }
@@ -240,21 +272,50 @@ void CKvDatumConverter::InvConvert(double& x, double& y, double& h) const
     _convert(x, y, h, false);
 }
 
+bool CKvDatumConverter::IsConversionType(int type)
+{
+    return type >= eProjToProj && type <= eGeoToGeo;
+}
+
+bool CKvDatumConverter::IsShift(int type, const double* parameters)
+{
+    if (type == eNoDatumShift)
+        return true;
+    const int count = type == eThreeParameters ? 3 : type == eSevenParameters ? CKvDatumShift::NoOfParameters : 0;
+    if (count == 0 || parameters == nullptr)
+        return false;
+    return std::all_of(parameters, parameters + count, [](double value) { return std::isfinite(value); });
+}
+
+void CKvDatumConverter::SetConversionType(ETypeOfConversion type)
+{
+    if (!IsConversionType(type))
+        throw std::invalid_argument("datum converter: the conversion type must be 0 to 3");
+    m_conversionType = type;
+}
+
 bool CKvDatumConverter::SetDatumShift(ETypeOfDatumShift type, const double* parameters, bool source)
 {
+    if (!IsShift(type, parameters))
+        throw std::invalid_argument("datum converter: a datum shift takes type 0, or type 1 or 2 with 3 or 7 finite "
+                                    "values");
     double* shift = source ? m_sourceShift : m_targetShift;
     (source ? m_sourceType : m_targetType) = type;
+    // Values a type does not read stay zero, as TakeShift leaves them.
+    std::fill(shift, shift + CKvDatumShift::NoOfParameters, 0.0);
     if (type == eThreeParameters)
         std::copy(parameters, parameters + 3, shift);
     else if (type == eSevenParameters)
         std::copy(parameters, parameters + CKvDatumShift::NoOfParameters, shift);
-    m_bypass = m_sameEllipsoid && m_sourceType == eNoDatumShift && m_targetType == eNoDatumShift;
+    _settle();
     return m_bypass;
 }
 
 void CKvDatumConverter::InvertOrder()
 {
     std::swap(m_pSource, m_pTarget);
+    std::swap(m_sourceOwn, m_targetOwn);
+    std::swap(m_sourceFigure, m_targetFigure);
     if (m_conversionType == eProjToGeo)
         m_conversionType = eGeoToProj;
     else if (m_conversionType == eGeoToProj)
@@ -308,6 +369,8 @@ void CKvDatumConverter::_convert(std::size_t n, double* x, double* y, double* h,
         if (projectedOut) {
             to->Geo2Proj(count, lon, lat, bx, by);
         } else {
+            for (std::size_t i = 0; i < count; ++i)
+                KeepPoint(lon[i], lat[i]);
             std::copy(lon, lon + count, bx);
             std::copy(lat, lat + count, by);
         }

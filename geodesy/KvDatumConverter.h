@@ -3,6 +3,7 @@
 
 #include "geodesy/KvCartDef.h"
 #include "geodesy/KvDatumShift.h"
+#include "geodesy/KvGeocentric.h"
 
 #include <cstddef>
 
@@ -14,10 +15,23 @@ class CKvMapProjection;
 // the target's. The shifts are the small-angle Helmert transformation in its
 // position-vector form (EPSG method 9606); the inverse uses the transposed
 // rotation, so forward and inverse agree to first order in the rotations.
+//
+// A side without an ellipsoid ("LONG/LAT") and without a shift of its own is
+// WGS 84 when the other side has a shift: the datum every shift leads to (the
+// shift is never skipped). Without a shift on either side there is nothing to
+// shift between and such a converter only projects (bypassed). A side without
+// an ellipsoid that has a shift of its own has no geocentric coordinates: its
+// points come out NaN.
+//
+// The geocentric step keeps to CKvGeocentric's domain: a latitude beyond +-90,
+// a longitude that is no number, or a height below a quarter of the semi-major
+// axis under the ellipsoid or above 1e12 m gives NaN in every output.
 class CKvDatumConverter : public CKvCartDef
 {
 public:
-    enum ETypeOfConversion
+    // Int-based, so that any integer brought in is a value of the type, which
+    // SetConversionType checks.
+    enum ETypeOfConversion : int
     {
         eProjToProj = 0, // source x/y to target x/y
         eProjToGeo = 1,  // source x/y to target lon/lat
@@ -48,11 +62,22 @@ public:
     void DatumShift(double& X, double& Y, double& Z) const;
     void InvDatumShift(double& X, double& Y, double& Z) const;
 
-    void SetConversionType(ETypeOfConversion type) { m_conversionType = type; }
+    // Throws std::invalid_argument, leaving the converter as it was, for a
+    // value that is none of the four types (IsConversionType).
+    void SetConversionType(ETypeOfConversion type);
     ETypeOfConversion GetConversionType() const { return m_conversionType; }
     // Replaces one side's shift: 3 or 7 values, rotations already in radians and
-    // the scale as a plain correction (not ppm). Returns the new bypass flag.
+    // the scale as a plain correction (not ppm); none takes no values (parameters
+    // may be null). Recomputes the bypass flag, and the flag ResetBypassXYZ goes
+    // back to, from the shifts as they now are, and returns it. Throws
+    // std::invalid_argument, leaving the converter as it was, for what IsShift
+    // refuses.
     bool SetDatumShift(ETypeOfDatumShift type, const double* parameters, bool source);
+    // 0 to 3, the values of ETypeOfConversion.
+    static bool IsConversionType(int type);
+    // A type of ETypeOfDatumShift with, for 3 or 7 parameters, that many finite
+    // values (a 3-parameter shift reads only the first three).
+    static bool IsShift(int type, const double* parameters);
     bool GetBypassXYZ() const { return m_bypass; }
     void BypassXYZ() { m_bypass = true; }
     void ResetBypassXYZ() { m_bypass = m_bypassDefault; }
@@ -68,6 +93,9 @@ protected:
     void _dealloc();
 
 private:
+    // The figures of the geocentric step and the bypass flags, from the
+    // systems' own figures and the shifts as they are.
+    void _settle();
     // lon/lat/h of the source through geocentric coordinates to the target (forward).
     void _geocentric(double& lon, double& lat, double& h, bool forward) const;
     // The system read and the system written, and whether each side is projected.
@@ -84,6 +112,10 @@ private:
     CKvMapProjection* m_pSource;
     CKvMapProjection* m_pTarget;
     ETypeOfConversion m_conversionType;
+    // Each system's own figure (none without an ellipsoid), and the one the
+    // geocentric step uses (WGS 84 in its place by the rule above).
+    CKvGeocentric m_sourceOwn, m_targetOwn;
+    CKvGeocentric m_sourceFigure, m_targetFigure;
     bool m_sameEllipsoid;
     bool m_bypass;
     bool m_bypassDefault;

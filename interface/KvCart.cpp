@@ -336,7 +336,9 @@ extern "C" void C_KVDC_INVDATUMSHIFT(KVDC_HANDLE handle, double* X, double* Y, d
 
 extern "C" void C_KVDC_SETCONVERSIONTYPE(KVDC_HANDLE handle, int type)
 {
-    handle->SetConversionType(static_cast<CKvDatumConverter::ETypeOfConversion>(type));
+    // Checked before it becomes a type: any other value leaves the converter as it was.
+    if (CKvDatumConverter::IsConversionType(type))
+        handle->SetConversionType(static_cast<CKvDatumConverter::ETypeOfConversion>(type));
 }
 
 extern "C" int C_KVDC_GETBYPASSXYZ(KVDC_HANDLE handle)
@@ -356,6 +358,10 @@ extern "C" void C_KVDC_RESETBYPASSXYZ(KVDC_HANDLE handle)
 
 extern "C" int C_KVDC_SETDATUMSHIFT(KVDC_HANDLE handle, int type, double* params, int flag)
 {
+    // Refused (-1, the converter as it was) before anything is cast or read:
+    // an unknown type, missing values, a value that is not finite.
+    if (!CKvDatumConverter::IsShift(type, params))
+        return -1;
     return handle->SetDatumShift(static_cast<CKvCartDef::ETypeOfDatumShift>(type), params, flag != 0) ? 1 : 0;
 }
 

@@ -154,7 +154,12 @@ void C_KVC_XY2PROJ(KVC_HANDLE handle, double x, double y, double* X, double* Y);
  * C_KVMP_CREATE). Conversion types: 0 projected to projected, 1 projected to
  * geographical, 2 geographical to projected, 3 geographical to geographical.
  * Coordinates are converted in place; the datum shifts are those of the two
- * systems' TOWGS84 (position vector, arc-seconds, ppm). */
+ * systems' TOWGS84 (position vector, arc-seconds, ppm). A side without an
+ * ellipsoid ("LONG/LAT") and without a shift of its own is WGS 84 when the
+ * other side has a shift; one with a shift of its own gives NaN. A latitude
+ * beyond +-90, a longitude that is not finite, or (when the datums differ) a
+ * height below a quarter of the semi-major axis under the ellipsoid or above
+ * 1e12 m gives NaN in every output. */
 void C_KVDC_CREATE(const char* source, const char* target, KVDC_HANDLE* handle, int* status);
 void C_KVDC_DESTROY(KVDC_HANDLE* handle, int* status);
 void C_KVDC_CONVERTXY(KVDC_HANDLE handle, double* x, double* y);
@@ -167,13 +172,17 @@ void C_KVDC_CONVERTXYH_N(KVDC_HANDLE handle, size_t n, double* x, double* y, dou
 /* Source-geocentric to target-geocentric metres, and back. */
 void C_KVDC_DATUMSHIFT(KVDC_HANDLE handle, double* X, double* Y, double* Z);
 void C_KVDC_INVDATUMSHIFT(KVDC_HANDLE handle, double* X, double* Y, double* Z);
+/* A type other than 0 to 3 is ignored: the converter keeps its type. */
 void C_KVDC_SETCONVERSIONTYPE(KVDC_HANDLE handle, int type);
 int C_KVDC_GETBYPASSXYZ(KVDC_HANDLE handle);
 void C_KVDC_BYPASSXYZ(KVDC_HANDLE handle);
 void C_KVDC_RESETBYPASSXYZ(KVDC_HANDLE handle);
-/* Replaces the source (flag != 0) or target shift: type 1 takes 3 values, type 2
- * seven, with the rotations in radians and the scale as a plain correction
- * (not ppm). Returns the new bypass flag. */
+/* Replaces the source (flag != 0) or target shift: type 0 none (params may be
+ * NULL), type 1 takes 3 values, type 2 seven, with the rotations in radians
+ * and the scale as a plain correction (not ppm). Returns the new bypass flag
+ * (0 or 1; C_KVDC_RESETBYPASSXYZ returns to it), or -1 for another type, NULL
+ * params with type 1 or 2, or a value among those read that is not finite:
+ * the converter is then left as it was. */
 int C_KVDC_SETDATUMSHIFT(KVDC_HANDLE handle, int type, double* params, int flag);
 void C_KVDC_INVERTORDER(KVDC_HANDLE handle);
 

@@ -104,6 +104,13 @@ public:
     // ellipsoid: the engines answer it with NaN, as PROJ does.
     static bool IsLatitude(double latDegrees) { return std::fabs(latDegrees) <= 90.0; }
 
+    // A point of the ellipsoid: such a latitude and a finite longitude of any
+    // size (540 is a longitude; NaN and infinities are none).
+    static bool IsPoint(double lonDegrees, double latDegrees)
+    {
+        return IsLatitude(latDegrees) && std::isfinite(lonDegrees);
+    }
+
     // The forward guard of the engines: a latitude off the ellipsoid gives NaN
     // for both coordinates, and false.
     static bool GuardForward(double latDegrees, double* x, double* y)

@@ -1,5 +1,9 @@
 #include "projections/KvGeographical.h"
 
+#include "projections/KvAngle.h"
+
+#include <cmath>
+
 CKvGeographical::CKvGeographical(const CKvGeographicalProjection* definition) : CKvEngine(*definition) {}
 
 CKvGeographical::CKvGeographical(const std::string& name, const CKvEllipsoid& ellipsoid)
@@ -9,14 +13,24 @@ CKvGeographical::CKvGeographical(const std::string& name, const CKvEllipsoid& el
 
 void CKvGeographical::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
-    *x = lon;
-    *y = lat;
+    // A latitude beyond the poles or a longitude that is no number is no
+    // point: NaN for both coordinates, as every projection answers it.
+    if (CKvAngle::IsPoint(lon, lat)) {
+        *x = lon;
+        *y = lat;
+    } else {
+        *x = *y = std::nan("");
+    }
 }
 
 void CKvGeographical::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    *lon = x;
-    *lat = y;
+    if (CKvAngle::IsPoint(x, y)) {
+        *lon = x;
+        *lat = y;
+    } else {
+        *lon = *lat = std::nan("");
+    }
 }
 
 void CKvGeographical::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const

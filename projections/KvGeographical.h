@@ -6,7 +6,9 @@
 
 #include <string>
 
-// Longitude/latitude: the identity. Nothing is wrapped or clamped.
+// Longitude/latitude: the identity on the points of the ellipsoid. Nothing is
+// wrapped or clamped; a latitude beyond +-90 or a longitude that is not finite
+// (NaN, infinite) gives NaN for both coordinates.
 class CKvGeographical : public CKvEngine<CKvGeographical, CKvGeographicalProjection>
 {
 public:

@@ -214,6 +214,9 @@ double CKvTransverseMercator::GetConvergence(double lon, double lat) const
 {
     if (m_bLocal)
         return 0.0;
+    // Beyond the poles the series would give a finite angle of no meridian.
+    if (!CKvAngle::IsLatitude(lat))
+        return std::nan("");
     return CKvTransverseMercatorSeries::Convergence(m_k0 * m_a, m_k0 * m_b, (lon - m_lambda0) * kDeg, lat * kDeg);
 }
 

@@ -73,12 +73,15 @@ TEST(KvGeographical, IdentityWithoutWrappingAndTheDefaultArea)
     EXPECT_TRUE(engine.IsGeographical());
     EXPECT_FALSE(engine.IsLocal());
     double x, y, lon, lat;
-    engine.Geo2Proj(200.0, 95.0, &x, &y);
+    engine.Geo2Proj(200.0, 85.0, &x, &y);
     EXPECT_EQ(x, 200.0);
-    EXPECT_EQ(y, 95.0);
-    engine.Proj2Geo(-400.5, -91.25, &lon, &lat);
+    EXPECT_EQ(y, 85.0);
+    engine.Proj2Geo(-400.5, -90.0, &lon, &lat);
     EXPECT_EQ(lon, -400.5);
-    EXPECT_EQ(lat, -91.25);
+    EXPECT_EQ(lat, -90.0);
+    // A latitude beyond the poles is no point.
+    engine.Geo2Proj(200.0, 95.0, &x, &y);
+    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
 
     double a[4];
     engine.GetDefaultArea(&a[0], &a[1], &a[2], &a[3]);
