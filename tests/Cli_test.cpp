@@ -528,11 +528,13 @@ TEST(Cli, DecimalCommasAreReadWhereCertainAndRefusedWhereNot)
                               "9.5 47,5 Zurich\n"
                               "9.5 47.5 100,5\n"
                               "9 47,100\n"
-                              "9,5 Zurich\n";
+                              "9,5 Zurich\n"
+                              "9.5\t47.5\t1,234\tZurich\n"
+                              "9,5;47.5;Zurich\n";
     const SRun run = Kvcart(dir, {"transform", "LONG/LAT", "UTM-32"}, input);
     EXPECT_EQ(run.status, 1);
     const std::vector<std::string> lines = run.OutLines();
-    ASSERT_EQ(lines.size(), 12u) << run.out;
+    ASSERT_EQ(lines.size(), 14u) << run.out;
     EXPECT_EQ(lines[0], "537656,6740;5260850,8753;Zurich");
     EXPECT_EQ(lines[1], "537656,6740\t5260850,8753\tZurich");
     EXPECT_EQ(lines[2], "500000,0000 ; 5260729,7331 ; 100,2500");
@@ -545,12 +547,16 @@ TEST(Cli, DecimalCommasAreReadWhereCertainAndRefusedWhereNot)
     EXPECT_EQ(lines[9], "* *");
     EXPECT_EQ(lines[10], "* *");
     EXPECT_EQ(lines[11], "* *");
+    EXPECT_EQ(lines[12], "* *\tZurich");
+    EXPECT_EQ(lines[13], "* *;Zurich");
     for (const char* message : {"stdin:8: decimal commas and a comma separator cannot both be read: '9,5'",
                                 "stdin:9: decimal commas and a comma separator cannot both be read: '47,5'",
                                 "stdin:10: decimal commas and a comma separator cannot both be read: '100,5'",
                                 "stdin:11: decimal commas and a comma separator cannot both be read: '47,100'",
                                 "stdin:12: decimal commas and a comma separator cannot both be read: '9,5'",
-                                "5 lines could not be converted"})
+                                "stdin:13: decimal points and decimal commas cannot both be read: '47.5' and '1,234'",
+                                "stdin:14: decimal points and decimal commas cannot both be read: '47.5' and '9,5'",
+                                "7 lines could not be converted"})
         EXPECT_NE(run.err.find(message), std::string::npos) << message << "\n" << run.err;
     EXPECT_NE(run.err.find("';' or a tab"), std::string::npos) << run.err;
 

@@ -379,6 +379,27 @@ bool CKvPointStream::_parse(const char* line, size_t length, SLine& parsed, std:
         q = following;
     }
 
+    // A line that reads decimal commas holds no decimal point as well: in
+    // "9.5<TAB>47.5<TAB>1,234" the comma may group thousands.
+    if (parsed.decimalComma) {
+        int point = -1, comma = -1;
+        for (int k = 0; k < count; ++k) {
+            const size_t size = static_cast<size_t>(numberEnd[k] - numberBegin[k]);
+            if (std::memchr(numberBegin[k], '.', size) != nullptr)
+                point = k;
+            if (std::memchr(numberBegin[k], ',', size) != nullptr)
+                comma = k;
+        }
+        if (point >= 0) {
+            problem = "decimal points and decimal commas cannot both be read: " +
+                      Quoted(numberBegin[point], numberEnd[point]) + " and " +
+                      Quoted(numberBegin[comma], numberEnd[comma]);
+            parsed.tail = static_cast<size_t>(
+                std::max(numberEnd[std::max(point, comma)], FieldsEnd(p, end, 2, true)) - line);
+            return false;
+        }
+    }
+
     // A comma directly between digits next to a coordinate, on a line whose
     // fields are also separated by blanks, could be a decimal comma as well:
     // "9.5 47,5" is 9.5 47 5 or 9.5 47.5.

@@ -23,7 +23,8 @@ class CKvDatumConverter;
 // what a comma is:
 // - a semicolon, or tabs alone: a comma inside a number is a decimal comma
 //   ("9,5;47,5;Zurich", "9,5<TAB>47,5") and separates nothing; the output of
-//   such a line keeps its decimal commas;
+//   such a line keeps its decimal commas. A line whose coordinates mix decimal
+//   commas and decimal points is refused (the comma may group thousands);
 // - otherwise a comma separates fields and the decimal mark is the point
 //   ("9.5,47.5", "9.5 47.5"), except that a comma directly between digits that
 //   would also make a number with a decimal comma ("9,5 47,5", "9.5 47,5",
