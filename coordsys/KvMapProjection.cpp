@@ -54,13 +54,12 @@ void CKvMapProjection::_construct(const char* text)
         CKvPRJParser parser(wkt);
         parser.Parse(false);
         m_info.SetProjectionInfo(parser);
-        // The engine's WKT is in metres; a definition in US survey feet
-        // reports that unit (1200/3937 m), for the caller to apply.
+        // The engine's WKT is in metres, and so GetUnit says; a definition kept
+        // in US survey feet has that as its grid's own unit (GetLinearUnit).
         CString name(text);
         name.Trim();
         const CKvMapProjData* definition = FindMapProjectionDefinition(name.GetString());
-        if (definition != nullptr && definition->IsInUsSurveyFeet())
-            m_info.SetProjUnit("US survey foot", 1200.0 / 3937.0);
+        m_usSurveyFeet = definition != nullptr && definition->IsInUsSurveyFeet();
     }
     m_projectionString = text;
     _takeFigure();
@@ -103,6 +102,7 @@ void CKvMapProjection::_copy(const CKvMapProjection& other)
     m_projectionString = other.m_projectionString;
     m_message = other.m_message;
     m_figure = other.m_figure;
+    m_usSurveyFeet = other.m_usSurveyFeet;
 }
 
 void CKvMapProjection::_dealloc()
@@ -218,6 +218,19 @@ bool CKvMapProjection::IsLocal() const
 bool CKvMapProjection::IsGeographical() const
 {
     return m_pProjection != nullptr && m_pProjection->IsGeographical();
+}
+
+double CKvMapProjection::GetLinearUnit() const
+{
+    if (m_pProjection == nullptr || IsGeographical())
+        return 0.0;
+    if (m_usSurveyFeet)
+        return 1200.0 / 3937.0;
+    double factor = 0.0;
+    char name[CKvProjectionInfo::UnitNameSize] = "";
+    if (!m_info.GetProjUnit(&factor, name) || !std::isfinite(factor) || !(factor > 0.0))
+        return 0.0;
+    return factor;
 }
 
 bool CKvMapProjection::GetUnit(EMapProjectionInfo what, double* factor, char* name) const

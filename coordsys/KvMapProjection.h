@@ -90,6 +90,12 @@ public:
     bool IsGeographical() const;
     // name: at least CKvProjectionInfo::UnitNameSize bytes.
     bool GetUnit(EMapProjectionInfo what, double* factor, char* name) const;
+    // The unit a user of the grid reads and writes its coordinates in, in metres
+    // per unit: the WKT's linear UNIT, or for a catalogue name kept in US survey
+    // feet (the NAD27 state planes) 1200/3937, where GetUnit reports the metres
+    // of the engine's own description. 0 for a geographical system or one that
+    // names no usable unit. The engines work in metres whatever it is.
+    double GetLinearUnit() const;
     void GetDatumShift(CKvDatumShift& shift) const { m_info.GetDatumShift(shift); }
     // 4 x first axis type + second axis type: 1 for easting/northing.
     int GetCoordSysType() const;
@@ -217,6 +223,7 @@ private:
     CKvProjectionInfo m_info;
     std::string m_projectionString;
     std::string m_message;
+    bool m_usSurveyFeet = false; // a catalogue definition kept in US survey feet
     CKvGeocentric m_figure;
 };
 

@@ -106,12 +106,6 @@ bool CKvProjectionInfo::GetProjUnit(double* factor, char* name) const
     return m_projUnit != Undefined;
 }
 
-void CKvProjectionInfo::SetProjUnit(const char* name, double factor)
-{
-    m_projUnit = factor;
-    CString::CopyBounded(m_projUnitName, sizeof m_projUnitName, name);
-}
-
 bool CKvProjectionInfo::GetAngularUnit(double* factor, char* name) const
 {
     *factor = m_angularUnit;

@@ -64,9 +64,6 @@ public:
     void SetProjectionInfo(const CKvPRJParser& parser);
     // name: at least UnitNameSize bytes. True when the unit is given.
     bool GetProjUnit(double* factor, char* name) const;
-    // The linear unit, for a system whose description names none of its own
-    // (a catalogue definition in US survey feet). The name is truncated to fit.
-    void SetProjUnit(const char* name, double factor);
     bool GetAngularUnit(double* factor, char* name) const;
     void GetDatumShift(CKvDatumShift& shift) const { shift = m_datumShift; }
     void SetDatumShift(const CKvDatumShift& shift) { m_datumShift = shift; }

@@ -204,14 +204,9 @@ extern "C" void C_KVMP_GETLINEARUNIT(KVMP_HANDLE handle, double* factor, int* st
     *status = -1;
     if (handle == nullptr || factor == nullptr)
         return;
-    *factor = 1.0;
-    double value = 0.0;
-    char name[CKvProjectionInfo::UnitNameSize] = "";
-    if (!handle->IsGeographical() && handle->GetUnit(CKvMapProjection::eProjUnit, &value, name) &&
-        std::isfinite(value) && value > 0.0) {
-        *factor = value;
-        *status = 0;
-    }
+    const double value = handle->GetLinearUnit();
+    *factor = value > 0.0 ? value : 1.0;
+    *status = value > 0.0 ? 0 : -1;
 }
 
 /* Local site grids */

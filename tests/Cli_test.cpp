@@ -841,10 +841,11 @@ TEST(PointStream, UnitsApplyToProjectedSidesOnly)
     EXPECT_EQ(out, "9.500000 47.500000");
 }
 
-// The unit the program applies is the one the library reports: a catalogue
-// definition with its false origin in US survey feet is a system in feet, as
-// EPSG defines the NAD27 state planes; the NAD83 ones of the catalogue are in
-// metres.
+// The unit the program applies is the one the library reports as the grid's own
+// (GetLinearUnit): a catalogue definition with its false origin in US survey
+// feet is a system in feet, as EPSG defines the NAD27 state planes; the NAD83
+// ones of the catalogue are in metres. GetUnit keeps describing the engine's
+// own WKT, in metres.
 TEST(Cli, TheCatalogueReportsTheUnitOfItsStatePlanes)
 {
     kvtest::ShippedCatalogue();
@@ -852,16 +853,16 @@ TEST(Cli, TheCatalogueReportsTheUnitOfItsStatePlanes)
     char name[CKvProjectionInfo::UnitNameSize] = "";
     const CKvMapProjection feet("NAD27 / Alabama East");
     ASSERT_NE(feet.GetProjection(), nullptr);
+    EXPECT_EQ(feet.GetLinearUnit(), 1200.0 / 3937.0);
     EXPECT_TRUE(feet.GetUnit(CKvMapProjection::eProjUnit, &factor, name));
-    EXPECT_STREQ(name, "US survey foot");
-    EXPECT_EQ(factor, 1200.0 / 3937.0);
+    EXPECT_STREQ(name, "Meter");
+    EXPECT_EQ(factor, 1.0);
     const CKvMapProjection copy(feet);
-    EXPECT_TRUE(copy.GetUnit(CKvMapProjection::eProjUnit, &factor, name));
-    EXPECT_STREQ(name, "US survey foot");
+    EXPECT_EQ(copy.GetLinearUnit(), 1200.0 / 3937.0);
     const CKvMapProjection metres("NAD83 / Alabama East");
     ASSERT_NE(metres.GetProjection(), nullptr);
-    EXPECT_TRUE(metres.GetUnit(CKvMapProjection::eProjUnit, &factor, name));
-    EXPECT_EQ(factor, 1.0);
+    EXPECT_EQ(metres.GetLinearUnit(), 1.0);
+    EXPECT_EQ(CKvMapProjection("LONG/LAT").GetLinearUnit(), 0.0);
 
     // The same through the C interface; geographical systems have none.
     const struct

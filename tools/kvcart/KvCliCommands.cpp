@@ -647,10 +647,8 @@ int CKvCliCommands::_transform()
     // is applied around the conversion. --metres keeps the engines' metres.
     double units[2] = {1.0, 1.0};
     for (int i = 0; i < 2 && !m_args.Has("metres"); ++i) {
-        double factor = 0.0;
-        char name[CKvProjectionInfo::UnitNameSize] = "";
-        if (!systems[i]->IsGeographical() && systems[i]->GetUnit(CKvMapProjection::eProjUnit, &factor, name) &&
-            std::isfinite(factor) && factor > 0.0)
+        const double factor = systems[i]->GetLinearUnit();
+        if (factor > 0.0)
             units[i] = factor;
     }
 
