@@ -233,7 +233,10 @@ void DeleteKvProjection(KVP_HANDLE engine);
 void CARTSETUPLINUX(const char* systemDirectory, const char* userDirectory);
 
 /* Writes the changed custom catalogues now rather than at exit. Returns 0 when
- * everything of the session is saved, -1 otherwise (CARTGETERRORLINUX tells why). */
+ * everything of the session is saved in the catalogue files, -1 otherwise: a
+ * change kept only in the rescue file beside them (a conflict with another
+ * writer, a full disk) counts as not saved; CARTGETERRORLINUX tells why and
+ * where it went. */
 int CARTWRITEBACKLINUX(void);
 
 /* The catalogue's problems since the last CARTSETUPLINUX, one "file:line: what"

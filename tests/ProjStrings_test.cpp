@@ -93,6 +93,13 @@ TEST(ProjStrings, CatalogueParametersComeBackAsHeld)
     EXPECT_EQ(CKvProjTranslator().ConvertToProj(text, nullptr, 0),
               "+proj=tmerc +lat_0=36.66666666666666 +lon_0=-93.1 +k=0.999975 +x_0=91440.18288036576 +y_0=0 "
               "+a=6378137 +rf=298.257222101 +to_meter=0.3048006096012192 +no_defs +type=crs");
+    // A catalogue grid kept in US survey feet is written in feet, its false
+    // origin in metres as PROJ takes it (PROJ then gives 602772.3875 727652.6721
+    // ftUS at -85.5 32.5 on NAD27, as kvcart transform does).
+    kvtest::ShippedCatalogue();
+    EXPECT_EQ(CKvProjTranslator().ConvertToProj("NAD27 / Alabama East", nullptr, 0),
+              "+proj=tmerc +lat_0=30.5 +lon_0=-85.83333333333333 +k=0.99996 +x_0=152400.3048006096 +y_0=0 "
+              "+a=6378206.4 +rf=294.9786982138982 +to_meter=0.3048006096012192 +no_defs +type=crs");
     // A datum shift given to the call replaces the text's own, completed with zeros.
     const double shift[3] = {-87, -98, -121};
     EXPECT_NE(CKvProjTranslator().ConvertToProj(text, shift, 3).find("+towgs84=-87,-98,-121,0,0,0,0 "),

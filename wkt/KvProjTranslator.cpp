@@ -256,6 +256,7 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
     // A catalogue name is described by its engine's definition; its own reading
     // is the registry's already.
     std::unique_ptr<CKvProjection, void (*)(CKvProjection*)> engine(nullptr, CKvProjection::Release);
+    double gridUnit = 0.0; // the unit of the grid's coordinates when not the WKT's
     CString wkt;
     if (CKvPRJParser::IsPRJ(trimmed)) {
         wkt = trimmed;
@@ -268,6 +269,11 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
         if (CKvMapProjection::IsLongLat(trimmed.GetString()))
             return fail("\"LONG/LAT\" names no ellipsoid: PROJ has no string for it");
         CKvPRJParser(engine.get()).Format(wkt);
+        // The engine describes itself in metres; a catalogue grid kept in US
+        // survey feet is read and written in feet (its false origin stays metres).
+        const CKvMapProjData* definition = CKvMapProjection::FindMapProjectionDefinition(trimmed.GetString());
+        if (definition != nullptr && definition->IsInUsSurveyFeet())
+            gridUnit = 1200.0 / 3937.0;
     }
     CKvPRJParser parser(wkt);
     parser.SetReading(CKvPRJParser::eEpsgReading);
@@ -461,8 +467,10 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
             out += "," + Shortest(shift[i]);
         out += " ";
     }
-    if (parser.GetProjectionType() != CKvMapProjData::eGeographical)
-        out += metres == 1.0 ? std::string("+units=m ") : "+to_meter=" + Shortest(metres) + " ";
+    if (parser.GetProjectionType() != CKvMapProjData::eGeographical) {
+        const double unit = gridUnit > 0.0 ? gridUnit : metres;
+        out += unit == 1.0 ? std::string("+units=m ") : "+to_meter=" + Shortest(unit) + " ";
+    }
     out += "+no_defs +type=crs";
     if (reason != nullptr)
         reason->clear();

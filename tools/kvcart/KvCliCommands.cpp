@@ -745,6 +745,12 @@ int CKvCliCommands::_info()
         parser.GetProjUnit(unitName, factor);
         if (!unitName.IsEmpty())
             std::fprintf(m_out, "Linear unit:   %s (%s m)\n", unitName.GetString(), Exact(factor).c_str());
+        // A catalogue grid kept in another unit than its engine's metres.
+        const double grid = system->GetLinearUnit();
+        if (grid > 0.0 && grid != factor)
+            std::fprintf(m_out, "Grid unit:     %s (%s m; kvcart transform reads and writes it, --metres the "
+                                "engine's metres)\n",
+                         grid == 1200.0 / 3937.0 ? "US survey foot" : "unit", Exact(grid).c_str());
     }
     parser.GetAngularUnit(unitName, factor);
     if (!unitName.IsEmpty())
