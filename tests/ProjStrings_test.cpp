@@ -106,6 +106,23 @@ TEST(ProjStrings, CatalogueParametersComeBackAsHeld)
               std::string::npos);
 }
 
+TEST(ProjStrings, ANumberThatIsNoNumberHasNoString)
+{
+    // A text whose parameters read as NaN or infinity (the reader takes "nan" and
+    // "inf" as numbers) describes no system PROJ could be told.
+    for (const char* value : {"nan", "inf", "-inf", "1e999"}) {
+        const std::string text =
+            std::string("PROJCS[\"x\",GEOGCS[\"y\",DATUM[\"z\",SPHEROID[\"GRS 1980\",6378137,298.257222101]],"
+                        "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_"
+                        "Mercator\"],PARAMETER[\"latitude_of_origin\",0],PARAMETER[\"central_meridian\",9],"
+                        "PARAMETER[\"scale_factor\",") +
+            value + "],PARAMETER[\"false_easting\",500000],PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]";
+        std::string reason;
+        EXPECT_EQ(CKvProjTranslator().ConvertToProj(text, nullptr, 0, &reason), "") << value;
+        EXPECT_NE(reason.find("not a finite number"), std::string::npos) << value << ": " << reason;
+    }
+}
+
 TEST(ProjStrings, CInterfaceCopiesOrSaysWhy)
 {
     char buffer[400];

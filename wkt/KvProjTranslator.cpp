@@ -223,6 +223,8 @@ std::string Shortest(double value)
 {
     if (value == 0.0)
         return "0"; // also for -0
+    if (!std::isfinite(value))
+        return value != value ? "nan" : value > 0.0 ? "inf" : "-inf";
     char buffer[400];
     int digits = 1;
     for (; digits < 17; ++digits) {
@@ -294,7 +296,9 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
     const double metres = u == CKvPRJParser::Undefined ? 1.0 : u;
 
     std::string out;
-    const auto token = [&out](const char* key, double value) {
+    bool finite = true; // every number written is one
+    const auto token = [&out, &finite](const char* key, double value) {
+        finite = finite && std::isfinite(value);
         out += std::string("+") + key + "=" + Shortest(value) + " ";
     };
     const auto angle = [&token, k](const char* key, double value) { token(key, value * k); };
@@ -456,15 +460,14 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
     }
     CKvDatumShift shift;
     parser.GetDatumShift(shift);
-    if (datumShift != nullptr && count >= 1) {
-        out += "+towgs84=" + Shortest(datumShift[0]);
-        for (int i = 1; i < CKvDatumShift::NoOfParameters; ++i)
-            out += "," + Shortest(i < count ? datumShift[i] : 0.0);
-        out += " ";
-    } else if (shift.GetType() != CKvCartDef::eNoDatumShift) {
-        out += "+towgs84=" + Shortest(shift[0]);
-        for (int i = 1; i < CKvDatumShift::NoOfParameters; ++i)
-            out += "," + Shortest(shift[i]);
+    const bool shiftGiven = datumShift != nullptr && count >= 1;
+    if (shiftGiven || shift.GetType() != CKvCartDef::eNoDatumShift) {
+        out += "+towgs84=";
+        for (int i = 0; i < CKvDatumShift::NoOfParameters; ++i) {
+            const double value = shiftGiven ? (i < count ? datumShift[i] : 0.0) : shift[i];
+            finite = finite && std::isfinite(value);
+            out += (i > 0 ? "," : "") + Shortest(value);
+        }
         out += " ";
     }
     if (parser.GetProjectionType() != CKvMapProjData::eGeographical) {
@@ -472,6 +475,8 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
         out += unit == 1.0 ? std::string("+units=m ") : "+to_meter=" + Shortest(unit) + " ";
     }
     out += "+no_defs +type=crs";
+    if (!finite)
+        return fail("a parameter of the system is not a finite number: PROJ could not be told it");
     if (reason != nullptr)
         reason->clear();
     return out;
