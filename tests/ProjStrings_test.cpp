@@ -123,6 +123,26 @@ TEST(ProjStrings, ANumberThatIsNoNumberHasNoString)
     }
 }
 
+TEST(ProjStrings, KrovakTurnedByNoRightAngleHasNoString)
+{
+    // ESRI's Krovak with its plane rotation: a right angle turns PROJ's axes, any
+    // other angle (or none that is a number) has no PROJ string.
+    for (const char* rotation : {"45", "nan", "inf"}) {
+        const std::string text =
+            std::string("PROJCS[\"k\",GEOGCS[\"g\",DATUM[\"d\",SPHEROID[\"Bessel_1841\",6377397.155,299.1528128]],"
+                        "PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\",0.0174532925199433]],PROJECTION[\"Krovak\"],"
+                        "PARAMETER[\"False_Easting\",0.0],PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Pseudo_"
+                        "Standard_Parallel_1\",78.5],PARAMETER[\"Scale_Factor\",0.9999],PARAMETER[\"Azimuth\","
+                        "30.28813975277778],PARAMETER[\"Longitude_Of_Center\",24.83333333333333],PARAMETER[\"Latitude_"
+                        "Of_Center\",49.5],PARAMETER[\"X_Scale\",-1.0],PARAMETER[\"Y_Scale\",1.0],PARAMETER[\"XY_"
+                        "Plane_Rotation\",") +
+            rotation + "],UNIT[\"Meter\",1.0]]";
+        std::string reason;
+        EXPECT_EQ(CKvProjTranslator().ConvertToProj(text, nullptr, 0, &reason), "") << rotation;
+        EXPECT_NE(reason.find("Krovak"), std::string::npos) << rotation << ": " << reason;
+    }
+}
+
 TEST(ProjStrings, CInterfaceCopiesOrSaysWhy)
 {
     char buffer[400];

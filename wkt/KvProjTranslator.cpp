@@ -418,7 +418,8 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
         const double xs = parser.GetXScale(), ys = parser.GetYScale();
         const double quarter = std::remainder(rotation, 360.0) / 90.0;
         // A right angle in a unit written to 16 digits comes within rounding of 90.
-        if (std::fabs(xs) != 1.0 || std::fabs(ys) != 1.0 || std::fabs(quarter - std::nearbyint(quarter)) > 1e-9)
+        if (std::fabs(xs) != 1.0 || std::fabs(ys) != 1.0 || !std::isfinite(quarter) ||
+            std::fabs(quarter - std::nearbyint(quarter)) > 1e-9)
             return fail("a Krovak grid scaled by other than 1 or turned by other than a right angle has no PROJ "
                         "string");
         const char southing = xs > 0.0 ? 's' : 'n', westing = ys > 0.0 ? 'w' : 'e';
