@@ -1,5 +1,6 @@
 // The engines against independent references: GeographicLib's exact transverse
 // Mercator and PROJ (tools/make_projection_vectors.py wrote the vectors).
+#include "TestSupport.h"
 #include "projections/KvAlbersEqualArea.h"
 #include "projections/KvCassiniSoldner.h"
 #include "projections/KvEquidistantConic.h"
@@ -32,47 +33,17 @@
 
 namespace {
 
-struct Point
-{
-    double lon, lat, x, y;
-};
-
-struct Case
-{
-    std::string engine, figure;
-    double a = 0.0, invf = 0.0;
-    std::vector<double> params;
-    std::vector<Point> points;
-};
+using Point = kvtest::VectorPoint;
+using Case = kvtest::VectorCase;
 
 std::vector<Case> LoadCases(const std::string& file)
 {
-    std::ifstream in(KVCART_TEST_DATA_DIR + file);
-    std::vector<Case> cases;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (line.empty() || line[0] == '#')
-            continue;
-        std::istringstream fields(line);
-        if (line.compare(0, 5, "CASE ") == 0) {
-            std::string tag;
-            Case c;
-            fields >> tag >> c.engine >> c.figure >> c.a >> c.invf;
-            for (double v; fields >> v;)
-                c.params.push_back(v);
-            cases.push_back(c);
-        } else if (!cases.empty()) {
-            Point p;
-            fields >> p.lon >> p.lat >> p.x >> p.y;
-            cases.back().points.push_back(p);
-        }
-    }
-    return cases;
+    return kvtest::LoadVectorCases(KVCART_TEST_DATA_DIR + file);
 }
 
 std::unique_ptr<CKvProjection> MakeEngine(const Case& c, bool complexTm = false)
 {
-    const CKvEllipsoid e(c.figure, "", c.a, c.invf);
+    const CKvEllipsoid e(c.label, "", c.a, c.invf);
     const std::vector<double>& p = c.params;
     CKvProjection* engine = nullptr;
     if (c.engine == "tm" && complexTm)
@@ -190,9 +161,9 @@ void CheckFamily(const std::string& family, double forwardBound, double inverseB
         std::string params;
         for (double v : c.params)
             params += " " + std::to_string(v);
-        EXPECT_LE(one.forward, forwardBound) << family << " on " << c.figure << params;
-        EXPECT_LE(one.inverse, inverseBound) << family << " on " << c.figure << params;
-        EXPECT_LE(one.roundTrip, inverseBound) << family << " on " << c.figure << params;
+        EXPECT_LE(one.forward, forwardBound) << family << " on " << c.label << params;
+        EXPECT_LE(one.inverse, inverseBound) << family << " on " << c.label << params;
+        EXPECT_LE(one.roundTrip, inverseBound) << family << " on " << c.label << params;
         worst.forward = std::max(worst.forward, one.forward); // HUGE_VAL stands for a NaN met
         worst.inverse = std::max(worst.inverse, one.inverse);
         worst.roundTrip = std::max(worst.roundTrip, one.roundTrip);

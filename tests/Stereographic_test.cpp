@@ -46,46 +46,13 @@ const CKvEllipsoid kSphere("Sphere", "", 6371229.0, 0.0);
 // The Dutch RD parameters, on Bessel.
 constexpr double kRdK0 = 0.9999079, kRdLon0 = 5.38763888888889, kRdLat0 = 52.1561605555556;
 
-struct SPoint
-{
-    double lon, lat, x, y, convergence;
-};
-
-struct SCase
-{
-    std::string engine, label;
-    double a = 0.0, invf = 0.0;
-    std::vector<double> params;
-    std::vector<SPoint> points;
-};
+using SPoint = kvtest::VectorPoint;
+using SCase = kvtest::VectorCase;
 
 const std::vector<SCase>& Cases()
 {
-    static const std::vector<SCase> cases = [] {
-        std::vector<SCase> all;
-        std::ifstream in(std::string(KVCART_TEST_DATA_DIR) + "stereographic_vectors.txt");
-        std::string line;
-        while (std::getline(in, line)) {
-            if (line.empty() || line[0] == '#')
-                continue;
-            std::istringstream fields(line);
-            if (line.compare(0, 5, "CASE ") == 0) {
-                std::string tag;
-                SCase c;
-                fields >> tag >> c.engine >> c.label >> c.a >> c.invf;
-                for (double v; fields >> v;)
-                    c.params.push_back(v);
-                all.push_back(c);
-            } else if (!all.empty()) {
-                SPoint p{0, 0, 0, 0, kNaN};
-                fields >> p.lon >> p.lat >> p.x >> p.y;
-                if (!(fields >> p.convergence))
-                    p.convergence = kNaN;
-                all.back().points.push_back(p);
-            }
-        }
-        return all;
-    }();
+    static const std::vector<SCase> cases =
+        kvtest::LoadVectorCases(std::string(KVCART_TEST_DATA_DIR) + "stereographic_vectors.txt");
     return cases;
 }
 

@@ -2,6 +2,7 @@
 #define KVCART_TESTS_TESTSUPPORT_H
 
 #include <clocale>
+#include <cmath>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -105,6 +106,48 @@ inline std::vector<std::string> TabFields(const std::string& line)
     for (std::string field; std::getline(in, field, '\t');)
         fields.push_back(field);
     return fields;
+}
+
+// A case of a reference-vector file (tools/make_projection_vectors.py and its
+// kin): "CASE engine label a invf parameters...", then its points, one a line,
+// "lon lat x y [convergence]" (NaN where no convergence is given).
+struct VectorPoint
+{
+    double lon = 0.0, lat = 0.0, x = 0.0, y = 0.0, convergence = 0.0;
+};
+
+struct VectorCase
+{
+    std::string engine, label;
+    double a = 0.0, invf = 0.0;
+    std::vector<double> params;
+    std::vector<VectorPoint> points;
+};
+
+inline std::vector<VectorCase> LoadVectorCases(const std::string& path)
+{
+    std::ifstream in(path);
+    std::vector<VectorCase> cases;
+    for (std::string line; std::getline(in, line);) {
+        if (line.empty() || line[0] == '#')
+            continue;
+        std::istringstream fields(line);
+        if (line.compare(0, 5, "CASE ") == 0) {
+            std::string tag;
+            VectorCase c;
+            fields >> tag >> c.engine >> c.label >> c.a >> c.invf;
+            for (double v; fields >> v;)
+                c.params.push_back(v);
+            cases.push_back(c);
+        } else if (!cases.empty()) {
+            VectorPoint p;
+            fields >> p.lon >> p.lat >> p.x >> p.y;
+            if (!(fields >> p.convergence))
+                p.convergence = std::nan("");
+            cases.back().points.push_back(p);
+        }
+    }
+    return cases;
 }
 
 // Sets the process-wide WKT reading (the EPSG registry's, or the established
