@@ -43,6 +43,12 @@ bool IsDmsKeyword(const char* keyword)
     return false;
 }
 
+// An EPSG code: a whole number that an int holds, above 0.
+bool IsCode(double value)
+{
+    return value >= 1.0 && value <= 2147483647.0 && value == std::floor(value);
+}
+
 // One US survey foot is 1200/3937 metres exactly.
 constexpr double kUsSurveyFoot = 12.0 / 39.37;
 
@@ -64,6 +70,7 @@ void CKvMapProjData::CopyFieldsFrom(const CKvMapProjData& other)
     SetName(other.GetName());
     SetBranchName(other.GetBranchName());
     SetEllipsoidID(other.GetEllipsoidID());
+    m_epsgCode = other.m_epsgCode;
     double values[MaxParameters] = {};
     const int n = other.GetNoOfParameters() < GetNoOfParameters() ? other.GetNoOfParameters() : GetNoOfParameters();
     for (int i = 0; i < n; ++i)
@@ -96,7 +103,22 @@ std::vector<CKvUserCatalogue::SKeywordRule> CKvMapProjData::GetKeywordRules() co
         if (keyword == "Feast" || keyword == "Fnorth")
             rules.push_back({keyword + "_ft_us", false, 1, 1});
     }
+    rules.push_back({"EPSG_Code", false, 1, 1});
     return rules;
+}
+
+bool CKvMapProjData::CheckSection(const GxrSection& section, std::string& problem) const
+{
+    if (!CKvUserCatalogue::CheckSection(section, GetKeywordRules(), problem))
+        return false;
+    for (const GxrKeyword& keyword : section.keywords) {
+        const std::string where = std::to_string(keyword.line) + ": keyword '" + keyword.name + "' ";
+        if (keyword.name == "EPSG_Code" && !IsCode(keyword.params.front().number)) {
+            problem = where + "takes a whole number from 1 to 2147483647, not " + keyword.params.front().text;
+            return false;
+        }
+    }
+    return true;
 }
 
 bool CKvMapProjData::GetParameter(int index, std::string& label, double& value, EParamType& kind) const
@@ -156,6 +178,8 @@ bool CKvMapProjData::ReadFromHandle(void* handle, bool custom)
     SetParameters(values);
     m_bUsSurveyFeet = gxrKeywordByNameNum(section, "Feast_ft_us", 1) != nullptr &&
                       gxrKeywordByNameNum(section, "Fnorth_ft_us", 1) != nullptr;
+    double code = 0.0;
+    m_epsgCode = gxrGetParam(section, "EPSG_Code", &code, 1, 1) && IsCode(code) ? static_cast<int>(code) : 0;
     SetPermissions(custom, custom);
     return true;
 }
@@ -170,6 +194,8 @@ bool CKvMapProjData::WriteToHandle(void* handle) const
     ok = gxrPutParam(section, "Ellipsoid", CString(m_ellipsoidID)) == GXR_OK && ok;
     for (int i = 0; i < GetNoOfParameters(); ++i)
         ok = gxrPutParam(section, m_pInfo->parameters[i].keyword, m_adParams[i]) == GXR_OK && ok;
+    if (m_epsgCode > 0)
+        ok = gxrPutParam(section, "EPSG_Code", static_cast<double>(m_epsgCode)) == GXR_OK && ok;
     return gxrEndSection(section) == GXR_OK && ok;
 }
 

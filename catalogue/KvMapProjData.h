@@ -98,6 +98,10 @@ public:
     // strings, the parameters and their alternative forms (_dms, _ft_us,
     // Scale_Reduction).
     std::vector<CKvUserCatalogue::SKeywordRule> GetKeywordRules() const;
+    // Whether a section of this type can be read exactly: its keywords by
+    // GetKeywordRules, then the values those rules cannot tell (an EPSG code
+    // that is no whole number, ...). False with "line: what" in problem.
+    bool CheckSection(const GxrSection& section, std::string& problem) const;
     virtual bool CanDelete() const { return m_bCanDelete; }
     virtual bool CanEdit() const { return m_bCanEdit; }
     // A new engine for this definition, owned by the caller; null when the
@@ -114,8 +118,13 @@ public:
     // as the EPSG state planes on NAD27 are) is a system in that unit. Its
     // parameters are held in metres all the same, as the engines work in metres.
     bool IsInUsSurveyFeet() const { return m_bUsSurveyFeet; }
+    // The EPSG code of the coordinate reference system the definition stands
+    // for ("EPSG_Code n" in a parameter file, a whole number from 1 to
+    // 2147483647); 0 when none is given. A code of 0 or less removes it.
+    int GetEpsgCode() const { return m_epsgCode; }
+    void SetEpsgCode(int code) { m_epsgCode = code > 0 ? code : 0; }
 
-    // Only the name, branch, ellipsoid and parameters; the flags stay as they are.
+    // Only the name, branch, ellipsoid, parameters and EPSG code; the flags stay as they are.
     void CopyFieldsFrom(const CKvMapProjData& other);
     void SetPermissions(bool canDelete, bool canEdit);
     const STypeInfo& GetTypeInfo() const { return *m_pInfo; }
@@ -177,6 +186,7 @@ private:
     bool m_bCanDelete;
     bool m_bCanEdit;
     bool m_bUsSurveyFeet = false;
+    int m_epsgCode = 0;
     double m_adParams[MaxParameters];
 };
 

@@ -66,7 +66,7 @@ int ReadDefinition(GxrSection& section, bool custom, std::unique_ptr<CKvMapProjD
     }
     if (!definition)
         return 0;
-    if (!CKvUserCatalogue::CheckSection(section, definition->GetKeywordRules(), problem)) {
+    if (!definition->CheckSection(section, problem)) {
         definition.reset();
         return -1;
     }
