@@ -155,6 +155,41 @@ CKvMapProjData* CKvMapProjectionList::GetMapProjection(const std::string& name) 
     return nullptr;
 }
 
+std::vector<CKvMapProjData*> CKvMapProjectionList::GetMapProjectionsIgnoringCase(const std::string& name) const
+{
+    CString wanted(name);
+    wanted.Trim();
+    std::vector<CKvMapProjData*> found;
+    if (wanted.IsEmpty() || wanted.GetStdString().find('\0') != std::string::npos)
+        return found;
+    for (CKvMapProjData* d : m_definitions) {
+        const std::string stored = d->GetName();
+        if (stored.size() != wanted.GetStdString().size() || wanted.CompareNoCase(stored.c_str()) != 0)
+            continue;
+        if (stored == wanted.GetStdString())
+            return {d};
+        // A name listed twice is found once, as the exact look-up finds the first.
+        if (std::none_of(found.begin(), found.end(), [&stored](const CKvMapProjData* f) { return f->GetName() == stored; }))
+            found.push_back(d);
+    }
+    return found;
+}
+
+CKvMapProjData* CKvMapProjectionList::FindMapProjection(const std::string& name,
+                                                        std::vector<const CKvMapProjData*>* ambiguous) const
+{
+    if (ambiguous != nullptr)
+        ambiguous->clear();
+    if (CKvMapProjData* exact = GetMapProjection(name))
+        return exact;
+    const std::vector<CKvMapProjData*> found = GetMapProjectionsIgnoringCase(name);
+    if (found.size() == 1)
+        return found.front();
+    if (ambiguous != nullptr)
+        ambiguous->assign(found.begin(), found.end());
+    return nullptr;
+}
+
 void CKvMapProjectionList::AddMapProjection(CKvMapProjData* definition)
 {
     if (definition != nullptr)

@@ -38,8 +38,18 @@ public:
     // The line of the section a definition was read from; 0 for one made in memory.
     int GetSourceLine(const CKvMapProjData* definition) const;
 
-    // Matches names after reducing both to their short form.
+    // Matches names after reducing both to their short form. The catalogue's
+    // edits (add, remove, edit) find their definitions so, by the exact name.
     CKvMapProjData* GetMapProjection(const std::string& name) const;
+    // The definition a coordinate-system name stands for: the one GetMapProjection
+    // finds; failing that, the one whose name is the trimmed name with ASCII
+    // letters of either case taken alike ("rd new" for "RD New"). When several
+    // names differ from it only so, none is chosen: null, with them in ambiguous.
+    CKvMapProjData* FindMapProjection(const std::string& name,
+                                      std::vector<const CKvMapProjData*>* ambiguous = nullptr) const;
+    // The definitions whose names are the trimmed name regardless of ASCII case,
+    // in list order, each name once; a name spelled exactly as given is alone.
+    std::vector<CKvMapProjData*> GetMapProjectionsIgnoringCase(const std::string& name) const;
     void AddMapProjection(CKvMapProjData* definition);
     // Deletes the definition, whether or not it is in the list.
     void DeleteMapProjection(CKvMapProjData* definition);

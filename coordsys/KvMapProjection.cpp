@@ -3,6 +3,7 @@
 #include "projections/KvBatch.h"
 
 #include "catalogue/KvCartSetup.h"
+#include "catalogue/KvNameSuggestions.h"
 #include "geodesy/KvVincenty.h"
 #include "paramfile/String.h"
 #include "projections/KvAngle.h"
@@ -44,6 +45,9 @@ CKvMapProjection::CKvMapProjection(const std::string& text) : m_pProjection(null
 
 void CKvMapProjection::_construct(const char* text)
 {
+    // A catalogue name in another case stands for the name as it is spelled.
+    const std::string spelled = CatalogueSpelling(text);
+    text = spelled.c_str();
     m_pProjection = GetProjection(text, &m_info, &m_message);
     if (m_pProjection == nullptr)
         return;
@@ -327,6 +331,37 @@ bool LooksLikeWkt(const CString& text)
     return text.Find('[') >= 0 && text.Find(']') >= 0;
 }
 
+// Why a name resolves to nothing: several catalogue names differ from it only
+// in case, and none is chosen; or no name is it, and the closest ones follow.
+std::string UnresolvedNameMessage(const std::string& name)
+{
+    const CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
+    const std::vector<CKvMapProjData*> alike = list.GetMapProjectionsIgnoringCase(name);
+    if (alike.size() > 1) {
+        std::string names;
+        for (std::size_t i = 0; i < alike.size(); ++i)
+            names += std::string(i == 0 ? "" : i + 1 == alike.size() ? " and " : ", ") + '"' + alike[i]->GetName() + '"';
+        return "ambiguous coordinate system \"" + name + "\": the catalogue holds " + names +
+               ", which differ only in case; write the name as one of them is written";
+    }
+    std::string message = "unknown coordinate system \"" + name + "\"";
+    if (!CKvCartSetup::Instance()->HasSystemCatalogue())
+        message += " (no catalogue was read: CARTSETUPLINUX was not called, or its system directory holds no "
+                   "map_projection.gxr)";
+    // The catalogue's names are the candidates, with their EPSG codes. Other
+    // systems a name may be meant for (the EPSG registry's names, and "EPSG:n"
+    // for a bare number that is one of its codes: CKvNameSuggestions::ReadCode)
+    // are added to the same candidates here.
+    CKvNameSuggestions candidates;
+    candidates.Reserve(list.GetCount());
+    for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it)
+        candidates.Add((*it)->GetName(), (*it)->GetEpsgCode());
+    const std::string suggestions = CKvNameSuggestions::DidYouMean(candidates.Suggest(name));
+    if (!suggestions.empty())
+        message += "; " + suggestions;
+    return message;
+}
+
 } // namespace
 
 const std::string& CKvMapProjection::GetLastMessage()
@@ -385,10 +420,7 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
         if (LooksLikeWkt(trimmed) && !parser.GetFailureReason().empty()) {
             said = parser.GetFailureReason();
         } else {
-            said = std::string("unknown coordinate system \"") + name + "\"";
-            if (!CKvCartSetup::Instance()->HasSystemCatalogue())
-                said += " (no catalogue was read: CARTSETUPLINUX was not called, or its system directory holds no "
-                        "map_projection.gxr)";
+            said = UnresolvedNameMessage(name);
         }
     }
     if (message != nullptr)
@@ -399,7 +431,8 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
 CKvProjection* CKvMapProjection::_FindMapProjection(const char* name)
 {
     CKvCartSetup* setup = CKvCartSetup::Instance();
-    const CKvMapProjData* definition = setup->GetMapProjectionList().GetMapProjection(name != nullptr ? name : "");
+    // The exact name, else the one name it is in another case.
+    const CKvMapProjData* definition = setup->GetMapProjectionList().FindMapProjection(name != nullptr ? name : "");
     if (definition == nullptr)
         return nullptr;
     // The engine is made by the definition alone; it copies its ellipsoid.
@@ -430,6 +463,22 @@ CKvMapProjData* CKvMapProjection::MapProjection(const char* name)
 const CKvMapProjData* CKvMapProjection::FindMapProjectionDefinition(const char* name)
 {
     return CKvCartSetup::Instance()->GetMapProjectionList().GetMapProjection(name != nullptr ? name : "");
+}
+
+std::string CKvMapProjection::CatalogueSpelling(const char* text)
+{
+    const std::string given = text != nullptr ? text : "";
+    const CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
+    const std::vector<CKvMapProjData*> alike = list.GetMapProjectionsIgnoringCase(given);
+    if (alike.size() != 1)
+        return given;
+    CString trimmed(given);
+    trimmed.Trim();
+    const std::string spelled = alike.front()->GetName();
+    // What the exact look-up finds (by the short form of the name) comes first.
+    if (spelled == trimmed.GetStdString() || list.GetMapProjection(trimmed.GetStdString()) != nullptr)
+        return given;
+    return spelled;
 }
 
 const CKvEllipsoid* CKvMapProjection::Ellipsoid(const char* projectionName)

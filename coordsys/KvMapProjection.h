@@ -193,6 +193,12 @@ public:
     static CKvMapProjData* MapProjection(const char* name);
     // The catalogue definition of that name, read-only (nothing is marked), or null.
     static const CKvMapProjData* FindMapProjectionDefinition(const char* name);
+    // The text with a catalogue name written in another ASCII case ("rd new")
+    // replaced by the name as the catalogue spells it ("RD New"), so that all
+    // that is taken from a name (its units, datum shift, descriptions) is taken
+    // alike; any other text, a name spelled exactly and a name that differs
+    // only in case from several, as given.
+    static std::string CatalogueSpelling(const char* text);
     // The ellipsoid of the catalogue projection of that name, or null.
     static const CKvEllipsoid* Ellipsoid(const char* projectionName);
     static const CKvEllipsoid* EllipsoidFromID(const char* id);

@@ -891,3 +891,81 @@ TEST(Cli, TheCatalogueReportsTheUnitOfItsStatePlanes)
     C_KVMP_GETLINEARUNIT(nullptr, &factor, &status);
     EXPECT_EQ(status, -1);
 }
+
+TEST(Cli, NamesInAnyCaseSuggestionsAndListGrep)
+{
+    kvtest::TempDir dir;
+    kvtest::ShippedCatalogue();
+    // A name in another case is the catalogue's system, in the grid's own unit.
+    for (const auto& names : {std::make_pair("UTM-32", "utm-32"), std::make_pair("NAD27 / Alabama East", "nad27 / ALABAMA east")}) {
+        const SRun exact = Kvcart(dir, {"transform", "LONG/LAT", names.first}, std::string("-85.5 32.5\n9.5 47.5\n"));
+        const SRun folded = Kvcart(dir, {"transform", "LONG/LAT", names.second}, std::string("-85.5 32.5\n9.5 47.5\n"));
+        EXPECT_EQ(folded.status, 0) << folded.err;
+        EXPECT_EQ(folded.out, exact.out) << names.second;
+        EXPECT_EQ(Kvcart(dir, {"proj4", names.second}).out, Kvcart(dir, {"proj4", names.first}).out) << names.second;
+    }
+    EXPECT_EQ(Kvcart(dir, {"info", "rd new"}).out.rfind("Name:          RD New\n", 0), 0u);
+
+    // An unknown name ends with the closest names; nothing close, nothing suggested.
+    const SRun typo = Kvcart(dir, {"transform", "LONG/LAT", "Britsh National Grid"}, std::string("0 50\n"));
+    EXPECT_EQ(typo.status, 2);
+    EXPECT_EQ(typo.out, "");
+    const int bng = CKvMapProjection::FindMapProjectionDefinition("British National Grid")->GetEpsgCode();
+    EXPECT_NE(typo.err.find("kvcart: unknown coordinate system 'Britsh National Grid' ('kvcart list' shows the "
+                            "catalogue); did you mean \"British National Grid\"" +
+                            (bng > 0 ? " (EPSG:" + std::to_string(bng) + ")" : std::string()) + "?\n"),
+              std::string::npos)
+        << typo.err;
+    const SRun nowhere = Kvcart(dir, {"info", "Nowhere Grid"});
+    EXPECT_EQ(nowhere.status, 2);
+    EXPECT_EQ(nowhere.err.find("did you mean"), std::string::npos) << nowhere.err;
+
+    // Two of the user's names that differ in case alone (UTM zones 32 and 33 by
+    // other names, with their codes): a third spelling is neither.
+    const auto zone = [](const char* name, int centre, int code) {
+        return std::string("  SECTION UTM_PROJECTION\n    Projection_Name \"") + name +
+               "\"\n    Branch_Name \"Projects\"\n    Ellipsoid \"WE\"\n    Scale 0.9996\n    Centre " +
+               std::to_string(centre) + "\n    Origin_Latitude 0\n    Feast 500000\n    Fnorth 0\n    EPSG_Code " +
+               std::to_string(code) + "\n  END_SECTION\n";
+    };
+    ASSERT_EQ(std::system(("mkdir -p " + Quote(dir.Path() + "config/kvcart")).c_str()), 0);
+    kvtest::WriteFile(dir.File("config/kvcart/custom_projection.gxr"), "TARGET MAP_PROJECTION_DEFINITION\n" +
+                                                                          zone("Site grid", 9, 32632) +
+                                                                          zone("SITE GRID", 15, 32633) + "END_TARGET\n");
+    const SRun ambiguous = Kvcart(dir, {"transform", "LONG/LAT", "site grid"}, std::string("9 0\n"));
+    EXPECT_EQ(ambiguous.status, 2);
+    EXPECT_NE(ambiguous.err.find("kvcart: ambiguous coordinate system 'site grid': the catalogue holds \"Site grid\" "
+                                 "and \"SITE GRID\", which differ only in case"),
+              std::string::npos)
+        << ambiguous.err;
+    EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "SITE GRID"}, std::string("15 0\n")).out, "500000.0000 0.0000\n");
+
+    // --grep: a piece of a name or of its code, in either case; the code ends the line.
+    const SRun rd = Kvcart(dir, {"list", "--grep", "rd NEW"});
+    ASSERT_EQ(rd.OutLines().size(), 1u) << rd.out;
+    EXPECT_EQ(rd.out.rfind("RD New ", 0), 0u);
+    const SRun site = Kvcart(dir, {"list", "--grep", "site"});
+    EXPECT_EQ(site.out, "Site grid                                      Transverse mercator                Projects [user]  "
+                        "EPSG:32632\n"
+                        "SITE GRID                                      Transverse mercator                Projects [user]  "
+                        "EPSG:32633\n")
+        << site.err;
+    for (const char* pattern : {"32632", "epsg:32632", "EPSG:32632"}) {
+        const SRun found = Kvcart(dir, {"list", "--grep", pattern});
+        EXPECT_EQ(found.status, 0);
+        EXPECT_NE(found.out.find("Site grid "), std::string::npos) << pattern << "\n" << found.out;
+        EXPECT_EQ(found.out.find("SITE GRID "), std::string::npos) << pattern << "\n" << found.out;
+        for (const std::string& line : found.OutLines())
+            EXPECT_EQ(line.substr(line.size() - 10), "EPSG:32632") << line;
+    }
+    EXPECT_NE(Kvcart(dir, {"info", "SITE GRID"}).out.find("\nEPSG code:     32633\n"), std::string::npos);
+    EXPECT_EQ(Kvcart(dir, {"info", "UTM-32"}).out.find("EPSG code:     32633"), std::string::npos);
+    const SRun none = Kvcart(dir, {"list", "--grep", "Britsh"});
+    EXPECT_EQ(none.out, "");
+    EXPECT_NE(none.err.find("kvcart: no definition matches 'Britsh'; did you mean \"British National Grid\""),
+              std::string::npos)
+        << none.err;
+    // The plain listing keeps its three columns.
+    for (const std::string& line : Kvcart(dir, {"list"}).OutLines())
+        EXPECT_EQ(line.find("EPSG:"), std::string::npos) << line;
+}

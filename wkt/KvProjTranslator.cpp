@@ -49,7 +49,8 @@ std::string CKvProjTranslator::Convert2Proj4(const std::string& text, const doub
     if (engine == nullptr)
         return std::string();
 
-    CKvPRJParser parser(WktOf(text, *engine));
+    // The system's own text: a catalogue name as the catalogue spells it.
+    CKvPRJParser parser(WktOf(system.GetProjectionString(), *engine));
     parser.Parse(false);
 
     CString name;
@@ -253,7 +254,8 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
             *reason = r;
         return std::string();
     };
-    CString trimmed(text.c_str());
+    // A catalogue name in another case is the name as the catalogue spells it.
+    CString trimmed(CKvMapProjection::CatalogueSpelling(text.c_str()).c_str());
     trimmed.Trim();
     // A catalogue name is described by its engine's definition; its own reading
     // is the registry's already.

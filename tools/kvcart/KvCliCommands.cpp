@@ -4,6 +4,7 @@
 #include "catalogue/KvEllipsoidList.h"
 #include "catalogue/KvMapProjData.h"
 #include "catalogue/KvMapProjectionList.h"
+#include "catalogue/KvNameSuggestions.h"
 #include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumConverter.h"
 #include "paramfile/Gxr.h"
@@ -54,6 +55,8 @@ const char kMainHelp[] =
     "\n"
     "A coordinate system CS is WKT text, a catalogue name (\"UTM-32\", \"LONG/LAT\",\n"
     "\"NON-UTM\", \"British National Grid\", ...) or @FILE for a .prj file holding WKT.\n"
+    "A catalogue name may be written in either case (\"rd new\"); a name that is not\n"
+    "in the catalogue is answered with the names closest to it.\n"
     "\n"
     "Options of every command:\n"
     "  --catalogue DIR   the catalogue directory (default: the installed share/kvcart/)\n"
@@ -150,7 +153,7 @@ const char kProj4Help[] =
     "  kvcart proj4 @parcels.prj\n";
 
 const char kListHelp[] =
-    "Usage: kvcart list [--type MASK] [--branch NAME]\n"
+    "Usage: kvcart list [--type MASK] [--branch NAME] [--grep TEXT]\n"
     "\n"
     "Lists the catalogue's coordinate systems, one per line: the name, the\n"
     "projection type and the branch (the datum group it is filed under); the\n"
@@ -160,9 +163,14 @@ const char kListHelp[] =
     "  --type MASK     the sum of 1 (projections), 2 (geographical systems),\n"
     "                  4 (LONG/LAT) and 8 (NON-UTM); default 15, all\n"
     "  --branch NAME   only the definitions of that branch\n"
+    "  --grep TEXT     only the systems whose name or EPSG code (\"EPSG:27700\")\n"
+    "                  holds TEXT, in either case; each line ends with the code\n"
+    "                  when the system has one\n"
     "\n"
-    "Example:\n"
-    "  kvcart list --branch NAD83\n";
+    "Examples:\n"
+    "  kvcart list --branch NAD83\n"
+    "  kvcart list --grep \"rd new\"\n"
+    "  kvcart list --grep 27700\n";
 
 const char kEllipsoidsHelp[] =
     "Usage: kvcart ellipsoids [--system | --custom]\n"
@@ -337,7 +345,7 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
           {"precision", true}, {"skip-header", true}, {"metres", false}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
         {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}, {"legacy", false}}},
-        {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {{"type", true}, {"branch", true}}},
+        {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {{"type", true}, {"branch", true}, {"grep", true}}},
         {"ellipsoids", kEllipsoidsHelp, &CKvCliCommands::_ellipsoids, 0, 0, {{"system", false}, {"custom", false}}},
         {"zone", kZoneHelp, &CKvCliCommands::_zone, 1, 1, {}},
         {"geod", kGeodHelp, &CKvCliCommands::_geod, 4, 4, {{"cs", true}}},
@@ -494,7 +502,8 @@ bool CKvCliCommands::_readCatalogue()
 bool CKvCliCommands::_coordSysText(const std::string& argument, std::string& text) const
 {
     if (argument.empty() || argument[0] != '@') {
-        text = argument;
+        // A catalogue name in another case is taken as the catalogue spells it.
+        text = CKvMapProjection::CatalogueSpelling(argument.c_str());
         return true;
     }
     const std::string path = argument.substr(1);
@@ -549,7 +558,23 @@ std::unique_ptr<CKvMapProjection> MakeSystem(const std::string& text, const std:
     }
     if (system->GetProjection() == nullptr) {
         const std::string& reason = system->GetMessage();
-        if (reason.compare(0, 26, "unknown coordinate system ") == 0 || reason.empty())
+        // The library's reason for a name, quoted as the library quotes it: what
+        // follows the name (the names closest to it, or the names it could be
+        // in another case) is kept.
+        CString name(text.c_str());
+        name.Trim();
+        std::string detail;
+        for (const char* kind : {"unknown", "ambiguous"}) {
+            const std::string quoted = std::string(kind) + " coordinate system \"" + name.GetStdString() + "\"";
+            if (reason.compare(0, quoted.size(), quoted) == 0)
+                detail = reason.substr(quoted.size());
+        }
+        const size_t close = detail.find("; did you mean ");
+        if (close != std::string::npos)
+            error = "unknown coordinate system '" + shown + "' ('kvcart list' shows the catalogue)" + detail.substr(close);
+        else if (detail.compare(0, 2, ": ") == 0)
+            error = "ambiguous coordinate system '" + shown + "'" + detail;
+        else if (reason.compare(0, 26, "unknown coordinate system ") == 0 || reason.empty())
             error = "unknown coordinate system '" + shown + "' ('kvcart list' shows the catalogue)";
         else
             error = (shown.size() > 1 && shown[0] == '@' ? shown.substr(1) : std::string("the WKT text")) + ": " +
@@ -707,6 +732,11 @@ int CKvCliCommands::_info()
     parser.Parse(false);
 
     std::fprintf(m_out, "Name:          %s\n", system->GetName());
+    // The code of the registry's system a catalogue entry stands for.
+    const CKvMapProjData* entry =
+        CKvPRJParser::IsPRJ(CString(text.c_str())) ? nullptr : CKvMapProjection::FindMapProjectionDefinition(text.c_str());
+    if (entry != nullptr && entry->GetEpsgCode() > 0)
+        std::fprintf(m_out, "EPSG code:     %d\n", entry->GetEpsgCode());
     std::fprintf(m_out, "Projection:    %s\n", parser.GetProjectionTypeTitle().GetString());
     const int n = parser.GetNoOfParameters();
     for (int i = 0; i < n; ++i) {
@@ -838,6 +868,10 @@ int CKvCliCommands::_list()
     const int flags = static_cast<int>(mask);
     const bool byBranch = m_args.Has("branch");
     const std::string branch = m_args.GetValue("branch");
+    // --grep: a piece of the name or of "EPSG:n", in either case; the lines
+    // found end with the code.
+    const bool byText = m_args.Has("grep");
+    const std::string pattern = CKvNameSuggestions::Fold(m_args.GetValue("grep"));
     const CKvMapProjectionList& list = CKvCartSetup::Instance()->GetMapProjectionList();
     const std::string longLat = CKvMapProjection::IDtoProjectionString(CKvMapProjection::eLongLat);
     const std::string nonUtm = CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM);
@@ -850,13 +884,27 @@ int CKvCliCommands::_list()
                                                : CKvMapProjData::IsEquivalent(flags, d->GetProjectionType());
         if (!selected || (byBranch && d->GetBranchName() != branch))
             continue;
+        const std::string code = d->GetEpsgCode() > 0 ? "EPSG:" + std::to_string(d->GetEpsgCode()) : std::string();
+        if (byText && CKvNameSuggestions::Fold(name).find(pattern) == std::string::npos &&
+            (code.empty() || CKvNameSuggestions::Fold(code).find(pattern) == std::string::npos))
+            continue;
         const std::string title = name == nonUtm ? "Local grid" : d->GetProjectionTypeTitle();
-        std::fprintf(m_out, "%-46s %-34s %s%s\n", name.c_str(), title.c_str(), d->GetBranchName().c_str(),
-                     d->CanDelete() ? " [user]" : "");
+        std::fprintf(m_out, "%-46s %-34s %s%s%s%s\n", name.c_str(), title.c_str(), d->GetBranchName().c_str(),
+                     d->CanDelete() ? " [user]" : "", byText && !code.empty() ? "  " : "",
+                     byText ? code.c_str() : "");
         ++shown;
     }
-    if (shown == 0 && byBranch)
+    if (shown == 0 && byText) {
+        // What the catalogue holds that is nearest to the text.
+        CKvNameSuggestions candidates;
+        for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it)
+            candidates.Add((*it)->GetName(), (*it)->GetEpsgCode());
+        const std::string near = CKvNameSuggestions::DidYouMean(candidates.Suggest(m_args.GetValue("grep")));
+        std::fprintf(m_err, "kvcart: no definition%s matches '%s'%s%s\n", byBranch ? " of the branch" : "",
+                     m_args.GetValue("grep").c_str(), near.empty() ? "" : "; ", near.c_str());
+    } else if (shown == 0 && byBranch) {
         std::fprintf(m_err, "kvcart: no definition of branch '%s'\n", branch.c_str());
+    }
     return eSuccess;
 }
 
