@@ -77,6 +77,9 @@ void CKvMapProjection::_takeFigure()
     CKvEllipsoid ellipsoid;
     const bool known = m_pProjection != nullptr && m_pProjection->GetAnonymousEllipsoid(ellipsoid);
     m_figure = known ? CKvGeocentric(ellipsoid) : CKvGeocentric();
+    CKvEllipsoid geodesic;
+    const bool geodesics = m_pProjection != nullptr && _geodesicEllipsoid(geodesic);
+    m_geodesic = geodesics ? CKvGeodesic(geodesic) : CKvGeodesic(0.0, 0.0);
 }
 
 CKvMapProjection::CKvMapProjection(const CKvMapProjection& other) : m_pProjection(nullptr)
@@ -106,6 +109,7 @@ void CKvMapProjection::_copy(const CKvMapProjection& other)
     m_projectionString = other.m_projectionString;
     m_message = other.m_message;
     m_figure = other.m_figure;
+    m_geodesic = other.m_geodesic;
     m_usSurveyFeet = other.m_usSurveyFeet;
 }
 
@@ -303,6 +307,14 @@ bool CKvMapProjection::GetPoint(double lon1, double lat1, double azimuth12, doub
         return false;
     CKvVincenty(ellipsoid).GetPoint(lon1, lat1, azimuth12, distance, lon2, lat2, azimuth21);
     return true;
+}
+
+bool CKvMapProjection::GetInverseGeodesic(double lon1, double lat1, double lon2, double lat2, double& distance,
+                                          double& azimuth1, double& azimuth2) const
+{
+    // The figure was taken with the system (none when it did not resolve): no
+    // ellipsoid is copied per call.
+    return m_geodesic.Inverse(lon1, lat1, lon2, lat2, distance, azimuth1, azimuth2);
 }
 
 const char* CKvMapProjection::IDtoProjectionString(int id)

@@ -5,6 +5,7 @@
 #include "catalogue/KvEllipsoidList.h"
 #include "coordsys/KvProjectionInfo.h"
 #include "geodesy/KvGeocentric.h"
+#include "geodesy/KvGeodesic.h"
 
 #include <cstddef>
 
@@ -114,6 +115,15 @@ public:
                      double& azimuth21) const;
     bool GetPoint(double lon1, double lat1, double azimuth12, double distance, double& lon2, double& lat2,
                   double& azimuth21) const;
+    // The inverse geodesic problem by Karney's method (CKvGeodesic) on the
+    // ellipsoid of GetPoint: the length in metres of the shortest geodesic from
+    // (lon1, lat1) to (lon2, lat2), degrees, and the forward azimuths at both
+    // ends (the direction of travel at the second point) in degrees within
+    // (-180, 180]. False, with NaN in the outputs, for a system without engine
+    // or ellipsoid and for points that are none (NaN, infinite, a latitude
+    // beyond +-90); longitudes of any size are reduced exactly.
+    bool GetInverseGeodesic(double lon1, double lat1, double lon2, double lat2, double& distance, double& azimuth1,
+                            double& azimuth2) const;
 
     static const char* IDtoProjectionString(int id);
 
@@ -231,6 +241,9 @@ private:
     std::string m_message;
     bool m_usSurveyFeet = false; // a catalogue definition kept in US survey feet
     CKvGeocentric m_figure;
+    // The figure of GetInverseGeodesic, taken with m_figure (the ellipsoid of
+    // _geodesicEllipsoid); not valid without one.
+    CKvGeodesic m_geodesic{0.0, 0.0};
 };
 
 #endif

@@ -209,6 +209,14 @@ extern "C" void C_KVMP_GETLINEARUNIT(KVMP_HANDLE handle, double* factor, int* st
     *status = value > 0.0 ? 0 : -1;
 }
 
+extern "C" int C_KVMP_GETINVERSEGEODESIC(KVMP_HANDLE handle, double lon1, double lat1, double lon2, double lat2,
+                                         double* distance, double* azimuth1, double* azimuth2)
+{
+    if (handle == nullptr || distance == nullptr || azimuth1 == nullptr || azimuth2 == nullptr)
+        return -1;
+    return handle->GetInverseGeodesic(lon1, lat1, lon2, lat2, *distance, *azimuth1, *azimuth2) ? 0 : -1;
+}
+
 /* Local site grids */
 
 extern "C" void C_KVC_CREATE(const char* text, double lon0, double lat0, double orientation, KVC_HANDLE* handle,

@@ -114,6 +114,17 @@ void C_KVMP_GETDEFAULTAREA(KVMP_HANDLE handle, double* x0, double* y0, double* x
  * whatever the unit: a host whose coordinates are in the system's unit
  * multiplies projected input by the factor and divides projected output by it. */
 void C_KVMP_GETLINEARUNIT(KVMP_HANDLE handle, double* factor, int* status);
+/* The inverse geodesic problem (Karney's method) on the system's ellipsoid, as
+ * for the direct one: WGS 84 for a geographical system without an ellipsoid.
+ * Writes the length in metres of the shortest geodesic from (lon1, lat1) to
+ * (lon2, lat2), degrees, and the forward azimuths at both ends (at the second
+ * point the direction of travel) in degrees within (-180, 180]; longitudes of
+ * any size are reduced exactly. Returns 0, or -1: for a NULL handle or output
+ * pointer (nothing is written), and, with NaN in the three outputs, for a
+ * system without an ellipsoid or points that are none (NaN, infinite, a
+ * latitude beyond +-90). */
+int C_KVMP_GETINVERSEGEODESIC(KVMP_HANDLE handle, double lon1, double lat1, double lon2, double lat2,
+                              double* distance, double* azimuth1, double* azimuth2);
 
 /* How WKT is read where its established reading and the EPSG registry's
  * definition part: a Transverse_Mercator_South_Orientated text without

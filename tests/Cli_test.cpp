@@ -151,6 +151,9 @@ TEST(Cli, BadSystemsAndOptionsStopBeforeAnyPointIsRead)
         {{"transform", "LONG/LAT", "UTM-32", "--type", "1"}, "'--type' does not apply to transform"},
         {{"zone", "east"}, "longitude 'east' is not a finite number"},
         {{"geod", "0", "91", "0", "1"}, "outside -90..90"},
+        {{"geod", "--inverse", "0", "0", "10", "-90.5"}, "latitude '-90.5' is outside -90..90"},
+        {{"geod", "--inverse", "0", "0", "inf", "1"}, "longitude 'inf' is not a finite number"},
+        {{"geod", "--inverse", "0", "0", "1"}, "missing arguments"},
         {{"reproject"}, "unknown command 'reproject'"},
         {{"list", "--catalogue", "no-such-dir"}, "holds no catalogue"},
         {{}, "Usage: kvcart COMMAND"},
@@ -248,6 +251,18 @@ TEST(Cli, DescribesSystemsAndAnswersTheSmallQuestions)
     double lon = 0;
     ASSERT_EQ(std::sscanf(across.out.c_str(), "%lf", &lon), 1);
     EXPECT_NEAR(lon, -179.65083, 1e-4);
+    // The inverse problem. GeodSolve -i: 344429.171783997 m, -29.96692550310267, -31.87038712995245 on
+    // WGS 84; on Airy 1830 (-e 6377563.396 1/299.3249646) 968857.386151295 m, 9.10126142630937,
+    // 11.24463993788251; across the antimeridian 6641073.444108329 m, 1.00550553691377 twice.
+    EXPECT_EQ(Kvcart(dir, {"geod", "--inverse", "2.35", "48.85", "-0.1275", "51.507"}).out,
+              "344429.171784 -29.966925503 -31.870387130\n");
+    EXPECT_EQ(Kvcart(dir, {"geod", "--inverse", "-5.7", "50.07", "-3.07", "58.64", "--cs", "British National Grid"}).out,
+              "968857.386151 9.101261426 11.244639938\n");
+    EXPECT_EQ(Kvcart(dir, {"geod", "--inverse", "179.5", "-30", "540.5", "30"}).out,
+              "6641073.444108 1.005505537 1.005505537\n");
+    const SRun noEllipsoid = Kvcart(dir, {"geod", "--inverse", "0", "0", "1", "1", "--cs", "NON-UTM"});
+    EXPECT_EQ(noEllipsoid.status, 1);
+    EXPECT_NE(noEllipsoid.err.find("has no ellipsoid"), std::string::npos) << noEllipsoid.err;
 
     for (const char* command :
          {"transform", "info", "proj4", "list", "ellipsoids", "zone", "geod", "check", "add", "remove"}) {

@@ -1,8 +1,12 @@
 // The inverse geodesic problem (CKvGeodesic, Karney's method) against
 // GeographicLib's GeodSolve (tools/make_geodesic_inverse_vectors.py), its
-// symmetries, a round trip through Vincenty's direct problem, and its domain.
+// symmetries, a round trip through Vincenty's direct problem, its domain, and
+// the coordinate systems and C interface that offer it.
+#include "TestSupport.h"
+#include "coordsys/KvMapProjection.h"
 #include "geodesy/KvGeodesic.h"
 #include "geodesy/KvVincenty.h"
+#include "interface/KvCart.h"
 
 #include <cmath>
 #include <fstream>
@@ -309,4 +313,101 @@ TEST(GeodesicInverse, Domain)
     ASSERT_TRUE(sphere.IsValid());
     ASSERT_TRUE(sphere.Inverse(0.0, 0.0, 0.0, 90.0, s, a1, a2));
     EXPECT_NEAR(s, 6371000.0 * 3.141592653589793 / 2, 1e-8);
+}
+
+// Coordinate systems solve on their own ellipsoid (WGS 84 for LONG/LAT, as for
+// the direct problem); a copy keeps it; a system without one answers false.
+TEST(GeodesicInverse, OnTheEllipsoidOfASystem)
+{
+    kvtest::ShippedCatalogue();
+    const CKvGeodesic airy(CKvEllipsoid("Airy 1830", "AA", 6377563.396, 299.3249646));
+    const CKvGeodesic international(CKvEllipsoid("International 1924", "IN", 6378388.0, 297.0));
+    const char kEd50Wkt[] = "GEOGCS[\"ED50\",DATUM[\"European_Datum_1950\",SPHEROID[\"International 1924\",6378388,297]],"
+                            "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]";
+    const struct
+    {
+        const char* text;
+        const CKvGeodesic& figure;
+    } systems[] = {{"LONG/LAT", Wgs84()},
+                   {"UTM-32", Wgs84()},
+                   {"British National Grid", airy},
+                   {kEd50Wkt, international}};
+    for (const auto& system : systems) {
+        const CKvMapProjection cs(system.text);
+        ASSERT_NE(cs.GetProjection(), nullptr) << system.text;
+        const CKvMapProjection copy(cs);
+        CKvMapProjection assigned("NON-UTM");
+        assigned = cs;
+        double s, a1, a2, t, t1, t2;
+        ASSERT_TRUE(system.figure.Inverse(-5.7, 50.07, 9.5, 47.5, t, t1, t2));
+        const CKvMapProjection* const objects[] = {&cs, &copy, &assigned};
+        for (const CKvMapProjection* object : objects) {
+            ASSERT_TRUE(object->GetInverseGeodesic(-5.7, 50.07, 9.5, 47.5, s, a1, a2)) << system.text;
+            EXPECT_EQ(s, t) << system.text;
+            EXPECT_EQ(a1, t1) << system.text;
+            EXPECT_EQ(a2, t2) << system.text;
+        }
+    }
+    // The figures differ by hundreds of metres over this line.
+    double sw, sa, a1, a2;
+    ASSERT_TRUE(Wgs84().Inverse(-5.7, 50.07, 9.5, 47.5, sw, a1, a2));
+    ASSERT_TRUE(airy.Inverse(-5.7, 50.07, 9.5, 47.5, sa, a1, a2));
+    EXPECT_GT(std::fabs(sw - sa), 100.0);
+
+    for (const char* none : {"NON-UTM", "Nowhere Grid"}) {
+        const CKvMapProjection cs(none);
+        double s = 1.0, x1 = 2.0, x2 = 3.0;
+        EXPECT_FALSE(cs.GetInverseGeodesic(0.0, 0.0, 1.0, 1.0, s, x1, x2)) << none;
+        EXPECT_TRUE(std::isnan(s) && std::isnan(x1) && std::isnan(x2)) << none;
+    }
+    const CKvMapProjection longLat("LONG/LAT");
+    double s = 1.0, x1 = 2.0, x2 = 3.0;
+    EXPECT_FALSE(longLat.GetInverseGeodesic(0.0, 95.0, 1.0, 1.0, s, x1, x2));
+    EXPECT_TRUE(std::isnan(s) && std::isnan(x1) && std::isnan(x2));
+}
+
+// The C interface: status 0 and the C++ results; -1 for a NULL handle or output
+// (nothing written), and -1 with NaN for points that are none or a system
+// without an ellipsoid.
+TEST(GeodesicInverse, CInterface)
+{
+    kvtest::ShippedCatalogue();
+    KVMP_HANDLE system = nullptr, local = nullptr;
+    int status = -1;
+    C_KVMP_CREATE("British National Grid", &system, &status);
+    ASSERT_EQ(status, 0);
+    C_KVMP_CREATE("NON-UTM", &local, &status);
+    ASSERT_EQ(status, 0);
+
+    double s = 0.0, a1 = 0.0, a2 = 0.0, t, t1, t2;
+    EXPECT_EQ(C_KVMP_GETINVERSEGEODESIC(system, -5.7, 50.07, -3.07, 58.64, &s, &a1, &a2), 0);
+    ASSERT_TRUE(system->GetInverseGeodesic(-5.7, 50.07, -3.07, 58.64, t, t1, t2));
+    EXPECT_EQ(s, t);
+    EXPECT_EQ(a1, t1);
+    EXPECT_EQ(a2, t2);
+    // GeodSolve -i -e 6377563.396 1/299.3249646: 968857.386151295 m, 9.10126142630937, 11.24463993788251.
+    EXPECT_NEAR(s, 968857.386151295, 1e-8);
+    EXPECT_NEAR(a1, 9.10126142630937, 1e-12);
+    EXPECT_NEAR(a2, 11.24463993788251, 1e-12);
+
+    double u = 7.0, u1 = 8.0, u2 = 9.0;
+    EXPECT_EQ(C_KVMP_GETINVERSEGEODESIC(nullptr, 0, 0, 1, 1, &u, &u1, &u2), -1);
+    EXPECT_EQ(C_KVMP_GETINVERSEGEODESIC(system, 0, 0, 1, 1, nullptr, &u1, &u2), -1);
+    EXPECT_EQ(C_KVMP_GETINVERSEGEODESIC(system, 0, 0, 1, 1, &u, nullptr, &u2), -1);
+    EXPECT_EQ(C_KVMP_GETINVERSEGEODESIC(system, 0, 0, 1, 1, &u, &u1, nullptr), -1);
+    EXPECT_EQ(u, 7.0);
+    EXPECT_EQ(u1, 8.0);
+    EXPECT_EQ(u2, 9.0);
+    for (const auto& p : {std::vector<double>{std::nan(""), 0, 1, 1}, std::vector<double>{0, 0, HUGE_VAL, 1},
+                          std::vector<double>{0, -90.5, 1, 1}}) {
+        u = u1 = u2 = 0.0;
+        EXPECT_EQ(C_KVMP_GETINVERSEGEODESIC(system, p[0], p[1], p[2], p[3], &u, &u1, &u2), -1);
+        EXPECT_TRUE(std::isnan(u) && std::isnan(u1) && std::isnan(u2));
+    }
+    u = u1 = u2 = 0.0;
+    EXPECT_EQ(C_KVMP_GETINVERSEGEODESIC(local, 0, 0, 1, 1, &u, &u1, &u2), -1);
+    EXPECT_TRUE(std::isnan(u) && std::isnan(u1) && std::isnan(u2));
+
+    C_KVMP_DESTROY(&system, &status);
+    C_KVMP_DESTROY(&local, &status);
 }

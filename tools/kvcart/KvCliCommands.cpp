@@ -49,6 +49,8 @@ const char kMainHelp[] =
     "  ellipsoids                      list the catalogue's ellipsoids\n"
     "  zone LON                        the UTM zone of a longitude\n"
     "  geod LON LAT AZIMUTH DISTANCE   solve the direct geodesic problem\n"
+    "  geod --inverse LON1 LAT1 LON2 LAT2\n"
+    "                                  solve the inverse geodesic problem\n"
     "  check FILE.gxr                  validate a catalogue file\n"
     "  add NAME CS                     add a definition to the user's catalogue\n"
     "  remove NAME                     remove a definition from the user's catalogue\n"
@@ -193,17 +195,26 @@ const char kZoneHelp[] =
 
 const char kGeodHelp[] =
     "Usage: kvcart geod LON LAT AZIMUTH DISTANCE [--cs CS]\n"
+    "       kvcart geod --inverse LON1 LAT1 LON2 LAT2 [--cs CS]\n"
     "\n"
     "Solves the direct geodesic problem (Vincenty): from the point LON LAT\n"
     "(degrees) along the azimuth AZIMUTH (degrees clockwise from north) for\n"
     "DISTANCE metres. Writes the end point's longitude and latitude and the\n"
     "forward azimuth there, in degrees.\n"
     "\n"
-    "Options:\n"
-    "  --cs CS   work on the ellipsoid of that coordinate system (default WGS 84)\n"
+    "With --inverse, solves the inverse problem (Karney): the shortest geodesic\n"
+    "from the point LON1 LAT1 to LON2 LAT2 (degrees; longitudes of any size).\n"
+    "Writes its length in metres and the forward azimuths at both points (at the\n"
+    "second, the direction of travel), in degrees clockwise from north within\n"
+    "-180..180.\n"
     "\n"
-    "Example:\n"
-    "  kvcart geod 2.35 48.85 45 100000\n";
+    "Options:\n"
+    "  --cs CS     work on the ellipsoid of that coordinate system (default WGS 84)\n"
+    "  --inverse   solve the inverse problem\n"
+    "\n"
+    "Examples:\n"
+    "  kvcart geod 2.35 48.85 45 100000\n"
+    "  kvcart geod --inverse 2.35 48.85 -0.1275 51.507\n";
 
 const char kCheckHelp[] =
     "Usage: kvcart check FILE.gxr\n"
@@ -348,7 +359,7 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
         {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {{"type", true}, {"branch", true}, {"grep", true}}},
         {"ellipsoids", kEllipsoidsHelp, &CKvCliCommands::_ellipsoids, 0, 0, {{"system", false}, {"custom", false}}},
         {"zone", kZoneHelp, &CKvCliCommands::_zone, 1, 1, {}},
-        {"geod", kGeodHelp, &CKvCliCommands::_geod, 4, 4, {{"cs", true}}},
+        {"geod", kGeodHelp, &CKvCliCommands::_geod, 4, 4, {{"cs", true}, {"inverse", false}}},
         {"check", kCheckHelp, &CKvCliCommands::_check, 1, 1, {}},
         {"add", kAddHelp, &CKvCliCommands::_add, 2, 4, {{"branch", true}, {"ellipsoid", false}}},
         {"remove", kRemoveHelp, &CKvCliCommands::_remove, 1, 1, {{"ellipsoid", false}}},
@@ -939,18 +950,35 @@ int CKvCliCommands::_zone()
 int CKvCliCommands::_geod()
 {
     const std::vector<std::string>& args = m_args.GetPositionals();
-    double lon = 0.0, lat = 0.0, azimuth = 0.0, distance = 0.0;
-    if (!_number(args[0], "longitude", lon) || !_number(args[1], "latitude", lat) ||
-        !_number(args[2], "azimuth", azimuth) || !_number(args[3], "distance", distance))
-        return eUsage;
-    if (std::fabs(lat) > 90.0)
-        return _usage("latitude '" + args[1] + "' is outside -90..90");
+    // The direct problem: LON LAT AZIMUTH DISTANCE; the inverse (--inverse):
+    // LON1 LAT1 LON2 LAT2.
+    const bool inverse = m_args.Has("inverse");
+    static const char* const names[2][4] = {{"longitude", "latitude", "azimuth", "distance"},
+                                            {"longitude", "latitude", "longitude", "latitude"}};
+    double v[4] = {0.0, 0.0, 0.0, 0.0};
+    for (int i = 0; i < 4; ++i)
+        if (!_number(args[i], names[inverse ? 1 : 0][i], v[i]))
+            return eUsage;
+    for (int i = 1; i < (inverse ? 4 : 2); i += 2)
+        if (std::fabs(v[i]) > 90.0)
+            return _usage("latitude '" + args[i] + "' is outside -90..90");
     std::string text = CKvMapProjection::IDtoProjectionString(CKvMapProjection::eLongLat), error;
     if (m_args.Has("cs") && !_coordSysText(m_args.GetValue("cs"), text))
         return eUsage;
     const std::unique_ptr<CKvMapProjection> system = MakeSystem(text, m_args.GetValue("cs", text), error);
     if (!system)
         return _usage(error);
+    if (inverse) {
+        double distance = 0.0, azimuth1 = 0.0, azimuth2 = 0.0;
+        if (!system->GetInverseGeodesic(v[0], v[1], v[2], v[3], distance, azimuth1, azimuth2)) {
+            std::fprintf(m_err, "kvcart: the geodesic could not be solved (the coordinate system has no ellipsoid)\n");
+            return eBadInput;
+        }
+        std::fprintf(m_out, "%s %s %s\n", Format(distance, 6).c_str(), Format(azimuth1, 9).c_str(),
+                     Format(azimuth2, 9).c_str());
+        return eSuccess;
+    }
+    const double lon = v[0], lat = v[1], azimuth = v[2], distance = v[3];
     double lon2 = 0.0, lat2 = 0.0, azimuth2 = 0.0;
     if (!system->GetPoint(lon, lat, azimuth, distance, lon2, lat2, azimuth2) || !std::isfinite(lon2) ||
         !std::isfinite(lat2)) {
