@@ -25,6 +25,7 @@
 #include "paramfile/Gxr.h"
 #include "wkt/KvPRJParser.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -71,6 +72,10 @@ void CKvMapProjData::CopyFieldsFrom(const CKvMapProjData& other)
     SetBranchName(other.GetBranchName());
     SetEllipsoidID(other.GetEllipsoidID());
     m_epsgCode = other.m_epsgCode;
+    m_shiftCount = other.m_shiftCount;
+    std::copy(other.m_shift, other.m_shift + CKvDatumShift::NoOfParameters, m_shift);
+    m_shiftCode = other.m_shiftCode;
+    m_shiftAccuracy = other.m_shiftAccuracy;
     double values[MaxParameters] = {};
     const int n = other.GetNoOfParameters() < GetNoOfParameters() ? other.GetNoOfParameters() : GetNoOfParameters();
     for (int i = 0; i < n; ++i)
@@ -104,6 +109,9 @@ std::vector<CKvUserCatalogue::SKeywordRule> CKvMapProjData::GetKeywordRules() co
             rules.push_back({keyword + "_ft_us", false, 1, 1});
     }
     rules.push_back({"EPSG_Code", false, 1, 1});
+    rules.push_back({"TOWGS84", false, 3, CKvDatumShift::NoOfParameters});
+    rules.push_back({"TOWGS84_Code", false, 1, 1});
+    rules.push_back({"TOWGS84_Accuracy", false, 1, 1});
     return rules;
 }
 
@@ -111,10 +119,36 @@ bool CKvMapProjData::CheckSection(const GxrSection& section, std::string& proble
 {
     if (!CKvUserCatalogue::CheckSection(section, GetKeywordRules(), problem))
         return false;
+    bool shifted = false;
+    for (const GxrKeyword& keyword : section.keywords)
+        shifted = shifted || keyword.name == "TOWGS84";
     for (const GxrKeyword& keyword : section.keywords) {
         const std::string where = std::to_string(keyword.line) + ": keyword '" + keyword.name + "' ";
-        if (keyword.name == "EPSG_Code" && !IsCode(keyword.params.front().number)) {
-            problem = where + "takes a whole number from 1 to 2147483647, not " + keyword.params.front().text;
+        const GxrParam& first = keyword.params.front();
+        if ((keyword.name == "EPSG_Code" || keyword.name == "TOWGS84_Code") && !IsCode(first.number)) {
+            problem = where + "takes a whole number from 1 to 2147483647, not " + first.text;
+            return false;
+        }
+        if (keyword.name == "TOWGS84") {
+            const size_t n = keyword.params.size();
+            if (n != 3 && n != CKvDatumShift::NoOfParameters) {
+                problem = where + "takes 3 values (dx dy dz) or 7 (dx dy dz rx ry rz ds), not " + std::to_string(n);
+                return false;
+            }
+            for (const GxrParam& value : keyword.params)
+                if (!std::isfinite(value.number)) {
+                    problem = where + "takes finite numbers, not " + value.text;
+                    return false;
+                }
+        }
+        if (keyword.name == "TOWGS84_Accuracy" && !(first.number >= 0.0 && std::isfinite(first.number))) {
+            problem = where + "takes a length in metres, 0 or more, not " + first.text;
+            return false;
+        }
+        // A code or an accuracy without the shift it belongs to would be lost
+        // when the definition is written back.
+        if ((keyword.name == "TOWGS84_Code" || keyword.name == "TOWGS84_Accuracy") && !shifted) {
+            problem = where + "describes the datum shift, and the section has no TOWGS84";
             return false;
         }
     }
@@ -180,6 +214,17 @@ bool CKvMapProjData::ReadFromHandle(void* handle, bool custom)
                       gxrKeywordByNameNum(section, "Fnorth_ft_us", 1) != nullptr;
     double code = 0.0;
     m_epsgCode = gxrGetParam(section, "EPSG_Code", &code, 1, 1) && IsCode(code) ? static_cast<int>(code) : 0;
+    RemoveDatumShift();
+    if (GxrKeyword* line = gxrKeywordByNameNum(section, "TOWGS84", 1)) {
+        const int n = gxrGetNoParams(line);
+        double values[CKvDatumShift::NoOfParameters] = {0, 0, 0, 0, 0, 0, 0};
+        for (int i = 0; i < n && i < CKvDatumShift::NoOfParameters; ++i)
+            values[i] = gxrGetDouble(gxrParamByNum(line, i + 1));
+        double shiftCode = 0.0, accuracy = -1.0;
+        gxrGetParam(section, "TOWGS84_Code", &shiftCode, 1, 1);
+        gxrGetParam(section, "TOWGS84_Accuracy", &accuracy, 1, 1);
+        SetDatumShift(values, n, IsCode(shiftCode) ? static_cast<int>(shiftCode) : 0, accuracy);
+    }
     SetPermissions(custom, custom);
     return true;
 }
@@ -196,7 +241,50 @@ bool CKvMapProjData::WriteToHandle(void* handle) const
         ok = gxrPutParam(section, m_pInfo->parameters[i].keyword, m_adParams[i]) == GXR_OK && ok;
     if (m_epsgCode > 0)
         ok = gxrPutParam(section, "EPSG_Code", static_cast<double>(m_epsgCode)) == GXR_OK && ok;
+    if (m_shiftCount != 0) {
+        GxrKeyword* line = gxrAddKeyword(section, "TOWGS84");
+        ok = line != nullptr && ok;
+        for (int i = 0; line != nullptr && i < m_shiftCount; ++i)
+            ok = gxrAppendParam(line, m_shift[i]) == GXR_OK && ok;
+        if (m_shiftCode > 0)
+            ok = gxrPutParam(section, "TOWGS84_Code", static_cast<double>(m_shiftCode)) == GXR_OK && ok;
+        if (m_shiftAccuracy >= 0.0)
+            ok = gxrPutParam(section, "TOWGS84_Accuracy", m_shiftAccuracy) == GXR_OK && ok;
+    }
     return gxrEndSection(section) == GXR_OK && ok;
+}
+
+bool CKvMapProjData::GetDatumShift(CKvDatumShift& shift) const
+{
+    if (m_shiftCount == 0) {
+        shift.Reset();
+        return false;
+    }
+    shift.SetParameters(m_shift);
+    return true;
+}
+
+bool CKvMapProjData::SetDatumShift(const double* values, int count, int code, double accuracy)
+{
+    if (values == nullptr || (count != 3 && count != CKvDatumShift::NoOfParameters))
+        return false;
+    for (int i = 0; i < count; ++i)
+        if (!std::isfinite(values[i]))
+            return false;
+    std::fill(m_shift, m_shift + CKvDatumShift::NoOfParameters, 0.0);
+    std::copy(values, values + count, m_shift);
+    m_shiftCount = count;
+    m_shiftCode = code > 0 ? code : 0;
+    m_shiftAccuracy = accuracy >= 0.0 && std::isfinite(accuracy) ? accuracy : -1.0;
+    return true;
+}
+
+void CKvMapProjData::RemoveDatumShift()
+{
+    m_shiftCount = 0;
+    std::fill(m_shift, m_shift + CKvDatumShift::NoOfParameters, 0.0);
+    m_shiftCode = 0;
+    m_shiftAccuracy = -1.0;
 }
 
 void CKvMapProjData::TransferWith(CKvPRJParser& parser, const CKvEllipsoid& ellipsoid, bool found,

@@ -3,6 +3,7 @@
 
 #include "catalogue/KvEllipsoid.h"
 #include "catalogue/KvUserCatalogue.h"
+#include "geodesy/KvDatumShift.h"
 
 #include <string>
 #include <vector>
@@ -123,8 +124,33 @@ public:
     // 2147483647); 0 when none is given. A code of 0 or less removes it.
     int GetEpsgCode() const { return m_epsgCode; }
     void SetEpsgCode(int code) { m_epsgCode = code > 0 ? code : 0; }
+    // The shift from the definition's datum to WGS 84, in a parameter file
+    //   TOWGS84           dx dy dz [rx ry rz ds]
+    //   TOWGS84_Code      1314        (the EPSG code of the transformation)
+    //   TOWGS84_Accuracy  2           (metres)
+    // with the translations in metres, the rotations in arc-seconds in the
+    // position-vector convention (EPSG method 9606, as CKvDatumShift holds
+    // them) and the scale correction in ppm. A shift of zero is a shift all the
+    // same: the datum coincides with WGS 84 at the transformation's accuracy
+    // (NAD83, ETRS89), where a definition without one has an unknown shift.
+    // GetDatumShift gives false, and shift reset, for a definition without one.
+    bool HasDatumShift() const { return m_shiftCount != 0; }
+    bool GetDatumShift(CKvDatumShift& shift) const;
+    // 3 or 7: the values the shift is written with; 0 without a shift.
+    int GetDatumShiftCount() const { return m_shiftCount; }
+    // The EPSG code of the transformation, 0 when none is given.
+    int GetDatumShiftCode() const { return m_shiftCode; }
+    // The transformation's accuracy in metres; negative when none is given.
+    double GetDatumShiftAccuracy() const { return m_shiftAccuracy; }
+    // count values (3 or 7, finite; rotations in arc-seconds, position vector;
+    // scale in ppm). A code of 0 or less is none, an accuracy that is negative
+    // or no finite number is none. False, changing nothing, for another count
+    // or a value that is not finite.
+    bool SetDatumShift(const double* values, int count, int code = 0, double accuracy = -1.0);
+    void RemoveDatumShift();
 
-    // Only the name, branch, ellipsoid, parameters and EPSG code; the flags stay as they are.
+    // Only the name, branch, ellipsoid, parameters, EPSG code and datum shift;
+    // the flags stay as they are.
     void CopyFieldsFrom(const CKvMapProjData& other);
     void SetPermissions(bool canDelete, bool canEdit);
     const STypeInfo& GetTypeInfo() const { return *m_pInfo; }
@@ -187,6 +213,10 @@ private:
     bool m_bCanEdit;
     bool m_bUsSurveyFeet = false;
     int m_epsgCode = 0;
+    int m_shiftCount = 0; // 0: no shift, else 3 or 7
+    double m_shift[CKvDatumShift::NoOfParameters] = {0, 0, 0, 0, 0, 0, 0};
+    int m_shiftCode = 0;
+    double m_shiftAccuracy = -1.0;
     double m_adParams[MaxParameters];
 };
 

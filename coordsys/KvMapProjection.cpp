@@ -51,6 +51,10 @@ void CKvMapProjection::_construct(const char* text)
     m_pProjection = GetProjection(text, &m_info, &m_message);
     if (m_pProjection == nullptr)
         return;
+    // A WKT with a TOWGS84 node knows its shift, a zero one too (the parser
+    // reads the node where it finds the word).
+    if (CKvPRJParser::IsPRJ(text))
+        m_info.SetDatumShiftKnown(CString(text).Find("TOWGS84") >= 0);
     // A catalogue name gets its units and axes from the WKT its engine describes.
     if (!CKvPRJParser::IsPRJ(text) && !IsLocal(text) && !IsLongLat(text)) {
         CString wkt;
@@ -64,6 +68,16 @@ void CKvMapProjection::_construct(const char* text)
         name.Trim();
         const CKvMapProjData* definition = FindMapProjectionDefinition(name.GetString());
         m_usSurveyFeet = definition != nullptr && definition->IsInUsSurveyFeet();
+        // The engine's WKT knows no datum shift: the definition's is set after
+        // it. Without one the shift stays unknown, as the definition has it.
+        CKvDatumShift shift;
+        if (definition != nullptr && definition->GetDatumShift(shift))
+            m_info.SetDatumShift(shift, true);
+        else
+            m_info.SetDatumShift(CKvDatumShift(), false);
+        // The built-in UTM zones are filed under their own branch; their datum is WGS 84.
+        if (definition != nullptr && !definition->CanDelete() && definition->GetBranchName() == "UTM Projections")
+            m_info.SetDatumName("WGS 84");
     }
     m_projectionString = text;
     _takeFigure();

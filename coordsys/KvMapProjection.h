@@ -98,6 +98,12 @@ public:
     // names no usable unit. The engines work in metres whatever it is.
     double GetLinearUnit() const;
     void GetDatumShift(CKvDatumShift& shift) const { m_info.GetDatumShift(shift); }
+    // Whether the shift to WGS 84 is known (also when it is zero): a WKT's
+    // TOWGS84, a catalogue definition's TOWGS84 keyword, the registry's shift.
+    bool IsDatumShiftKnown() const { return m_info.IsDatumShiftKnown(); }
+    // The datum the system names: a WKT's DATUM, a catalogue definition's
+    // branch ("WGS 84" for the built-in UTM zones); "" for LONG/LAT and NON-UTM.
+    const char* GetDatumName() const { return m_info.GetDatumName(); }
     // 4 x first axis type + second axis type: 1 for easting/northing.
     int GetCoordSysType() const;
     // Geocentric coordinates on the engine's ellipsoid (metres), and back by

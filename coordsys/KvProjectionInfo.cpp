@@ -6,7 +6,6 @@
 #include <strings.h>
 #include <utility>
 
-
 CKvProjectionInfo::CAxis::CAxis() : m_type(eEast), m_sign(1.0), m_name{}
 {
     SetProperties(eEast, "");
@@ -57,7 +56,8 @@ CKvProjectionInfo::CAxis::EType CKvProjectionInfo::CAxis::StringToType(const cha
 
 CKvProjectionInfo::CKvProjectionInfo()
     : m_projUnit(Undefined), m_angularUnit(Undefined), m_projUnitName{}, m_angularUnitName{},
-      m_firstAxis(CAxis::eEast, "Easting"), m_secondAxis(CAxis::eNorth, "Northing")
+      m_datumShiftKnown(false), m_datumName{}, m_firstAxis(CAxis::eEast, "Easting"),
+      m_secondAxis(CAxis::eNorth, "Northing")
 {
 }
 
@@ -80,6 +80,8 @@ void CKvProjectionInfo::_copy(const CKvProjectionInfo& other)
     std::memcpy(m_projUnitName, other.m_projUnitName, sizeof m_projUnitName);
     std::memcpy(m_angularUnitName, other.m_angularUnitName, sizeof m_angularUnitName);
     m_datumShift = other.m_datumShift;
+    m_datumShiftKnown = other.m_datumShiftKnown;
+    std::memcpy(m_datumName, other.m_datumName, sizeof m_datumName);
     m_firstAxis = other.m_firstAxis;
     m_secondAxis = other.m_secondAxis;
 }
@@ -92,11 +94,18 @@ void CKvProjectionInfo::SetProjectionInfo(const CKvPRJParser& parser)
     parser.GetAngularUnit(name, m_angularUnit);
     CString::CopyBounded(m_angularUnitName, sizeof m_angularUnitName, name);
     parser.GetDatumShift(m_datumShift);
+    m_datumShiftKnown = m_datumShift.GetType() != CKvCartDef::eNoDatumShift;
+    CString::CopyBounded(m_datumName, sizeof m_datumName, parser.GetDatum());
     CString direction;
     parser.GetAxisInfo(CKvPRJParser::eFirstAxis, name, direction);
     m_firstAxis.SetProperties(m_firstAxis.StringToType(direction), name);
     parser.GetAxisInfo(CKvPRJParser::eSecondAxis, name, direction);
     m_secondAxis.SetProperties(m_secondAxis.StringToType(direction), name);
+}
+
+void CKvProjectionInfo::SetDatumName(const char* name)
+{
+    CString::CopyBounded(m_datumName, sizeof m_datumName, name != nullptr ? name : "");
 }
 
 bool CKvProjectionInfo::GetProjUnit(double* factor, char* name) const
@@ -123,4 +132,3 @@ bool CKvProjectionInfo::KeepsEngineAxes() const
 {
     return m_firstAxis.GetSign() == 1.0 && m_secondAxis.GetSign() == 1.0 && !_firstIsVertical();
 }
-

@@ -60,13 +60,35 @@ public:
     CKvProjectionInfo& operator=(const CKvProjectionInfo& other);
     virtual ~CKvProjectionInfo() = default;
 
-    // Units, datum shift and axes from a parsed WKT record.
+    // Units, datum name and shift and axes from a parsed WKT record.
     void SetProjectionInfo(const CKvPRJParser& parser);
     // name: at least UnitNameSize bytes. True when the unit is given.
     bool GetProjUnit(double* factor, char* name) const;
     bool GetAngularUnit(double* factor, char* name) const;
     void GetDatumShift(CKvDatumShift& shift) const { shift = m_datumShift; }
-    void SetDatumShift(const CKvDatumShift& shift) { m_datumShift = shift; }
+    // Sets the shift; known tells whether it is the datum's shift to WGS 84
+    // (a shift of zero included) or no shift is known for the datum.
+    void SetDatumShift(const CKvDatumShift& shift)
+    {
+        SetDatumShift(shift, shift.GetType() != CKvCartDef::eNoDatumShift);
+    }
+    void SetDatumShift(const CKvDatumShift& shift, bool known)
+    {
+        m_datumShift = shift;
+        m_datumShiftKnown = known;
+    }
+    // Whether the shift to WGS 84 is known. A WKT that gives a TOWGS84 node,
+    // or a catalogue definition with a TOWGS84 keyword, knows it even when it
+    // is zero (a datum that coincides with WGS 84, as NAD83 and ETRS89 do at
+    // their transformations' accuracy); SetProjectionInfo can only tell a
+    // shift that is not zero, the caller who has the text says the rest.
+    bool IsDatumShiftKnown() const { return m_datumShiftKnown; }
+    void SetDatumShiftKnown(bool known) { m_datumShiftKnown = known; }
+    // The datum's name: the WKT's DATUM, a catalogue definition's branch; ""
+    // for a system without one. Truncated to DatumNameSize - 1 bytes.
+    static constexpr int DatumNameSize = 128;
+    const char* GetDatumName() const { return m_datumName; }
+    void SetDatumName(const char* name);
     void GetAxisTypes(CAxis::EType& first, CAxis::EType& second) const;
     // Engine output to the caller's axes, and back. Only the first axis decides
     // whether the two coordinates change places.
@@ -101,6 +123,8 @@ private:
     char m_projUnitName[UnitNameSize];
     char m_angularUnitName[UnitNameSize];
     CKvDatumShift m_datumShift;
+    bool m_datumShiftKnown;
+    char m_datumName[DatumNameSize];
     CAxis m_firstAxis;
     CAxis m_secondAxis;
 };

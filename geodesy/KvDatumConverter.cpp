@@ -1,5 +1,6 @@
 #include "geodesy/KvDatumConverter.h"
 
+#include "catalogue/KvCartSetup.h"
 #include "catalogue/KvEllipsoid.h"
 #include "coordsys/KvMapProjection.h"
 #include "projections/KvAngle.h"
@@ -7,7 +8,9 @@
 #include "projections/KvProjection.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -71,6 +74,110 @@ void RemoveShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X,
     }
 }
 
+// What a datum is, as the converter compares two sides.
+enum class EDatum
+{
+    eNone,  // no datum named (LONG/LAT, NON-UTM)
+    eWgs84, // WGS 84, or a datum whose known shift to it is zero
+    eNamed  // any other datum
+};
+
+// A datum name reduced to what tells datums apart, so that the registry's,
+// GDAL's and Esri's spellings of one datum meet: letters and digits in lower
+// case, without Esri's "D_" prefix, the registry's long names in their short
+// forms and a two-digit year in four ("OSGB 1936", "OSGB_1936", "D_OSGB_1936"
+// and "Ordnance Survey of Great Britain 1936" are "osgb1936"; "NAD27",
+// "North_American_Datum_1927" and "D_North_American_1927" are "nad1927").
+// Names it does not join count as different datums, which at worst gives a
+// message, never a silent answer.
+std::string KeyOf(const char* name)
+{
+    std::string key;
+    if (name == nullptr)
+        return key;
+    const char* p = name;
+    if ((p[0] == 'D' || p[0] == 'd') && p[1] == '_')
+        p += 2;
+    for (; *p != '\0'; ++p) {
+        const unsigned char c = static_cast<unsigned char>(*p);
+        if (c >= 'A' && c <= 'Z')
+            key += static_cast<char>(c - 'A' + 'a');
+        else if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9'))
+            key += static_cast<char>(c);
+    }
+    static const char* const kShortForms[][2] = {
+        {"northamericandatum", "nad"},
+        {"northamerican", "nad"},
+        {"worldgeodeticsystem", "wgs"},
+        {"reseaugeodesiquefrancais", "rgf"},
+        {"europeanterrestrialreferencesystem", "etrs"},
+        {"ordnancesurveyofgreatbritain", "osgb"},
+        {"geocentricdatumofaustralia", "gda"},
+        {"newzealandgeodeticdatum", "nzgd"},
+    };
+    for (const auto& form : kShortForms) {
+        const std::string prefix = form[0];
+        if (key.compare(0, prefix.size(), prefix) == 0) {
+            key = form[1] + key.substr(prefix.size());
+            break;
+        }
+    }
+    // "nad27" as "nad1927": two digits after a letter at the end are a year
+    // of the last century, as in every datum name that abbreviates one (ED50,
+    // NAD83, GDA94; GDA2020 writes four).
+    const size_t n = key.size();
+    if (n >= 3 && std::isdigit(static_cast<unsigned char>(key[n - 1])) &&
+        std::isdigit(static_cast<unsigned char>(key[n - 2])) && std::isalpha(static_cast<unsigned char>(key[n - 3])))
+        key.insert(n - 2, "19");
+    return key;
+}
+
+EDatum KindOf(const std::string& key, bool known, CKvCartDef::ETypeOfDatumShift type)
+{
+    if (key.empty())
+        return EDatum::eNone;
+    if (known)
+        return type == CKvCartDef::eNoDatumShift ? EDatum::eWgs84 : EDatum::eNamed;
+    return key == "wgs1984" ? EDatum::eWgs84 : EDatum::eNamed;
+}
+
+// The error to expect from a datum whose shift to WGS 84 is not known, judged
+// by its ellipsoid: a datum on the geocentric figures (GRS 80, WGS 84) is
+// realised from satellite geodesy and differs from WGS 84 by its epoch and
+// plate motion, up to about 2 m (NAD83(1986), GDA94); a classical datum's
+// centre lies typically 150 to 800 m from the earth's (the 10th to 90th
+// percentile of the translations of the EPSG registry's Helmert
+// transformations to WGS 84; OSGB 1936 713 m, which moves points in Britain
+// by 124 m), and up to about 2 km for the remotest island datums (Kusaie
+// 1951, 2.2 km).
+std::string ExpectedError(const CKvMapProjection* system, const std::string& datum)
+{
+    CKvEllipsoid ellipsoid;
+    if (!EllipsoidOf(system, ellipsoid))
+        return "an unknown error (\"" + datum + "\" has no ellipsoid)";
+    const double a = ellipsoid.GetMajor(), rf = ellipsoid.GetInvFlatness();
+    const bool geocentric = std::fabs(a - 6378137.0) < 0.001 &&
+                            (std::fabs(rf - 298.257222101) < 1e-6 || std::fabs(rf - 298.257223563) < 1e-6);
+    // The engine's figure is anonymous: its name is the catalogue's for that figure.
+    std::string name = ellipsoid.GetName();
+    const CKvEllipsoidList& list = CKvCartSetup::Instance()->GetEllipsoidList();
+    for (auto it = list.GetIteratorBegin(CKvEllipsoidList::eComplete);
+         name.empty() && it != list.GetIteratorEnd(CKvEllipsoidList::eComplete); ++it)
+        if ((*it)->IsEquivalent(ellipsoid))
+            name = (*it)->GetName();
+    char figure[192];
+    if (!name.empty())
+        std::snprintf(figure, sizeof figure, "the %.128s ellipsoid", name.c_str());
+    else
+        std::snprintf(figure, sizeof figure, "an ellipsoid of a = %.3f m, 1/f = %.9g", a, rf);
+    if (geocentric)
+        return std::string("up to about 2 m (\"") + datum + "\" is on " + figure +
+               ", as the datums realised from satellite geodesy are, which differ from WGS 84 by their epoch and "
+               "plate motion)";
+    return std::string("hundreds of metres, typically 150 to 800 m and up to about 2 km (\"") + datum + "\" is on " +
+           figure + ": a classical datum, whose centre lies that far from the earth's)";
+}
+
 // Geographical output is a point or NaN in both coordinates: where no engine
 // nor geocentric step has looked at it (a bypassed conversion from degrees to
 // degrees), a latitude beyond the poles or a longitude that is no number would
@@ -91,6 +198,10 @@ CKvDatumConverter::CKvDatumConverter(const char* source, const char* target)
     m_pSource = sourceSystem.release();
     m_pTarget = targetSystem.release();
     _init();
+    if (!m_message.empty()) {
+        const std::string& last = CKvMapProjection::GetLastMessage();
+        CKvMapProjection::SetLastMessage(last.empty() ? m_message : last + "\n" + m_message);
+    }
 }
 
 CKvDatumConverter::CKvDatumConverter(CKvMapProjection* source, CKvMapProjection* target)
@@ -131,7 +242,58 @@ void CKvDatumConverter::_init()
     m_sameEllipsoid = sourceKnown && targetKnown && sourceEllipsoid.IsEquivalent(targetEllipsoid);
     m_sourceType = TakeShift(m_pSource, m_sourceShift);
     m_targetType = TakeShift(m_pTarget, m_targetShift);
+    m_explicitShift = false;
+    m_sourceKnown = m_pSource->IsDatumShiftKnown();
+    m_targetKnown = m_pTarget->IsDatumShiftKnown();
+    _judgeDatums(true);
     _settle();
+}
+
+void CKvDatumConverter::_judgeDatums(bool share)
+{
+    m_message.clear();
+    m_sameDatum = false;
+    if (m_local)
+        return;
+    const std::string sourceName = m_pSource->GetDatumName(), targetName = m_pTarget->GetDatumName();
+    const std::string sourceKey = KeyOf(sourceName.c_str()), targetKey = KeyOf(targetName.c_str());
+    EDatum source = KindOf(sourceKey, m_sourceKnown, m_sourceType);
+    EDatum target = KindOf(targetKey, m_targetKnown, m_targetType);
+    if (source == EDatum::eNone || target == EDatum::eNone)
+        return; // the LONG/LAT rule: no datum named is no change of datum
+    const bool sameName = sourceKey == targetKey;
+    // One datum, one shift: a side that does not know it takes the other's.
+    if (share && sameName && m_sourceKnown != m_targetKnown) {
+        double* to = m_sourceKnown ? m_targetShift : m_sourceShift;
+        const double* from = m_sourceKnown ? m_sourceShift : m_targetShift;
+        std::copy(from, from + CKvDatumShift::NoOfParameters, to);
+        (m_sourceKnown ? m_targetType : m_sourceType) = m_sourceKnown ? m_sourceType : m_targetType;
+        m_sourceKnown = m_targetKnown = true;
+    }
+    if (sameName || (source == EDatum::eWgs84 && target == EDatum::eWgs84)) {
+        // On one datum and one ellipsoid the points keep their latitude and
+        // longitude, whatever shifts the two sides carry: a datum such as NAD27
+        // has regional shifts to WGS 84 (Alaska's is 28 m from the
+        // conterminous states'), and applying two of them would move points
+        // that change no datum. A shift set by the host is applied as set.
+        m_sameDatum = m_sameEllipsoid && !m_explicitShift;
+        return;
+    }
+    const bool sourceMissing = source == EDatum::eNamed && !m_sourceKnown;
+    const bool targetMissing = target == EDatum::eNamed && !m_targetKnown;
+    if (!sourceMissing && !targetMissing)
+        return;
+    m_message = "the datum changes from \"" + sourceName + "\" to \"" + targetName + "\", and ";
+    if (sourceMissing && targetMissing)
+        m_message += "the shifts of both to WGS 84 are not known: the points are converted without a datum shift; "
+                     "expect errors of " +
+                     ExpectedError(m_pSource, sourceName) + " and of " + ExpectedError(m_pTarget, targetName);
+    else {
+        const std::string& missing = sourceMissing ? sourceName : targetName;
+        m_message += "the shift of \"" + missing + "\" to WGS 84 is not known: the points are converted as if \"" +
+                     missing + "\" were WGS 84; expect errors of " +
+                     ExpectedError(sourceMissing ? m_pSource : m_pTarget, missing);
+    }
 }
 
 void CKvDatumConverter::_settle()
@@ -143,8 +305,11 @@ void CKvDatumConverter::_settle()
     // come out NaN: the shift of an unknown figure places nothing.
     m_sourceFigure = m_sourceOwn.HasFigure() || sourceShifted || !targetShifted ? m_sourceOwn : CKvGeocentric::Wgs84();
     m_targetFigure = m_targetOwn.HasFigure() || targetShifted || !sourceShifted ? m_targetOwn : CKvGeocentric::Wgs84();
+    // Equal shifts on one ellipsoid cancel: the datum is the same on both sides.
+    const bool equalShifts = m_sourceType == m_targetType &&
+                             std::equal(m_sourceShift, m_sourceShift + CKvDatumShift::NoOfParameters, m_targetShift);
     if (m_sourceOwn.HasFigure() && m_targetOwn.HasFigure())
-        m_bypass = m_sameEllipsoid && !sourceShifted && !targetShifted;
+        m_bypass = m_sameEllipsoid && (equalShifts || m_sameDatum);
     else
         // Without a figure on a side and without any shift there is nothing to
         // shift between; with a shift the geocentric step always runs.
@@ -179,6 +344,11 @@ void CKvDatumConverter::_copy(const CKvDatumConverter& other)
     m_targetType = other.m_targetType;
     std::copy(other.m_sourceShift, other.m_sourceShift + CKvDatumShift::NoOfParameters, m_sourceShift);
     std::copy(other.m_targetShift, other.m_targetShift + CKvDatumShift::NoOfParameters, m_targetShift);
+    m_sourceKnown = other.m_sourceKnown;
+    m_targetKnown = other.m_targetKnown;
+    m_sameDatum = other.m_sameDatum;
+    m_explicitShift = other.m_explicitShift;
+    m_message = other.m_message;
 }
 
 void CKvDatumConverter::_dealloc()
@@ -272,6 +442,11 @@ void CKvDatumConverter::InvConvert(double& x, double& y, double& h) const
     _convert(x, y, h, false);
 }
 
+std::string CKvDatumConverter::DatumKey(const char* name)
+{
+    return KeyOf(name);
+}
+
 bool CKvDatumConverter::IsConversionType(int type)
 {
     return type >= eProjToProj && type <= eGeoToGeo;
@@ -307,6 +482,9 @@ bool CKvDatumConverter::SetDatumShift(ETypeOfDatumShift type, const double* para
         std::copy(parameters, parameters + 3, shift);
     else if (type == eSevenParameters)
         std::copy(parameters, parameters + CKvDatumShift::NoOfParameters, shift);
+    (source ? m_sourceKnown : m_targetKnown) = true;
+    m_explicitShift = true;
+    _judgeDatums(false);
     _settle();
     return m_bypass;
 }
@@ -322,6 +500,8 @@ void CKvDatumConverter::InvertOrder()
         m_conversionType = eProjToGeo;
     std::swap(m_sourceType, m_targetType);
     std::swap(m_sourceShift, m_targetShift);
+    std::swap(m_sourceKnown, m_targetKnown);
+    _judgeDatums(false);
 }
 
 void CKvDatumConverter::Convert(std::size_t n, double* x, double* y, double* h) const

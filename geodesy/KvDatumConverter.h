@@ -6,6 +6,7 @@
 #include "geodesy/KvGeocentric.h"
 
 #include <cstddef>
+#include <string>
 
 class CKvMapProjection;
 
@@ -22,6 +23,19 @@ class CKvMapProjection;
 // shift between and such a converter only projects (bypassed). A side without
 // an ellipsoid that has a shift of its own has no geocentric coordinates: its
 // points come out NaN.
+//
+// Datums: each side names one (a WKT's DATUM, a catalogue definition's
+// branch) or none (LONG/LAT). Two sides are on the same datum when the names
+// match after the spelling of the registry, GDAL and Esri is set aside
+// ("OSGB 1936", "OSGB_1936", "D_OSGB_1936"; "NAD27", "North_American_Datum_1927")
+// or both are WGS 84 or a datum with a known shift of zero (NAD83, ETRS89 at
+// their transformations' accuracy). On one datum a side without a shift takes
+// the other's, and on one datum and one ellipsoid the points keep their
+// latitude and longitude (no geocentric step), whatever regional shifts the
+// two sides carry, unless a shift was set with SetDatumShift. Between two different datums a side whose shift is
+// not known is taken as WGS 84; the conversion is then made with a message
+// (GetMessage) that names the datum and the size of error to expect. A side
+// without a datum name follows the LONG/LAT rule above and never has one.
 //
 // The geocentric step keeps to CKvGeocentric's domain: a latitude beyond +-90,
 // a longitude that is no number, or a height below a quarter of the semi-major
@@ -40,7 +54,9 @@ public:
     };
 
     // Builds and owns the two systems; the constructor of a system throws
-    // std::out_of_range for the generic name "UTM".
+    // std::out_of_range for the generic name "UTM". The datum message, when
+    // there is one, is added to the thread's last message as well
+    // (CKvMapProjection::GetLastMessage, C_KVMP_GETLASTERROR).
     CKvDatumConverter(const char* source, const char* target);
     // Uses the two systems without owning them.
     CKvDatumConverter(CKvMapProjection* source, CKvMapProjection* target);
@@ -73,11 +89,26 @@ public:
     // std::invalid_argument, leaving the converter as it was, for what IsShift
     // refuses.
     bool SetDatumShift(ETypeOfDatumShift type, const double* parameters, bool source);
+    // The name a datum is compared by: letters and digits in lower case, the
+    // registry's, GDAL's and Esri's spellings of one datum made one
+    // ("OSGB_1936", "D_OSGB_1936", "OSGB 1936": "osgb1936"; "NAD27",
+    // "North_American_Datum_1927": "nad1927"; WGS 84 is "wgs1984"); "" for none.
+    static std::string DatumKey(const char* name);
     // 0 to 3, the values of ETypeOfConversion.
     static bool IsConversionType(int type);
     // A type of ETypeOfDatumShift with, for 3 or 7 parameters, that many finite
     // values (a 3-parameter shift reads only the first three).
     static bool IsShift(int type, const double* parameters);
+    // Why the points may be off: the conversion changes datum and the shift
+    // to WGS 84 of one side or both is not known, so it is made without it.
+    // One sentence that names the datum and the error to expect; empty when
+    // the datum is kept or every shift needed is known. Set when the
+    // converter is made and again by SetDatumShift (a shift set is known).
+    const std::string& GetMessage() const { return m_message; }
+    // Whether a side's shift to WGS 84 is known (a zero one included): its
+    // system's TOWGS84 or catalogue keyword, the other side's on the same
+    // datum, or one set by SetDatumShift.
+    bool IsShiftKnown(bool source) const { return source ? m_sourceKnown : m_targetKnown; }
     bool GetBypassXYZ() const { return m_bypass; }
     void BypassXYZ() { m_bypass = true; }
     void ResetBypassXYZ() { m_bypass = m_bypassDefault; }
@@ -96,6 +127,8 @@ private:
     // The figures of the geocentric step and the bypass flags, from the
     // systems' own figures and the shifts as they are.
     void _settle();
+    // The datum of each side, a shift shared on one datum, and the message.
+    void _judgeDatums(bool share);
     // lon/lat/h of the source through geocentric coordinates to the target (forward).
     void _geocentric(double& lon, double& lat, double& h, bool forward) const;
     // The system read and the system written, and whether each side is projected.
@@ -125,6 +158,11 @@ private:
     ETypeOfDatumShift m_targetType;
     double m_sourceShift[CKvDatumShift::NoOfParameters];
     double m_targetShift[CKvDatumShift::NoOfParameters];
+    bool m_sourceKnown;
+    bool m_targetKnown;
+    bool m_sameDatum;     // one datum on one ellipsoid: latitude and longitude are kept
+    bool m_explicitShift; // a shift was set by SetDatumShift
+    std::string m_message;
 };
 
 #endif

@@ -103,9 +103,16 @@ const char kTransformHelp[] =
     "a line. A UTF-8 byte-order mark at the start of an input is dropped.\n"
     "\n"
     "Between different datums the points pass through geocentric coordinates with\n"
-    "each system's shift to WGS 84 (its TOWGS84: position vector, small angles).\n"
-    "\"LONG/LAT\" names no datum: with a shift on the other side it is WGS 84, and\n"
-    "without one points keep their latitude and longitude across the change.\n"
+    "each system's shift to WGS 84 (its TOWGS84: position vector, small angles). A\n"
+    "catalogue name carries the shift of the EPSG registry's best Helmert for its\n"
+    "datum (kvcart info shows it). \"LONG/LAT\" names no datum: with a shift on the\n"
+    "other side it is WGS 84, and without one points keep their latitude and\n"
+    "longitude across the change; so does a system without a datum name. Two\n"
+    "systems on one datum (by name, on one ellipsoid) keep latitude and longitude.\n"
+    "Between two different datums whose shift is not known on one side, that side\n"
+    "is taken as WGS 84 and the program warns once, naming the datum and the\n"
+    "error to expect (hundreds of metres for a classical datum); WGS 84 and a\n"
+    "datum with a shift of zero (NAD83, ETRS89) count as one datum.\n"
     "\n"
     "Options:\n"
     "  --inverse              convert from TO to FROM\n"
@@ -114,6 +121,12 @@ const char kTransformHelp[] =
     "                         rotations in arc-seconds (position vector) and the\n"
     "                         scale in ppm\n"
     "  --towgs84-to VALUES    the same for TO\n"
+    "  --towgs84-convention C the rotations' convention of --towgs84-from and\n"
+    "                         --towgs84-to: position-vector (the default) or\n"
+    "                         coordinate-frame (as projinfo prints EPSG method\n"
+    "                         9607), whose rotations are negated\n"
+    "  --strict-datum         refuse a change of datum whose shift is not known\n"
+    "                         (exit status 2) instead of warning\n"
     "  --bypass-datum         apply no datum shift: only the projections\n"
     "  --precision N          decimals of every output coordinate, 0 to 17\n"
     "                         (default: 4 for projected ones, 9 for degrees)\n"
@@ -125,7 +138,9 @@ const char kTransformHelp[] =
     "  echo \"9.5 47.5\" | kvcart transform LONG/LAT UTM-32\n"
     "  kvcart transform LONG/LAT UTM-32 --skip-header 1 export.csv\n"
     "  kvcart transform LONG/LAT \"British National Grid\" points.txt\n"
-    "  kvcart transform @parcels.prj LONG/LAT --towgs84-from 565.4,50.3,465.6 parcels.csv\n";
+    "  kvcart transform @parcels.prj LONG/LAT --towgs84-from 565.4,50.3,465.6 parcels.csv\n"
+    "  kvcart transform LONG/LAT @rd.prj --towgs84-convention coordinate-frame \\\n"
+    "      --towgs84-to 565.4171,50.3319,465.5524,0.398957,-0.343988,1.877402,4.0725\n";
 
 const char kInfoHelp[] =
     "Usage: kvcart info CS\n"
@@ -236,8 +251,10 @@ const char kAddHelp[] =
     "custom_ellipsoid.gxr in the user directory) and saves it at once. The first\n"
     "form stores the projection of CS (a catalogue name, WKT or @FILE.prj) under\n"
     "NAME; its ellipsoid must be in the catalogue. A catalogue definition holds\n"
-    "metres, degrees and easting/northing axes: the units, axes and datum shift of\n"
-    "a WKT are not kept. The second form adds an ellipsoid; an inverse flattening\n"
+    "metres, degrees and easting/northing axes: the units and axes of a WKT are not\n"
+    "kept. The datum shift is kept (a WKT's TOWGS84, a catalogue name's), and so\n"
+    "is the EPSG code of the system (a catalogue name's, an EPSG:n, the AUTHORITY\n"
+    "that closes a WKT). The second form adds an ellipsoid; an inverse flattening\n"
     "of 0 makes a sphere. Nothing the file already holds is lost; a file that\n"
     "could not be read is never written over.\n"
     "\n"
@@ -330,6 +347,34 @@ std::string Exact(double value)
     return std::string(buffer, r.ptr);
 }
 
+// The EPSG code of a system: "EPSG:n" of a registry system, else the
+// AUTHORITY["EPSG","n"] node that closes a WKT's root node (as GDAL writes
+// it); 0 when there is none.
+int RootEpsgCode(const std::string& text, const std::string& registryCode)
+{
+    const char* digits = nullptr;
+    if (registryCode.compare(0, 5, "EPSG:") == 0) {
+        digits = registryCode.c_str() + 5;
+    } else {
+        const std::string node = "AUTHORITY[\"EPSG\",\"";
+        const size_t at = text.rfind(node);
+        if (at == std::string::npos)
+            return 0;
+        const size_t end = text.find("\"]", at + node.size());
+        // Only the root's: nothing but closing brackets and blanks after it.
+        if (end == std::string::npos || text.find_first_not_of("] \t\r\n", end + 2) != std::string::npos ||
+            text.find(']', end + 2) == std::string::npos)
+            return 0;
+        digits = text.c_str() + at + node.size();
+    }
+    long code = 0;
+    int n = 0;
+    for (; digits[n] >= '0' && digits[n] <= '9' && n < 10; ++n)
+        code = code * 10 + (digits[n] - '0');
+    const bool whole = n > 0 && (digits[n] == '\0' || digits[n] == '"');
+    return whole && code <= 2147483647L ? static_cast<int>(code) : 0;
+}
+
 const char* AxisWord(int type)
 {
     static const char* const words[] = {"east", "north", "west", "south"};
@@ -352,7 +397,8 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
 {
     static const std::vector<SCommand> commands = {
         {"transform", kTransformHelp, &CKvCliCommands::_transform, 2, -1,
-         {{"inverse", false}, {"towgs84-from", true}, {"towgs84-to", true}, {"bypass-datum", false},
+         {{"inverse", false}, {"towgs84-from", true}, {"towgs84-to", true}, {"towgs84-convention", true},
+          {"strict-datum", false}, {"bypass-datum", false},
           {"precision", true}, {"skip-header", true}, {"metres", false}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
         {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}, {"legacy", false}}},
@@ -642,6 +688,13 @@ int CKvCliCommands::_transform()
     const bool fromGeo = systems[0]->IsGeographical(), toGeo = systems[1]->IsGeographical();
     converter.SetConversionType(fromGeo ? (toGeo ? CKvDatumConverter::eGeoToGeo : CKvDatumConverter::eGeoToProj)
                                         : (toGeo ? CKvDatumConverter::eProjToGeo : CKvDatumConverter::eProjToProj));
+    // The rotations of a shift as typed: position vector (the library's
+    // convention, EPSG method 9606) or coordinate frame (method 9607, as
+    // projinfo prints many transformations), whose rotations are the negated
+    // position-vector ones (EPSG Guidance Note 7-2, 4.4.3).
+    const std::string convention = m_args.GetValue("towgs84-convention", "position-vector");
+    if (convention != "position-vector" && convention != "coordinate-frame")
+        return _usage("--towgs84-convention takes position-vector or coordinate-frame, not '" + convention + "'");
     const char* shiftOptions[2] = {"towgs84-from", "towgs84-to"};
     for (int i = 0; i < 2; ++i) {
         if (!m_args.Has(shiftOptions[i]))
@@ -650,6 +703,9 @@ int CKvCliCommands::_transform()
         const int count = ParseShift(m_args.GetValue(shiftOptions[i]), values);
         if (count == 0)
             return _usage(std::string("--") + shiftOptions[i] + " takes 3 or 7 numbers separated by commas");
+        if (convention == "coordinate-frame")
+            for (int r = 3; r < 6; ++r)
+                values[r] = -values[r];
         // The converter takes the rotations in radians and the scale as a plain correction.
         for (int r = 3; r < 6; ++r)
             values[r] *= kPi / (180.0 * 3600.0);
@@ -659,6 +715,17 @@ int CKvCliCommands::_transform()
     }
     if (m_args.Has("bypass-datum"))
         converter.BypassXYZ();
+    // A change of datum whose shift is not known is never made silently:
+    // told once, before any point, or refused.
+    if (!m_args.Has("bypass-datum") && !converter.GetMessage().empty()) {
+        if (m_args.Has("strict-datum"))
+            return _usage(converter.GetMessage() + "; refused (--strict-datum): give the shift with --towgs84-from or "
+                                                   "--towgs84-to, or --bypass-datum for none");
+        std::fprintf(m_err,
+                     "kvcart: warning: %s (give the shift with --towgs84-from or --towgs84-to; --strict-datum refuses "
+                     "such a conversion)\n",
+                     converter.GetMessage().c_str());
+    }
 
     const bool inverse = m_args.Has("inverse");
     const bool geoOut = inverse ? fromGeo : toGeo;
@@ -802,15 +869,34 @@ int CKvCliCommands::_info()
 
     CKvDatumShift shift;
     system->GetDatumShift(shift);
-    if (shift.GetType() == CKvCartDef::eNoDatumShift) {
-        std::fprintf(m_out, "Datum shift:   none\n");
+    // A catalogue definition tells how its shift is written, the EPSG code of
+    // the transformation and its accuracy.
+    const CKvMapProjData* definition = CKvPRJParser::IsPRJ(CString(text.c_str()))
+                                           ? nullptr
+                                           : CKvMapProjection::FindMapProjectionDefinition(text.c_str());
+    if (definition != nullptr && !definition->HasDatumShift())
+        definition = nullptr;
+    if (!system->IsDatumShiftKnown()) {
+        const std::string key = CKvDatumConverter::DatumKey(system->GetDatumName());
+        if (key.empty() || key == "wgs1984")
+            std::fprintf(m_out, "Datum shift:   none\n");
+        else
+            std::fprintf(m_out, "Datum shift:   not known for \"%s\" (kvcart transform warns when it changes datum)\n",
+                         system->GetDatumName());
     } else {
-        const int count = shift.GetType() == CKvCartDef::eThreeParameters ? 3 : 7;
+        const int count = definition != nullptr ? definition->GetDatumShiftCount()
+                          : shift.GetType() == CKvCartDef::eSevenParameters ? 7
+                                                                            : 3;
         std::string values;
         for (int i = 0; i < count; ++i)
             values += (i ? "," : "") + Exact(shift[i]);
-        std::fprintf(m_out, "Datum shift:   %s to WGS 84 (%s)\n", values.c_str(),
-                     count == 3 ? "metres" : "metres, arc-seconds, ppm; position vector");
+        std::string source;
+        if (definition != nullptr && definition->GetDatumShiftCode() > 0)
+            source += ", EPSG:" + std::to_string(definition->GetDatumShiftCode());
+        if (definition != nullptr && definition->GetDatumShiftAccuracy() >= 0.0)
+            source += ", accuracy " + Exact(definition->GetDatumShiftAccuracy()) + " m";
+        std::fprintf(m_out, "Datum shift:   %s to WGS 84 (%s)%s\n", values.c_str(),
+                     count == 3 ? "metres" : "metres, arc-seconds, ppm; position vector", source.c_str());
     }
     std::fprintf(m_out, "Reading:       %s\n",
                  CKvMapProjection::GetEpsgReading() ? "EPSG (--compatible-reading for the library's default)"
@@ -1169,6 +1255,14 @@ int CKvCliCommands::_add()
             source->GetParameter(i, label, values[i], kind);
         definition.reset(CKvMapProjData::CreateProjection(source->GetProjectionType(), name, source->GetBranchName(),
                                                           source->GetEllipsoidID(), values));
+        // The copy is the same system: its EPSG code and datum shift go with it.
+        if (definition) {
+            definition->SetEpsgCode(source->GetEpsgCode());
+            CKvDatumShift shift;
+            if (source->GetDatumShift(shift))
+                definition->SetDatumShift(shift.GetParameters(), source->GetDatumShiftCount(),
+                                          source->GetDatumShiftCode(), source->GetDatumShiftAccuracy());
+        }
     } else {
         CKvPRJParser parser(text.c_str());
         parser.Parse(false);
@@ -1196,10 +1290,15 @@ int CKvCliCommands::_add()
     }
     if (definition)
         definition->SetName(name);
-    CKvDatumShift shift;
-    system->GetDatumShift(shift);
-    if (shift.GetType() != CKvCartDef::eNoDatumShift)
-        std::fprintf(m_err, "kvcart: note: a catalogue definition holds no datum shift; the WKT's TOWGS84 is not kept\n");
+    // A WKT's TOWGS84 (a zero one too) is kept as the definition's shift, and
+    // the EPSG code it gives its system (GDAL's closing AUTHORITY node) as its code.
+    if (definition && !CKvMapProjection::FindMapProjectionDefinition(text.c_str())) {
+        CKvDatumShift shift;
+        system->GetDatumShift(shift);
+        if (system->IsDatumShiftKnown())
+            definition->SetDatumShift(shift.GetParameters(), shift.GetType() == CKvCartDef::eSevenParameters ? 7 : 3);
+        definition->SetEpsgCode(RootEpsgCode(text, std::string()));
+    }
     if (!definition) {
         std::fprintf(m_err, "kvcart: '%s' has no projection to store\n", args[1].c_str());
         return eBadInput;
