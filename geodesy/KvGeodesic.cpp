@@ -427,10 +427,6 @@ bool CKvGeodesic::Inverse(double lon1, double lat1, double lon2, double lat2, do
         return false;
     }
 
-    // The canonical position: lambda12 >= 0 (mirror in longitude), |phi1| >=
-    // |phi2| (exchange the points), phi1 <= 0 (mirror in latitude); a first
-    // latitude of +0 is mirrored, which makes the northward one of two
-    // symmetric solutions the caller's.
     // A latitude within 1e-20 degree of the equator (some 1e-15 m) is on it,
     // keeping its sign: the azimuths and the distance change by far less than
     // round-off, and the inclination of a geodesic from a point any closer
@@ -439,6 +435,11 @@ bool CKvGeodesic::Inverse(double lon1, double lat1, double lon2, double lat2, do
         lat1 = std::copysign(0.0, lat1);
     if (std::fabs(lat2) < kEquatorLatitude)
         lat2 = std::copysign(0.0, lat2);
+
+    // The canonical position: lambda12 >= 0 (mirror in longitude), |phi1| >=
+    // |phi2| (exchange the points), phi1 <= 0 (mirror in latitude); a first
+    // latitude of +0 is mirrored, which makes the northward one of two
+    // symmetric solutions the caller's.
     double lonError = 0.0;
     double lon12 = LongitudeDifference(lon1, lon2, lonError);
     const double lonSign = std::signbit(lon12) ? -1.0 : 1.0;
