@@ -2,6 +2,7 @@
 // whose shift is not known is never made silently. Reference values: PROJ
 // through the named transformation (tools/make_catalogue_shift_vectors.py).
 #include "catalogue/KvMapProjData.h"
+#include "catalogue/KvTransverseMercatorProjection.h"
 #include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumConverter.h"
 #include "projections/KvProjection.h"
@@ -250,4 +251,48 @@ TEST(CatalogueDatumShift, OneDatumKeepsLatitudeAndLongitude)
     const double other[7] = {-5, 135, 172, 0, 0, 0, 0};
     converter.SetDatumShift(CKvCartDef::eThreeParameters, other, false);
     EXPECT_FALSE(converter.GetBypassXYZ());
+}
+
+// A shift the file holds is any finite number: one far beyond any datum's moves
+// points out of the geocentric domain, and they come out NaN, never as a
+// made-up point; the poles and the antimeridian convert both ways.
+TEST(CatalogueDatumShift, ExtremeShiftsAndPointsGiveNaNOrTheirPoint)
+{
+    kvtest::ShippedCatalogue();
+    auto* huge =
+        new CKvTransverseMercatorProjection("Test grid with a huge shift", "Huge", "AA", 0.9996, 9, 0, 500000, 0);
+    const double far[7] = {1e300, 0, 0, 0, 1e300, 0, 0};
+    ASSERT_TRUE(huge->SetDatumShift(far, 7));
+    CKvMapProjection::AddMapProjection(huge);
+    CKvDatumConverter converter("LONG/LAT", "Test grid with a huge shift");
+    converter.SetConversionType(CKvDatumConverter::eGeoToProj);
+    double x = 9, y = 50;
+    converter.Convert(x, y);
+    EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << x << " " << y;
+    CKvMapProjection::DeleteMapProjection(CKvMapProjection::MapProjection("Test grid with a huge shift"));
+
+    CKvDatumConverter bng("LONG/LAT", "British National Grid");
+    bng.SetConversionType(CKvDatumConverter::eGeoToProj);
+    const double inputs[][2] = {{NAN, 51}, {0, NAN}, {HUGE_VAL, 51}, {0, 91}, {540, 51}, {0, 1e308}};
+    for (const auto& in : inputs) {
+        double u = in[0], v = in[1];
+        bng.Convert(u, v);
+        if (in[0] == 540) {
+            // 540 degrees is 180: the antimeridian, far outside the grid but a point.
+            double w = 180, z = 51;
+            bng.Convert(w, z);
+            EXPECT_EQ(u, w);
+            EXPECT_EQ(v, z);
+            continue;
+        }
+        EXPECT_TRUE(std::isnan(u) && std::isnan(v)) << in[0] << " " << in[1] << ": " << u << " " << v;
+    }
+    // The north pole through the shift and back.
+    double lon = 0, lat = 90, h = 0;
+    CKvDatumConverter toGrid("LONG/LAT", "British National Grid");
+    toGrid.SetConversionType(CKvDatumConverter::eGeoToProj);
+    toGrid.Convert(lon, lat, h);
+    ASSERT_TRUE(std::isfinite(lon) && std::isfinite(lat));
+    toGrid.InvConvert(lon, lat, h);
+    EXPECT_NEAR(lat, 90.0, 1e-9);
 }
