@@ -53,13 +53,15 @@ public:
 
     const char* GetName() const;
     // Why the string did not resolve (e.g. 'projection "Mercator_Auxiliary_Sphere"
-    // is not supported'), or, for a system that did, what its reading differs in
-    // from the EPSG registry's definition, one sentence a line. Empty when the
-    // system resolved as the registry defines it.
+    // is not supported'; an unknown name's ends with the catalogue's names closest
+    // to it: '...; did you mean "RD New" (EPSG:28992)?'), or, for a system that
+    // did, what its reading differs in from the EPSG registry's definition, one
+    // sentence a line. Empty when the system resolved as the registry defines it.
     const std::string& GetMessage() const { return m_message; }
     // The engine, still owned by the object; null when the string did not resolve.
     CKvProjection* GetProjection() const { return m_pProjection; }
-    // The string as given; empty when it did not resolve.
+    // The string as given (a catalogue name given in another case as the
+    // catalogue spells it); empty when it did not resolve.
     const char* GetProjectionString() const { return m_projectionString.c_str(); }
     // Degrees in; the system's axis order and signs out (and the reverse).
     void Geo2Proj(double lon, double lat, double* x, double* y) const;

@@ -76,14 +76,17 @@ void C_KVMP_DESTROY(KVMP_HANDLE* handle, int* status);
  * are copied and *status = 0; call with size 0 to learn len, then pass len + 1
  * bytes and size = len. -1 for a NULL handle. */
 void C_KVMP_GETNAME(KVMP_HANDLE handle, char* buffer, int size, int* status);
-/* The text the system was made from (empty for one that did not resolve).
+/* The text the system was made from, a catalogue name given in another case
+ * as the catalogue spells it (empty for one that did not resolve).
  * String rule: len > size reports len; size 0 learns len, then len + 1 bytes
  * with size = len take the text. -1 for a NULL handle. */
 void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int size, int* status);
 /* Why the object's text did not resolve (e.g. 'projection
  * "Mercator_Auxiliary_Sphere" is not supported', 'unknown coordinate system
- * "X"'), or, for one that did, the warnings of its reading: what it reads
- * differently from the EPSG registry, one sentence a line. Empty when it
+ * "X"', which ends with the closest catalogue names when there are any: '...;
+ * did you mean "British National Grid" (EPSG:27700)?'), or, for one that did,
+ * the warnings of its reading: what it reads differently from the EPSG
+ * registry, one sentence a line. Empty when it
  * resolved as the registry defines it. String rule: len > size reports len;
  * size 0 learns len, then len + 1 bytes with size = len take the text. -1 for
  * a NULL handle. */
