@@ -15,6 +15,7 @@
 #include "catalogue/KvNewZealandMapGridProjection.h"
 #include "catalogue/KvObliqueMercatorProjection.h"
 #include "catalogue/KvPolarStereographicProjection.h"
+#include "catalogue/KvPseudoMercatorProjection.h"
 #include "catalogue/KvRectifiedSkewOrthomorphicProjection.h"
 #include "catalogue/KvRotatedLongitudeLatitudeProjection.h"
 #include "catalogue/KvStereographicNorthPoleProjection.h"
@@ -376,6 +377,7 @@ CKvMapProjData* CKvMapProjData::CreateProjection(EProjectionType type, const std
     case eEquidistantConic: return new CKvEquidistantConicProjection(name, branch, ellipsoidID, parameters);
     case ePolarStereographic: return new CKvPolarStereographicProjection(name, branch, ellipsoidID, parameters);
     case eStereographicSnyder: return new CKvStereographicSnyderProjection(name, branch, ellipsoidID, parameters);
+    case ePseudoMercator: return new CKvPseudoMercatorProjection(name, branch, ellipsoidID, parameters);
     default: return nullptr;
     }
 }
@@ -404,6 +406,7 @@ const CKvMapProjData::STypeInfo* CKvMapProjData::GetTypeInfo(EProjectionType typ
         &CKvEquidistantConicProjection::TypeInfo,
         &CKvPolarStereographicProjection::TypeInfo,
         &CKvStereographicSnyderProjection::TypeInfo,
+        &CKvPseudoMercatorProjection::TypeInfo,
     };
     const int index = ProjectionType2Enum(type);
     return index >= 0 && index < GetNoOfProjections() ? infos[index] : nullptr;

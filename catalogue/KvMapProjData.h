@@ -45,7 +45,8 @@ public:
         eNonProjected = 21, // a system that is not projected ("Non_Projected" in WKT)
         eNoProjection = 22, // nothing parsed, or a failed parse
         // Types beyond the established table.
-        eStereographicSnyder = 23 // Snyder's ellipsoidal stereographic (ESRI "Stereographic")
+        eStereographicSnyder = 23, // Snyder's ellipsoidal stereographic (ESRI "Stereographic")
+        ePseudoMercator = 24       // Popular Visualisation Pseudo Mercator, EPSG method 1024 (Web Mercator)
     };
 
     enum EParamType
@@ -162,21 +163,21 @@ public:
                       bool writeUnknownEllipsoid) const;
 
     // The definition types in catalogue order, by an index 0 .. GetNoOfProjections() - 1:
-    // types 1..20, then 23 (21 and 22 name no definition). Enum2ProjectionType gives
+    // types 1..20, then 23 and 24 (21 and 22 name no definition). Enum2ProjectionType gives
     // eNoProjection for an index outside that range, ProjectionType2Enum -1 for a type
     // that is no definition.
-    static int GetNoOfProjections() { return 21; }
+    static int GetNoOfProjections() { return 22; }
     static EProjectionType Enum2ProjectionType(int index)
     {
         if (index >= 0 && index < 20)
             return static_cast<EProjectionType>(index + 1);
-        return index == 20 ? eStereographicSnyder : eNoProjection;
+        return index == 20 ? eStereographicSnyder : index == 21 ? ePseudoMercator : eNoProjection;
     }
     static int ProjectionType2Enum(EProjectionType type)
     {
         if (type >= eTransverseMercator && type <= ePolarStereographic)
             return static_cast<int>(type) - 1;
-        return type == eStereographicSnyder ? 20 : -1;
+        return type == eStereographicSnyder ? 20 : type == ePseudoMercator ? 21 : -1;
     }
     // Bit 1 (value 2) selects the geographic-like types 9 and 14, bit 0 (value 1)
     // every other projected type; 21 and 22 never match.
@@ -188,7 +189,7 @@ public:
     static CKvMapProjData* CreateProjection(EProjectionType type, const std::string& name, const std::string& branch,
                                             const std::string& ellipsoidID, const double* parameters);
     static CKvMapProjData* CreateDefaultParameterProjection(EProjectionType type);
-    // The descriptor of a definition type (1..20, 23); null for any other value.
+    // The descriptor of a definition type (1..20, 23, 24); null for any other value.
     static const STypeInfo* GetTypeInfo(EProjectionType type);
     // Coefficients of the auxiliary-latitude series of the engines.
     static void ComputeFourierCoefficients(EProjectionType type, bool forward, double x, double* c);

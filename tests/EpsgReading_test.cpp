@@ -203,18 +203,25 @@ TEST(EpsgReading, AxesNamedAlongMeridiansAtAPole)
     }
 }
 
-TEST(EpsgReading, SphericalExtensionIsRefusedOrWarned)
+// GDAL's WKT 1 of EPSG:3857: the pseudo-Mercator under the registry's reading
+// (PROJ: cs2cs +proj=webmerc), the Mercator of its SPHEROID with a warning under
+// the established one (PROJ: +proj=merc on WGS 84), some 24 km apart at 34 S.
+TEST(EpsgReading, SphericalExtensionIsWebMercatorOrWarned)
 {
     {
         const Reading reading(true);
         const CKvMapProjection system(kWebMercatorOgc);
-        EXPECT_EQ(system.GetProjection(), nullptr);
-        EXPECT_NE(system.GetMessage().find("Web Mercator"), std::string::npos) << system.GetMessage();
+        ExpectPoint(system, -70, -34, -7792364.3555, -4028802.0261, "3857, EPSG reading");
+        ExpectPoint(system, 15, 60, 1669792.3619, 8399737.8898, "3857, EPSG reading");
+        EXPECT_EQ(system.GetMessage(), "");
     }
     const Reading reading(false);
     const CKvMapProjection system(kWebMercatorOgc);
-    ASSERT_NE(system.GetProjection(), nullptr);
+    ExpectPoint(system, -70, -34, -7792364.3555, -4004909.1095, "3857, established reading");
+    ExpectPoint(system, 15, 60, 1669792.3619, 8362698.5485, "3857, established reading");
     EXPECT_NE(system.GetMessage().find("sphere of radius 6378137"), std::string::npos) << system.GetMessage();
+    EXPECT_NE(system.GetMessage().find("the EPSG reading gives Web Mercator"), std::string::npos)
+        << system.GetMessage();
 }
 
 TEST(EpsgReading, RefusedTextsAndNamesSayWhy)
@@ -224,11 +231,17 @@ TEST(EpsgReading, RefusedTextsAndNamesSayWhy)
         std::string text;
         const char* reason;
     } cases[] = {
+        {std::string("PROJCS[\"SIRGAS_2000_Brazil_Polyconic\",") + kGeogcsWgs84Esri +
+             ",PROJECTION[\"Polyconic\"],PARAMETER[\"False_Easting\",5000000.0],PARAMETER[\"False_"
+             "Northing\",10000000.0],PARAMETER[\"Central_Meridian\",-54.0],PARAMETER[\"Latitude_Of_Origin\",0.0],"
+             "UNIT[\"Meter\",1.0]]",
+         "projection \"Polyconic\" is not supported"},
         {std::string("PROJCS[\"WGS_1984_Web_Mercator_Auxiliary_Sphere\",") + kGeogcsWgs84Esri +
              ",PROJECTION[\"Mercator_Auxiliary_Sphere\"],PARAMETER[\"False_Easting\",0.0],PARAMETER[\"False_"
              "Northing\",0.0],PARAMETER[\"Central_Meridian\",0.0],PARAMETER[\"Standard_Parallel_1\",0.0],"
-             "PARAMETER[\"Auxiliary_Sphere_Type\",0.0],UNIT[\"Meter\",1.0]]",
-         "projection \"Mercator_Auxiliary_Sphere\" is not supported"},
+             "PARAMETER[\"Auxiliary_Sphere_Type\",2.0],UNIT[\"Meter\",1.0]]",
+         "projection \"Mercator_Auxiliary_Sphere\": its Auxiliary_Sphere_Type 2 is not supported (only 0, the "
+         "sphere of the semi-major axis)"},
         {std::string("PROJCS[\"x\",") + kGeogcsWgs84Esri +
              ",PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",0.0],PARAMETER[\"False_"
              "Northing\",0.0],PARAMETER[\"Central_Meridian\",9.0],PARAMETER[\"Latitude_Of_Origin\",0.0],"

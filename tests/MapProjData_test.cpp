@@ -48,7 +48,7 @@ TEST(KvMapProjData, EveryTypeHasItsDefaultDefinition)
         int count;
         std::vector<double> values;
     };
-    const Expected expected[21] = {
+    const Expected expected[22] = {
         {"Default Transverse Mercator", "WE", "UTM_PROJECTION", 5, {0.9996, 0, 0, 500000, 0}},
         {"Default Lambert 2SP", "WE", "LAMBERT_CONIC_2SP_PROJECTION", 6, {5, 10, 0, 0, 500000, 0}},
         {"Default Lambert 1SP", "WE", "LAMBERT_CONIC_1SP_PROJECTION", 5, {0.9996, 0, 0, 500000, 0}},
@@ -82,12 +82,13 @@ TEST(KvMapProjData, EveryTypeHasItsDefaultDefinition)
         {"Default Equidistant Conic", "WE", "EQUIDISTANT_CONIC_PROJECTION", 6, {5, 10, 0, 0, 0, 0}},
         {"Default Polar Stereographic", "WE", "POLAR_STEREOGRAPHIC_PROJECTION", 5, {1, 0, 0, 500000, 0}},
         {"Default Stereographic (Snyder)", "WE", "STEREOGRAPHIC_SNYDER_PROJECTION", 5, {1, 0, 0, 500000, 0}},
+        {"Default Pseudo Mercator", "WE", "PSEUDO_MERCATOR_PROJECTION", 4, {0, 0, 0, 0}},
     };
-    // Types 1..20, then 23 (21 and 22 are no definitions).
-    EXPECT_EQ(CKvMapProjData::GetNoOfProjections(), 21);
-    for (int i = 0; i < 21; ++i) {
+    // Types 1..20, then 23 and 24 (21 and 22 are no definitions).
+    EXPECT_EQ(CKvMapProjData::GetNoOfProjections(), 22);
+    for (int i = 0; i < 22; ++i) {
         const CKvMapProjData::EProjectionType type = CKvMapProjData::Enum2ProjectionType(i);
-        EXPECT_EQ(type, i < 20 ? i + 1 : 23);
+        EXPECT_EQ(type, i < 20 ? i + 1 : i + 3);
         EXPECT_EQ(CKvMapProjData::ProjectionType2Enum(type), i);
         Def d(CKvMapProjData::CreateDefaultParameterProjection(type));
         ASSERT_NE(d, nullptr);
@@ -101,7 +102,7 @@ TEST(KvMapProjData, EveryTypeHasItsDefaultDefinition)
         EXPECT_EQ(d->GetNoOfParameters(), expected[i].count);
         EXPECT_EQ(Parameters(*d), expected[i].values);
         // No other type claims this section.
-        for (int j = 0; j < 21; ++j)
+        for (int j = 0; j < 22; ++j)
             if (j != i) {
                 Def other(CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::Enum2ProjectionType(j)));
                 EXPECT_FALSE(other->IsSectionID(expected[i].section));

@@ -89,6 +89,7 @@ TABLE = {
     "geographical": 14, "krovak": 15, "albers": 16, "albers_conic_equal_area": 16,
     "lambert_azimuthal_equal_area": 17, "cassini": 18, "cassini_soldner": 18, "equidistant_conic": 19,
     "non_projected": 21, "rectified_skew_orthomorphic_center": 8,
+    "mercator_auxiliary_sphere": 24, "popular_visualisation_pseudo_mercator": 24,
 }
 
 
@@ -126,6 +127,7 @@ REQUIRED = {
     18: ["False_Easting", "False_Northing", "Central_Meridian", "Latitude_Of_Origin"],
     20: ["False_Easting", "False_Northing", "Central_Meridian", "Scale_Factor", "Latitude_Of_Origin"],
 }
+REQUIRED[24] = ["False_Easting", "False_Northing", "Central_Meridian"]
 REQUIRED[19] = REQUIRED[16]
 REQUIRED[21] = REQUIRED[1]
 
@@ -157,6 +159,8 @@ def expected_type(wkt):
         return 15  # WKT 1's Krovak: the grid follows from its AXIS nodes
     if not all(has(wkt, n) for n in REQUIRED.get(t, [])):
         return 22
+    if t == 24 and any((param(wkt, n) or 0.0) != 0.0 for n in ("Auxiliary_Sphere_Type", "Standard_Parallel_1")):
+        return 22  # only the sphere of the semi-major axis, on the equator
     if t in (6, 7):
         azimuth, angle = param(wkt, "Azimuth"), param(wkt, "Rectified_Grid_Angle")
         if angle is None or abs(azimuth - angle) > 1e-12 * max(abs(azimuth), abs(angle)):

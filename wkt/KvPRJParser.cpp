@@ -17,6 +17,7 @@
 #include "projections/KvNewZealandMapGrid.h"
 #include "projections/KvObliqueMercator.h"
 #include "projections/KvPolarStereographic.h"
+#include "projections/KvPseudoMercator.h"
 #include "projections/KvRectifiedSkewOrthomorphic.h"
 #include "projections/KvRotatedLongitudeLatitude.h"
 #include "projections/KvStereographic.h"
@@ -122,6 +123,11 @@ const SProjectionName kProjectionNames[] = {
     // Names beyond the established table. ESRI's rectified skew form counted
     // from the projection centre (EPSG Hotine variant B with a grid angle).
     {"Rectified_Skew_Orthomorphic_Center", CKvMapProjData::eRectifiedSkewOrthomorphic},
+    // The pseudo-Mercator (EPSG method 1024): ESRI's name, with its auxiliary
+    // sphere, and the registry's name as WKT 1 writers spell it.
+    {"Mercator_Auxiliary_Sphere", CKvMapProjData::ePseudoMercator},
+    {"Popular_Visualisation_Pseudo_Mercator", CKvMapProjData::ePseudoMercator},
+    {"Popular Visualisation Pseudo Mercator", CKvMapProjData::ePseudoMercator},
 };
 
 } // namespace
@@ -478,6 +484,14 @@ const SReadParameter kReadConic[] = {kFalseEasting, kFalseNorthing, kCenterMerid
 const SReadParameter kReadAzimuthalEqualArea[] = {kFalseEasting, kFalseNorthing, kCenterMeridian,
                                                   kOriginOrCenterLatitude};
 const SReadParameter kReadCassini[] = {kFalseEasting, kFalseNorthing, kCentralMeridian, kLatitudeOfOrigin};
+// ESRI gives the latitude of the natural origin as Standard_Parallel_1; without
+// one it is the equator.
+const SReadParameter kReadPseudoMercator[] = {
+    kFalseEasting, kFalseNorthing,
+    {{"Central_Meridian", "Longitude_Of_Origin"}, &CKvPRJParser::SetCentralMeridian,
+     &CKvPRJParser::GetCentralMeridian, true},
+    {{"Standard_Parallel_1", "Latitude_Of_Origin"}, &CKvPRJParser::SetLatitudeOfOrigin,
+     &CKvPRJParser::GetLatitudeOfOrigin, false}};
 
 struct SParameterList
 {
@@ -513,6 +527,7 @@ SParameterList ReadList(CKvMapProjData::EProjectionType type)
     case CKvMapProjData::eEquidistantConic: return List(kReadConic);
     case CKvMapProjData::eLambertAzimuthalEqualArea: return List(kReadAzimuthalEqualArea);
     case CKvMapProjData::eCassiniSoldner: return List(kReadCassini);
+    case CKvMapProjData::ePseudoMercator: return List(kReadPseudoMercator);
     default: return {nullptr, 0};
     }
 }
@@ -592,6 +607,40 @@ void CKvPRJParser::_readParameters(const CString& P, const std::string& lowerP)
             complete = true;
         }
         break;
+    case CKvMapProjData::ePseudoMercator: {
+        // The registry's method has its natural origin on the equator and no scale
+        // of its own, and ESRI's auxiliary sphere 0 (PROJ's default when none is
+        // named) is the sphere of the semi-major axis, the method's own. ESRI's
+        // other spheres (1 the semi-minor axis, 2 and 3 authalic radii) make other
+        // maps; neither they nor an origin or scale the method does not have are
+        // read as something else.
+        if (!IsSet(m_latitudeOfOrigin))
+            m_latitudeOfOrigin = 0.0;
+        double sphereType = 0.0, scale = 1.0;
+        FindParam(P, lowerP, "Auxiliary_Sphere_Type", sphereType);
+        FindParam(P, lowerP, "Scale_Factor", scale);
+        char buffer[200];
+        buffer[0] = '\0';
+        if (sphereType != 0.0)
+            std::snprintf(buffer, sizeof buffer,
+                          "its Auxiliary_Sphere_Type %.16g is not supported (only 0, the sphere of the semi-major "
+                          "axis)",
+                          sphereType);
+        else if (m_latitudeOfOrigin != 0.0)
+            std::snprintf(buffer, sizeof buffer,
+                          "its latitude of origin %.16g is not supported (the pseudo-Mercator's natural origin is "
+                          "on the equator)",
+                          m_latitudeOfOrigin);
+        else if (scale != 1.0)
+            std::snprintf(buffer, sizeof buffer,
+                          "its Scale_Factor %.16g is not supported (the pseudo-Mercator has no scale of its own)",
+                          scale);
+        if (complete && buffer[0] != '\0') {
+            complete = false;
+            reason = buffer;
+        }
+        break;
+    }
     default: break;
     }
     if (!complete) {
@@ -635,6 +684,19 @@ bool ProjToken(const std::string& text, const char* key, double& value)
         return false;
     value = CNumericLocale::Strtod(text.c_str() + at + token.size(), nullptr);
     return true;
+}
+
+// The word of a PROJ string token, +key=word, in text ("merc" of +proj=merc);
+// empty when absent.
+std::string ProjWord(const std::string& text, const char* key)
+{
+    const std::string token = std::string("+") + key + "=";
+    const size_t at = text.find(token);
+    if (at == std::string::npos)
+        return std::string();
+    const size_t from = at + token.size();
+    const size_t end = text.find_first_of(" \"]", from);
+    return text.substr(from, end == std::string::npos ? std::string::npos : end - from);
 }
 
 } // namespace
@@ -794,7 +856,15 @@ void CKvPRJParser::_applyReadingRules(const CString& name, const CString& T, con
             sphere = a;
         if (sphere > 0.0 && IsSet(m_inverseFlattening) && m_inverseFlattening != 0.0) {
             m_extensionSphere = sphere;
-            if (epsg) {
+            const bool webMercator = _isPseudoMercatorExtension(ext, sphere);
+            if (epsg && webMercator) {
+                // The registry's pseudo-Mercator (EPSG method 1024): the map of the
+                // sphere of the semi-major axis on the ellipsoid's own latitudes. The
+                // record names the method by the name it is written back with.
+                m_type = CKvMapProjData::ePseudoMercator;
+                m_typeName = "Mercator_Auxiliary_Sphere";
+                m_latitudeOfOrigin = 0.0;
+            } else if (epsg) {
                 std::snprintf(buffer, sizeof buffer,
                               "its PROJ4 EXTENSION projects on a sphere of radius %.16g over the ellipsoidal datum "
                               "(Web Mercator): not supported",
@@ -804,12 +874,36 @@ void CKvPRJParser::_applyReadingRules(const CString& name, const CString& T, con
             } else {
                 std::snprintf(buffer, sizeof buffer,
                               "its PROJ4 EXTENSION projects on a sphere of radius %.16g (Web Mercator); read on its "
-                              "SPHEROID instead, the coordinates differ by kilometres",
-                              sphere);
+                              "SPHEROID instead, the coordinates differ by kilometres%s",
+                              sphere,
+                              webMercator ? " (the EPSG reading gives Web Mercator, the registry's pseudo-Mercator)"
+                                          : "");
                 _warn(buffer);
             }
         }
     }
+}
+
+bool CKvPRJParser::_isPseudoMercatorExtension(const std::string& ext, double sphere) const
+{
+    // PROJ computes with the EXTENSION alone, so the text is the pseudo-Mercator
+    // only where its PARAMETER nodes say the same: a Mercator with scale 1 on the
+    // equator, on the sphere of the SPHEROID's semi-major axis, with the text's
+    // central meridian and false origin (tokens the EXTENSION leaves out are
+    // PROJ's defaults, the same zeros and ones).
+    const bool mercator = (m_type == CKvMapProjData::eMercator1SP && m_scaleFactor == 1.0) ||
+                          (m_type == CKvMapProjData::eMercator2SP && m_standardParallel1 == 0.0);
+    if (!mercator || ProjWord(ext, "proj") != "merc" || !CKvFloatCompareRel::Close(sphere, m_semiMajorAxis))
+        return false;
+    const double degrees = m_angularUnit / kDegree;
+    const double primeMeridian = IsSet(m_primeMeridian) ? m_primeMeridian : 0.0;
+    const auto agrees = [&ext](const char* key, double expected, double tolerance) {
+        double value = 0.0;
+        return !ProjToken(ext, key, value) || std::fabs(value - expected) <= tolerance;
+    };
+    return agrees("k", 1.0, 0.0) && agrees("k_0", 1.0, 0.0) && agrees("lat_ts", 0.0, 0.0) &&
+           agrees("lon_0", m_centralMeridian * degrees + primeMeridian, 1e-9) &&
+           agrees("x_0", m_falseEasting * m_projUnit, 1e-6) && agrees("y_0", m_falseNorthing * m_projUnit, 1e-6);
 }
 
 bool CKvPRJParser::Parse(bool sortParallels)
@@ -1004,6 +1098,9 @@ CKvProjection* CKvPRJParser::CreateMapProjection()
     case CKvMapProjData::ePolarStereographic:
         return new CKvPolarStereographic(name, m_scaleFactor, longitude(m_centralMeridian), angle(m_latitudeOfOrigin),
                                          fe, fn, ellipsoid);
+    case CKvMapProjData::ePseudoMercator:
+        return new CKvPseudoMercator(name, longitude(m_centralMeridian),
+                                     IsSet(m_latitudeOfOrigin) ? angle(m_latitudeOfOrigin) : 0.0, fe, fn, ellipsoid);
     default: return nullptr;
     }
 }
@@ -1099,6 +1196,13 @@ const SWriteParameter kWriteKrovak[] = {{"False_Easting", &CKvPRJParser::GetFals
                                         {"X_Scale", &CKvPRJParser::GetXScale},
                                         {"Y_Scale", &CKvPRJParser::GetYScale},
                                         {"XY_Plane_Rotation", &CKvPRJParser::GetXYPlaneRotation}};
+// ESRI's form: the latitude of origin as Standard_Parallel_1, and the auxiliary
+// sphere of the semi-major axis.
+const SWriteParameter kWritePseudoMercator[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
+                                                {"False_Northing", &CKvPRJParser::GetFalseNorthing},
+                                                {"Central_Meridian", &CKvPRJParser::GetCentralMeridian},
+                                                {"Standard_Parallel_1", &CKvPRJParser::GetLatitudeOfOrigin},
+                                                {"Auxiliary_Sphere_Type", &CKvPRJParser::GetAuxiliarySphereType}};
 const SWriteParameter kWriteAzimuthal[] = {{"False_Easting", &CKvPRJParser::GetFalseEasting},
                                            {"False_Northing", &CKvPRJParser::GetFalseNorthing},
                                            {"Central_Meridian", &CKvPRJParser::GetCentralMeridian},
@@ -1141,6 +1245,7 @@ SWriteList WriteList(CKvMapProjData::EProjectionType type)
     case CKvMapProjData::eKrovak: return Write(kWriteKrovak);
     case CKvMapProjData::eLambertAzimuthalEqualArea:
     case CKvMapProjData::eCassiniSoldner: return Write(kWriteAzimuthal);
+    case CKvMapProjData::ePseudoMercator: return Write(kWritePseudoMercator);
     default: return {nullptr, 0, false};
     }
 }

@@ -188,6 +188,9 @@ public:
     void SetXScale(double v) { m_xScale = v; }
     double GetYScale() const { return m_yScale; }
     void SetYScale(double v) { m_yScale = v; }
+    // ESRI's auxiliary sphere of the pseudo-Mercator: always 0, the sphere of the
+    // semi-major axis, the only one read.
+    double GetAuxiliarySphereType() const { return 0.0; }
 
     void GetProjUnit(CString& name, double& factor) const;
     void SetProjUnit(const CString& name, double factor);
@@ -202,6 +205,9 @@ protected:
     // The rules by which the registry and the established reading part: applied
     // or reported after the parameters are read.
     void _applyReadingRules(const CString& name, const CString& T, const CString& P);
+    // Whether a PROJ4 EXTENSION on a sphere of this radius over the ellipsoidal
+    // datum is the pseudo-Mercator of the text's own Mercator parameters.
+    bool _isPseudoMercatorExtension(const std::string& ext, double sphere) const;
     void _warn(const std::string& sentence);
     bool _fail(const std::string& reason);
 

@@ -151,6 +151,30 @@ std::string CKvProjTranslator::Convert2Proj4(const std::string& text, const doub
         tail(true, scale);
         break;
     case CKvMapProjData::eGeographical: out += "+proj=longlat "; break;
+    case CKvMapProjData::ePseudoMercator: {
+        // PROJ.4's classic Web Mercator: the Mercator of the sphere of the
+        // semi-major axis, and a null grid shift, which takes the geographic
+        // coordinates as they are (the datum's, WGS 84's for EPSG:3857) rather
+        // than shifting them from the sphere. A datum shift on top has no such
+        // text: the sphere would be taken for the datum's figure.
+        CKvDatumShift shift;
+        parser.GetDatumShift(shift);
+        if ((datumShift != nullptr && count >= 1) || shift.GetType() != CKvCartDef::eNoDatumShift)
+            return "+proj=undef ";
+        out += "+proj=merc ";
+        latitude("lat_ts", 0.0);
+        longitude(parser.GetCentralMeridian());
+        tail(true, 1.0);
+        out.AppendFormat("+a=%.16g +b=%.16g +nadgrids=@null ", ellipsoid.GetMajor(), ellipsoid.GetMajor());
+        if (u != CKvPRJParser::Undefined) {
+            if (u == 1.0)
+                out += "+units=m ";
+            else
+                out.AppendFormat("+to_meter=%.16g ", u);
+        }
+        out += "+no_defs  no_defs <>";
+        return out.GetStdString();
+    }
     case CKvMapProjData::eKrovak:
         // The pseudo standard parallel, the axis scales and the plane rotation
         // have no PROJ.4 counterpart and are not written.
@@ -451,6 +475,14 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
         falseOrigin();
         break;
     case CKvMapProjData::eGeographical: out += "+proj=longlat "; break;
+    case CKvMapProjData::ePseudoMercator:
+        // PROJ's webmerc takes the figure of the datum and projects on the sphere
+        // of its semi-major axis, as the registry's method does.
+        out += "+proj=webmerc ";
+        angle("lat_0", parser.GetLatitudeOfOrigin());
+        longitude("lon_0", parser.GetCentralMeridian());
+        falseOrigin();
+        break;
     default:
         return fail("a " + parser.GetProjectionTypeTitle().GetStdString() + " system has no PROJ string");
     }
