@@ -52,8 +52,8 @@ public:
     virtual ~CKvMapProjection();
 
     const char* GetName() const;
-    // Why the string did not resolve (e.g. 'projection "Mercator_Auxiliary_Sphere"
-    // is not supported'; an unknown name's ends with the catalogue's names closest
+    // Why the string did not resolve (e.g. 'projection "Polyconic" is not
+    // supported'; an unknown name's ends with the catalogue's names closest
     // to it: '...; did you mean "RD New" (EPSG:28992)?'), or, for a system that
     // did, what its reading differs in from the EPSG registry's definition, one
     // sentence a line. Empty when the system resolved as the registry defines it.

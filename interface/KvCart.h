@@ -82,7 +82,7 @@ void C_KVMP_GETNAME(KVMP_HANDLE handle, char* buffer, int size, int* status);
  * with size = len take the text. -1 for a NULL handle. */
 void C_KVMP_GETPROJECTIONSTRING(KVMP_HANDLE handle, char* buffer, int size, int* status);
 /* Why the object's text did not resolve (e.g. 'projection
- * "Mercator_Auxiliary_Sphere" is not supported', 'unknown coordinate system
+ * "Polyconic" is not supported', 'unknown coordinate system
  * "X"', which ends with the closest catalogue names when there are any: '...;
  * did you mean "British National Grid" (EPSG:27700)?'), or, for one that did,
  * the warnings of its reading: what it reads differently from the EPSG
