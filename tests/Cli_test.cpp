@@ -479,6 +479,34 @@ TEST(Cli, ReadsPrjFilesByTheRegistryAndSaysWhyItRefusesOne)
               "kvcart: parcels.prj: projection \"Polyconic\" is not supported");
 }
 
+// GDAL's .prj of EPSG:3857 (OGC WKT 1 with its spherical PROJ4 EXTENSION): Web
+// Mercator by the registry's reading (PROJ: cs2cs +proj=webmerc), the Mercator of
+// its SPHEROID with the warning by the established one (PROJ: +proj=merc); a pole
+// lies outside the map.
+TEST(Cli, WebMercatorPrjFileByBothReadings)
+{
+    const kvtest::TempDir dir;
+    kvtest::WriteFile(dir.File("3857.prj"),
+                      "PROJCS[\"WGS 84 / Pseudo-Mercator\",GEOGCS[\"WGS 84\",DATUM[\"WGS_1984\",SPHEROID[\"WGS 84\","
+                      "6378137,298.257223563]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],"
+                      "PROJECTION[\"Mercator_1SP\"],PARAMETER[\"central_meridian\",0],PARAMETER[\"scale_factor\",1],"
+                      "PARAMETER[\"false_easting\",0],PARAMETER[\"false_northing\",0],UNIT[\"metre\",1],AXIS["
+                      "\"Easting\",EAST],AXIS[\"Northing\",NORTH],EXTENSION[\"PROJ4\",\"+proj=merc +a=6378137 "
+                      "+b=6378137 +lat_ts=0 +lon_0=0 +x_0=0 +y_0=0 +k=1 +units=m +nadgrids=@null +wktext +no_defs\"]]\n");
+    const SRun epsg = Kvcart(dir, {"transform", "LONG/LAT", "@3857.prj"}, std::string("-70 -34 Chile\n0 90\n"));
+    EXPECT_EQ(epsg.status, 1);
+    EXPECT_EQ(epsg.out, "-7792364.3555 -4028802.0261 Chile\n* *\n");
+    EXPECT_NE(epsg.err.find("stdin:2: the point cannot be converted"), std::string::npos) << epsg.err;
+    const SRun compatible =
+        Kvcart(dir, {"transform", "--compatible-reading", "LONG/LAT", "@3857.prj"}, std::string("-70 -34\n"));
+    EXPECT_EQ(compatible.status, 0);
+    EXPECT_EQ(compatible.out, "-7792364.3555 -4004909.1095\n");
+    EXPECT_NE(compatible.err.find("the EPSG reading gives Web Mercator"), std::string::npos) << compatible.err;
+    const SRun proj = Kvcart(dir, {"proj4", "@3857.prj"});
+    EXPECT_EQ(proj.out, "+proj=webmerc +lat_0=0 +lon_0=0 +x_0=0 +y_0=0 +a=6378137 +rf=298.257223563 +units=m "
+                        "+no_defs +type=crs\n");
+}
+
 TEST(Cli, Proj4WritesWhatProjReadsAsTheSameSystem)
 {
     const kvtest::TempDir dir;
