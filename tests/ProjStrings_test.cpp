@@ -76,7 +76,7 @@ TEST(ProjStrings, ProjReadsEveryStringAsTheEpsgSystem)
             EXPECT_EQ(ours.find('<'), std::string::npos) << key;
         }
     }
-    EXPECT_GT(strings, 10000);
+    EXPECT_GE(strings, 10118); // +proj=webmerc for both texts of EPSG:3857 among them
     std::printf("PROJ strings: %d agree with PROJ's EPSG definitions within 1 mm, %d texts have none\n", strings,
                 none);
 }
