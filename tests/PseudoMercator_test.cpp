@@ -635,3 +635,30 @@ TEST(PseudoMercator, CatalogueTypeAndItsText)
         }
     }
 }
+
+// The datum stays the ellipsoid's: geocentric coordinates of a Web Mercator
+// system are those of WGS 84 (as UTM's on the same ellipsoid), not of the sphere
+// its map is drawn on.
+TEST(PseudoMercatorWkt, GeocentricCoordinatesAreTheEllipsoids)
+{
+    kvtest::ShippedCatalogue();
+    const CKvMapProjection web(kEsri3857), utm("UTM-32");
+    ASSERT_NE(web.GetProjection(), nullptr);
+    ASSERT_NE(utm.GetProjection(), nullptr);
+    for (const double lat : {-89.0, -34.0, 0.0, 51.5, 85.0}) {
+        double wx, wy, wz, ux, uy, uz;
+        web.Geo2XYZ(10.0, lat, 100.0, &wx, &wy, &wz);
+        utm.Geo2XYZ(10.0, lat, 100.0, &ux, &uy, &uz);
+        EXPECT_EQ(wx, ux) << lat;
+        EXPECT_EQ(wy, uy) << lat;
+        EXPECT_EQ(wz, uz) << lat;
+        double lon, back, h;
+        web.XYZ2Geo(wx, wy, wz, &lon, &back, &h);
+        EXPECT_NEAR(back, lat, 1e-9);
+        EXPECT_NEAR(h, 100.0, 1e-3);
+    }
+    // On the sphere of radius a the pole would lie 21 km further out.
+    double x, y, z;
+    web.Geo2XYZ(0.0, 90.0, 0.0, &x, &y, &z);
+    EXPECT_NEAR(z, 6356752.314245, 1e-3);
+}
