@@ -53,6 +53,7 @@ void CKvCartSetup::ReadData(const std::string& systemPrefix, const std::string& 
     const std::string systemDirectory = DirectoryPrefix(systemPrefix);
     const std::string userDirectory = DirectoryPrefix(userPrefix);
     m_userDirectory = userDirectory;
+    m_systemDirectory = systemDirectory;
     m_bHasUserDirectory = true;
     const size_t ellipsoidProblems = m_ellipsoids.GetProblems().size();
     const size_t projectionProblems = m_projections.GetProblems().size();

@@ -27,6 +27,9 @@ public:
     void ReadData(const std::string& systemDirectory, const std::string& userDirectory);
     // Whether the last ReadData found the system catalogue (map_projection.gxr).
     bool HasSystemCatalogue() const { return m_bSystemCatalogue; }
+    // The system catalogue directory of the last ReadData, ending in '/' (empty:
+    // the current directory, or none read).
+    const std::string& GetSystemDirectory() const { return m_systemDirectory; }
     void SetEllipsoidListModified() { m_bEllipsoidListModified = true; }
     void SetMapProjectionListModified() { m_bMapProjectionListModified = true; }
     // Writes the changed custom catalogues now (the destructor does it at exit),
@@ -54,6 +57,7 @@ private:
     bool m_bEllipsoidListModified = false;
     bool m_bMapProjectionListModified = false;
     std::string m_userDirectory;
+    std::string m_systemDirectory;
     bool m_bHasUserDirectory = false; // nothing is written back before ReadData named one
     bool m_bSystemCatalogue = false;
     std::string m_lastError;

@@ -86,6 +86,8 @@ public:
     virtual ~CKvMapProjData();
 
     virtual std::string GetName() const { return m_name; }
+    // The name without a copy, for scans over the whole catalogue.
+    const std::string& GetStoredName() const { return m_name; }
     virtual void SetName(const std::string& name) { m_name = name; }
     virtual std::string GetBranchName() const { return m_branchName; }
     virtual void SetBranchName(const std::string& name) { m_branchName = name; }

@@ -1,6 +1,10 @@
 #include "catalogue/KvMapProjectionList.h"
 
+#include <cstring>
+#include <strings.h>
+
 #include "catalogue/KvGeographicalProjection.h"
+#include "catalogue/KvPolarStereographicProjection.h"
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "coordsys/KvMapProjection.h"
 #include "paramfile/Gxr.h"
@@ -32,11 +36,55 @@ void CKvMapProjectionList::InitMapProjections(const std::string& systemDirectory
         CKvMapProjData* utm = new CKvTransverseMercatorProjection(name.GetStdString(), "UTM Projections", "WE", 0.9996,
                                                                   (zone - 30) * 6.0 - 3.0, 0.0, 500000.0, 0.0);
         utm->SetPermissions(false, false);
+        utm->SetEpsgCode(32600 + zone);
         m_definitions.push_back(utm);
     }
+    // The southern zones: the same projection with the false northing of
+    // 10 000 000 m that keeps the southern hemisphere's northings positive
+    // (EPSG 32701 ... 32760).
+    for (int zone = 1; zone <= 60; ++zone) {
+        CString name;
+        name.Format("UTM-%dS", zone);
+        CKvMapProjData* utm = new CKvTransverseMercatorProjection(name.GetStdString(), "UTM Projections", "WE", 0.9996,
+                                                                  (zone - 30) * 6.0 - 3.0, 0.0, 500000.0, 10000000.0);
+        utm->SetPermissions(false, false);
+        utm->SetEpsgCode(32700 + zone);
+        m_definitions.push_back(utm);
+    }
+    // The polar caps: polar stereographic variant A (EPSG method 9810) on the
+    // pole, k0 = 0.994, false easting and northing 2 000 000 m; the easting
+    // grows towards 90 E, the northing towards 180 E at the north pole and
+    // towards Greenwich at the south pole (EPSG 32661 and 32761, which list the
+    // northing first; these give easting, northing).
+    for (const double pole : {90.0, -90.0}) {
+        CKvMapProjData* ups = new CKvPolarStereographicProjection(pole > 0.0 ? "UPS North" : "UPS South", "WGS 84",
+                                                                  "WE", 0.994, 0.0, pole, 2000000.0, 2000000.0);
+        ups->SetPermissions(false, false);
+        ups->SetEpsgCode(pole > 0.0 ? 32661 : 32761);
+        m_definitions.push_back(ups);
+    }
+    const size_t generated = m_definitions.size();
 
     for (const char* file : {"map_projection.gxr", "state_plane_nad83.gxr", "state_plane_nad27.gxr"})
         ReadMapProjections(systemDirectory + file, false);
+    // A shipped section named like a generated entry (older catalogues carry
+    // UPS North and South) would list the name twice; the generated entry is
+    // the one a name finds, so the shipped copy is set aside.
+    const auto shadowed = [this, generated](const CKvMapProjData* d) {
+        if (d->CanDelete())
+            return false;
+        const CString name = CKvPRJParser::ShortName(CString(d->GetName()));
+        for (size_t i = 0; i < generated; ++i)
+            if (CKvPRJParser::ShortName(CString(m_definitions[i]->GetName())) == name)
+                return true;
+        return false;
+    };
+    for (size_t i = m_definitions.size(); i-- > generated;)
+        if (shadowed(m_definitions[i])) {
+            m_sourceLines.erase(m_definitions[i]);
+            delete m_definitions[i];
+            m_definitions.erase(m_definitions.begin() + static_cast<std::ptrdiff_t>(i));
+        }
     ReadMapProjections(userDirectory + "custom_projection.gxr", true);
 
     CKvMapProjData* local = new CKvTransverseMercatorProjection(
@@ -153,6 +201,24 @@ CKvMapProjData* CKvMapProjectionList::GetMapProjection(const std::string& name) 
         if (CKvPRJParser::ShortName(CString(d->GetName())) == wanted)
             return d;
     return nullptr;
+}
+
+bool CKvMapProjectionList::HoldsNameIgnoringCase(const char* text) const
+{
+    if (text == nullptr)
+        return false;
+    while (*text == ' ' || *text == '\t' || *text == '\r' || *text == '\n')
+        ++text;
+    size_t length = std::strlen(text);
+    while (length > 0 && (text[length - 1] == ' ' || text[length - 1] == '\t' || text[length - 1] == '\r' ||
+                          text[length - 1] == '\n'))
+        --length;
+    for (const CKvMapProjData* d : m_definitions) {
+        const std::string& stored = d->GetStoredName();
+        if (stored.size() == length && strncasecmp(stored.c_str(), text, length) == 0)
+            return true;
+    }
+    return false;
 }
 
 std::vector<CKvMapProjData*> CKvMapProjectionList::GetMapProjectionsIgnoringCase(const std::string& name) const

@@ -20,7 +20,9 @@ public:
     CKvMapProjectionList& operator=(const CKvMapProjectionList&) = delete;
     virtual ~CKvMapProjectionList();
 
-    // Built-in LONG/LAT, UTM-1..UTM-60, the system files, the custom file, NON-UTM.
+    // Built-in LONG/LAT, UTM-1..UTM-60, UTM-1S..UTM-60S, UPS North and South,
+    // the system files (less any section named like a built-in entry), the
+    // custom file, NON-UTM. Built-in entries are never written to a file.
     // Directories are prefixes: the file name is appended as it stands.
     void InitMapProjections(const std::string& systemDirectory, const std::string& userDirectory);
     // Appends every section of a known type; returns the parameter-file status.
@@ -41,6 +43,9 @@ public:
     // Matches names after reducing both to their short form. The catalogue's
     // edits (add, remove, edit) find their definitions so, by the exact name.
     CKvMapProjData* GetMapProjection(const std::string& name) const;
+    // Whether any definition is named text (trimmed) in any case: a quick test,
+    // without copies, before a name is taken for something else ("EPSG:n").
+    bool HoldsNameIgnoringCase(const char* text) const;
     // The definition a coordinate-system name stands for: the one GetMapProjection
     // finds; failing that, the one whose name is the trimmed name with ASCII
     // letters of either case taken alike ("rd new" for "RD New"). When several

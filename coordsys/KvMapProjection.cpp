@@ -1,5 +1,7 @@
 #include "coordsys/KvMapProjection.h"
 
+#include "catalogue/KvEpsgRegistry.h"
+
 #include "projections/KvBatch.h"
 
 #include "catalogue/KvCartSetup.h"
@@ -31,6 +33,34 @@ bool IsEmptyText(const char* text)
     return text == nullptr || *text == '\0';
 }
 
+// "EPSG:1314 OSGB36 to WGS 84 (6), accuracy 2 m; the registry ranks OSGB36 to
+// WGS 84 (9) (1 m) higher, which the library cannot apply".
+std::string DescribeShift(const CKvEpsgRegistry::SEntry& entry)
+{
+    if (!entry.hasShift)
+        return "no transformation to WGS 84 is known for its datum";
+    const CKvEpsgRegistry::SShift& s = entry.shift;
+    if (s.parameters == 0 && s.code.empty())
+        return "none needed: the datum is WGS 84";
+    char number[64];
+    std::string text = s.code + " " + s.name;
+    if (s.accuracy >= 0.0) {
+        std::snprintf(number, sizeof number, "%g", s.accuracy);
+        text += std::string(", accuracy ") + number + " m";
+    }
+    if (s.convention == "coordinate-frame")
+        text += " (coordinate-frame rotations, applied as position-vector with their signs changed)";
+    if (!s.better.empty()) {
+        text += "; the registry ranks " + s.better;
+        if (s.betterAccuracy >= 0.0) {
+            std::snprintf(number, sizeof number, "%g", s.betterAccuracy);
+            text += std::string(" (") + number + " m)";
+        }
+        text += " higher, which the library cannot apply (a grid or a time-dependent transformation)";
+    }
+    return text;
+}
+
 } // namespace
 
 CKvMapProjection::CKvMapProjection(const char* text) : m_pProjection(nullptr)
@@ -45,16 +75,31 @@ CKvMapProjection::CKvMapProjection(const std::string& text) : m_pProjection(null
 
 void CKvMapProjection::_construct(const char* text)
 {
+    // "EPSG:n" and "ESRI:n" (when no catalogue entry has that name, in any
+    // case) are the registry's: the text it gives carries the units, axes and
+    // datum shift. The catalogue is only scanned for the name, without copies.
+    std::string authority;
+    int code = 0;
+    if (CKvEpsgRegistry::ParseCode(text, authority, code) &&
+        !CKvCartSetup::Instance()->GetMapProjectionList().HoldsNameIgnoringCase(text)) {
+        m_pProjection = _fromRegistry(authority, code, &m_info, m_message, this);
+        SetLastMessage(m_message);
+        if (m_pProjection == nullptr)
+            return;
+        m_projectionString = text;
+        _takeFigure();
+        return;
+    }
     // A catalogue name in another case stands for the name as it is spelled.
     const std::string spelled = CatalogueSpelling(text);
     text = spelled.c_str();
-    m_pProjection = GetProjection(text, &m_info, &m_message);
+    m_pProjection = GetProjection(text, &m_info, &m_message, &m_shiftSource);
     if (m_pProjection == nullptr)
         return;
     // A WKT with a TOWGS84 node knows its shift, a zero one too (the parser
     // reads the node where it finds the word).
     if (CKvPRJParser::IsPRJ(text))
-        m_info.SetDatumShiftKnown(CString(text).Find("TOWGS84") >= 0);
+        m_info.SetDatumShiftKnown(CString(text).Find("TOWGS84") >= 0 || !m_shiftSource.empty());
     // A catalogue name gets its units and axes from the WKT its engine describes.
     if (!CKvPRJParser::IsPRJ(text) && !IsLocal(text) && !IsLongLat(text)) {
         CString wkt;
@@ -125,6 +170,11 @@ void CKvMapProjection::_copy(const CKvMapProjection& other)
     m_figure = other.m_figure;
     m_geodesic = other.m_geodesic;
     m_usSurveyFeet = other.m_usSurveyFeet;
+    m_registryCode = other.m_registryCode;
+    m_registryName = other.m_registryName;
+    m_shiftSource = other.m_shiftSource;
+    m_hasArea = other.m_hasArea;
+    std::copy(other.m_area, other.m_area + 4, m_area);
 }
 
 void CKvMapProjection::_dealloc()
@@ -374,14 +424,23 @@ std::string UnresolvedNameMessage(const std::string& name)
     if (!CKvCartSetup::Instance()->HasSystemCatalogue())
         message += " (no catalogue was read: CARTSETUPLINUX was not called, or its system directory holds no "
                    "map_projection.gxr)";
-    // The catalogue's names are the candidates, with their EPSG codes. Other
-    // systems a name may be meant for (the EPSG registry's names, and "EPSG:n"
-    // for a bare number that is one of its codes: CKvNameSuggestions::ReadCode)
-    // are added to the same candidates here.
+    // The catalogue's names are the candidates, with their EPSG codes, then the
+    // EPSG registry's systems that no catalogue entry stands for (a bare number
+    // that is a code suggests its system: CKvNameSuggestions::ReadCode).
     CKvNameSuggestions candidates;
-    candidates.Reserve(list.GetCount());
-    for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it)
+    candidates.Reserve(list.GetCount() + 6000);
+    std::vector<int> catalogued;
+    for (auto it = list.GetIteratorBegin(); it != list.GetIteratorEnd(); ++it) {
         candidates.Add((*it)->GetName(), (*it)->GetEpsgCode());
+        if ((*it)->GetEpsgCode() > 0)
+            catalogued.push_back((*it)->GetEpsgCode());
+    }
+    std::sort(catalogued.begin(), catalogued.end());
+    CKvEpsgRegistry::Instance().ForEach(
+        [&candidates, &catalogued](const std::string& authority, int code, bool, const std::string& system) {
+            if (authority == "EPSG" && !std::binary_search(catalogued.begin(), catalogued.end(), code))
+                candidates.Add(system, code);
+        });
     const std::string suggestions = CKvNameSuggestions::DidYouMean(candidates.Suggest(name));
     if (!suggestions.empty())
         message += "; " + suggestions;
@@ -415,7 +474,8 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
     return GetProjection(text, info, nullptr);
 }
 
-CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionInfo* info, std::string* message)
+CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionInfo* info, std::string* message,
+                                               std::string* shiftSource)
 {
     std::string& said = t_lastMessage;
     said.clear();
@@ -428,6 +488,8 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
         if (engine != nullptr) {
             if (info != nullptr)
                 info->SetProjectionInfo(parser);
+            if (shiftSource != nullptr)
+                *shiftSource = parser.GetDatumShiftSource();
             said = parser.GetWarnings();
             if (message != nullptr)
                 *message = said;
@@ -442,6 +504,14 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
     }
     const char* name = trimmed.IsEmpty() ? IDtoProjectionString(eNonUTM) : trimmed.GetString();
     CKvProjection* engine = _FindMapProjection(name);
+    std::string authority;
+    int code = 0;
+    if (engine == nullptr && CKvEpsgRegistry::ParseCode(name, authority, code)) {
+        engine = _fromRegistry(authority, code, info, said, nullptr);
+        if (message != nullptr)
+            *message = said;
+        return engine;
+    }
     if (engine == nullptr) {
         if (LooksLikeWkt(trimmed) && !parser.GetFailureReason().empty()) {
             said = parser.GetFailureReason();
@@ -452,6 +522,108 @@ CKvProjection* CKvMapProjection::GetProjection(const char* text, CKvProjectionIn
     if (message != nullptr)
         *message = said;
     return engine;
+}
+
+CKvProjection* CKvMapProjection::_fromRegistry(const std::string& authority, int code, CKvProjectionInfo* info,
+                                               std::string& said, CKvMapProjection* self)
+{
+    const std::string key = authority + ":" + std::to_string(code);
+    CKvEpsgRegistry::SEntry entry;
+    const CKvEpsgRegistry& registry = CKvEpsgRegistry::Instance();
+    if (!registry.Find(authority, code, entry)) {
+        const std::string error = registry.GetError();
+        said = !error.empty() ? key + ": " + error : key + " is not a projected or geographic 2D system of the registry";
+        return nullptr;
+    }
+    if (!entry.reason.empty()) {
+        said = key + " (" + entry.name + "): " + entry.reason;
+        return nullptr;
+    }
+    CString wkt(entry.wkt.c_str());
+    CKvPRJParser parser(wkt);
+    parser.SetReading(CKvPRJParser::eEpsgReading);
+    parser.Parse(false);
+    CKvProjection* engine =
+        parser.GetProjectionType() != CKvMapProjData::eNoProjection ? parser.CreateMapProjection() : nullptr;
+    if (engine == nullptr) {
+        const std::string reason = parser.GetFailureReason();
+        said = key + " (" + entry.name + "): " + (reason.empty() ? "its definition cannot be read" : reason);
+        return nullptr;
+    }
+    if (info != nullptr) {
+        info->SetProjectionInfo(parser);
+        // The registry knows the shift of the datum, a zero one included, or not.
+        info->SetDatumShiftKnown(entry.hasShift);
+    }
+    said = parser.GetWarnings();
+    if (self != nullptr) {
+        self->m_registryCode = key;
+        self->m_registryName = entry.name;
+        self->m_hasArea = true;
+        self->m_area[0] = entry.west;
+        self->m_area[1] = entry.south;
+        self->m_area[2] = entry.east;
+        self->m_area[3] = entry.north;
+        self->m_shiftSource = DescribeShift(entry);
+    }
+    return engine;
+}
+
+bool CKvMapProjection::RegistryText(const char* text, std::string& wkt, std::string* reason)
+{
+    std::string authority;
+    int code = 0;
+    if (!CKvEpsgRegistry::ParseCode(text, authority, code))
+        return false;
+    CString name(text);
+    name.Trim();
+    if (FindMapProjectionDefinition(name.GetString()) != nullptr)
+        return false;
+    CKvEpsgRegistry::SEntry entry;
+    const CKvEpsgRegistry& registry = CKvEpsgRegistry::Instance();
+    const std::string key = authority + ":" + std::to_string(code);
+    if (!registry.Find(authority, code, entry)) {
+        if (reason != nullptr) {
+            const std::string error = registry.GetError();
+            *reason = !error.empty() ? key + ": " + error
+                                     : key + " is not a projected or geographic 2D system of the registry";
+        }
+        return false;
+    }
+    if (!entry.reason.empty()) {
+        if (reason != nullptr)
+            *reason = key + " (" + entry.name + "): " + entry.reason;
+        return false;
+    }
+    wkt = entry.wkt;
+    return true;
+}
+
+bool CKvMapProjection::GetAreaOfUse(double& west, double& south, double& east, double& north) const
+{
+    if (!m_hasArea)
+        return false;
+    west = m_area[0];
+    south = m_area[1];
+    east = m_area[2];
+    north = m_area[3];
+    return true;
+}
+
+bool CKvMapProjection::IsInAreaOfUse(double lon, double lat, double margin) const
+{
+    if (!m_hasArea)
+        return true;
+    if (!(lat >= m_area[1] - margin && lat <= m_area[3] + margin))
+        return false;
+    // Longitudes east of the area's west edge, on a circle.
+    const double width = m_area[2] >= m_area[0] ? m_area[2] - m_area[0] : m_area[2] + 360.0 - m_area[0];
+    if (width + 2.0 * margin >= 360.0)
+        return std::isfinite(lon);
+    double d = std::fmod(lon - (m_area[0] - margin), 360.0);
+    if (d < 0.0)
+        d += 360.0;
+    return d <= width + 2.0 * margin;
 }
 
 CKvProjection* CKvMapProjection::_FindMapProjection(const char* name)
@@ -657,20 +829,82 @@ int CKvMapProjection::GetCoordSysType(const char* text)
     return CKvMapProjection(text).GetCoordSysType();
 }
 
-std::string CKvMapProjection::UTMZoneName(double lon)
+namespace {
+
+// A longitude onto the globe by the exact remainder, in [-180, 180): the
+// antimeridian, given as 180, is taken as -180, since each zone holds its
+// western edge. NaN and infinities lie on no meridian: NaN.
+double ZoneLongitude(double lon)
 {
-    // Onto the globe by the exact remainder; NaN and infinities lie on no
-    // meridian. The antimeridian, given as 180, is taken as -180: each zone
-    // holds its western edge.
     double reduced = CKvAngle::ReduceLongitudeDegrees(lon);
-    if (std::isnan(reduced))
-        return std::string();
     if (reduced >= 180.0)
         reduced -= 360.0;
-    // The quotient of a longitude below 6k stays below k when rounded, so the
-    // zone is exact; the clamp only states the range.
-    const int zone = std::min(60, std::max(1, static_cast<int>(std::floor(reduced / 6.0)) + 31));
-    return "UTM-" + std::to_string(zone);
+    return reduced;
+}
+
+// The regular zone of a reduced longitude, 1 ... 60. The quotient of a
+// longitude below 6k stays below k when rounded, so the zone is exact; the
+// clamp only states the range.
+int RegularZone(double reduced)
+{
+    return std::min(60, std::max(1, static_cast<int>(std::floor(reduced / 6.0)) + 31));
+}
+
+} // namespace
+
+std::string CKvMapProjection::UTMZoneName(double lon)
+{
+    const double reduced = ZoneLongitude(lon);
+    if (std::isnan(reduced))
+        return std::string();
+    return "UTM-" + std::to_string(RegularZone(reduced));
+}
+
+bool CKvMapProjection::UTMZoneName(double lon, double lat, std::string& name, int& epsgCode, std::string* reason)
+{
+    name.clear();
+    epsgCode = 0;
+    const double reduced = ZoneLongitude(lon);
+    const char* refusal = nullptr;
+    if (std::isnan(reduced))
+        refusal = "the longitude is not a finite number";
+    else if (std::isnan(lat) || std::isinf(lat))
+        refusal = "the latitude is not a finite number";
+    else if (std::fabs(lat) > 90.0)
+        refusal = "the latitude is beyond 90 degrees";
+    if (refusal != nullptr) {
+        if (reason != nullptr)
+            *reason = refusal;
+        return false;
+    }
+    if (reason != nullptr)
+        reason->clear();
+    // The polar caps (MGRS): UPS north of 84 N and south of 80 S; the parallels
+    // themselves belong to UTM, as the extents of EPSG's zones include them.
+    if (lat > 84.0) {
+        name = "UPS North";
+        epsgCode = 32661;
+        return true;
+    }
+    if (lat < -80.0) {
+        name = "UPS South";
+        epsgCode = 32761;
+        return true;
+    }
+    int zone = RegularZone(reduced);
+    // Band V (56 N to 64 N): zone 32 widened westwards over 3 E to 6 E, the
+    // south-west coast of Norway.
+    if (lat >= 56.0 && lat < 64.0 && reduced >= 3.0 && reduced < 12.0)
+        zone = 32;
+    // Band X (72 N to 84 N), Svalbard: the odd zones 31 to 37 widened to 9, 12,
+    // 12 and 9 degrees, the even ones between them unused.
+    if (lat >= 72.0 && reduced >= 0.0 && reduced < 42.0)
+        zone = reduced < 9.0 ? 31 : reduced < 21.0 ? 33 : reduced < 33.0 ? 35 : 37;
+    // The equator is in the northern zones (a latitude of -0 too).
+    const bool south = lat < 0.0;
+    name = "UTM-" + std::to_string(zone) + (south ? "S" : "");
+    epsgCode = (south ? 32700 : 32600) + zone;
+    return true;
 }
 
 const char* CKvMapProjection::LongitudeToUTMZone(double lon)

@@ -60,6 +60,24 @@ public:
     const std::string& GetMessage() const { return m_message; }
     // The engine, still owned by the object; null when the string did not resolve.
     CKvProjection* GetProjection() const { return m_pProjection; }
+    // For a system taken from the EPSG registry ("EPSG:27700", "ESRI:102100"):
+    // its code in that form, its registry name, the area where the registry
+    // says it is used (Greenwich degrees; west > east when the area crosses
+    // the antimeridian) and a description of its datum shift to WGS 84 (the
+    // transformation's code, name and accuracy, and a better one the library
+    // cannot apply, such as a grid). Empty strings and false for other systems.
+    const std::string& GetRegistryCode() const { return m_registryCode; }
+    const std::string& GetRegistryName() const { return m_registryName; }
+    bool GetAreaOfUse(double& west, double& south, double& east, double& north) const;
+    const std::string& GetDatumShiftSource() const { return m_shiftSource; }
+    // Whether a geographical point lies in the area of use, widened by a margin
+    // in degrees (true when the system has no area).
+    bool IsInAreaOfUse(double lon, double lat, double marginDegrees) const;
+    // The WKT the registry gives for "EPSG:n" / "ESRI:n" (TOWGS84 included), to
+    // be read under the EPSG reading; false for any other text (a catalogue
+    // name that happens to be so spelled stays the catalogue's) and for a code
+    // the registry does not give, with the reason.
+    static bool RegistryText(const char* text, std::string& wkt, std::string* reason = nullptr);
     // The string as given (a catalogue name given in another case as the
     // catalogue spells it); empty when it did not resolve.
     const char* GetProjectionString() const { return m_projectionString.c_str(); }
@@ -142,7 +160,10 @@ public:
     // info, when not null, receives the units and axes of WKT text.
     static CKvProjection* GetProjection(const char* text, CKvProjectionInfo* info);
     // The same, with the reason of a failure or the reading's warnings in message.
-    static CKvProjection* GetProjection(const char* text, CKvProjectionInfo* info, std::string* message);
+    // shiftSource, when not null, receives where the datum shift of a WKT came
+    // from when the registry supplied it by the datum's name.
+    static CKvProjection* GetProjection(const char* text, CKvProjectionInfo* info, std::string* message,
+                                        std::string* shiftSource = nullptr);
     // The message of the coordinate system this thread resolved last (by a
     // constructor or GetProjection): empty, a reason or warnings, as GetMessage.
     static const std::string& GetLastMessage();
@@ -190,6 +211,19 @@ public:
     // remainder); NaN and infinities have none: "".
     static std::string UTMZoneName(double lon);
     static const char* LongitudeToUTMZone(double lon);
+    // The zone of a point on the UTM/UPS grid (WGS 84) as the military grid
+    // reference system assigns it, with the EPSG code of its projected system:
+    // "UTM-32" (32632) north of the equator and on it, "UTM-33S" (32733) south
+    // of it, "UPS North" (32661) above 84 N and "UPS South" (32761) below 80 S.
+    // Zone numbers are those of UTMZoneName, with the grid's exceptions: from
+    // 56 N up to 64 N zone 32 spans 3 E to 12 E (31 ends at 3 E), and from 72 N
+    // to 84 N, both included, zones 31, 33, 35 and 37 span 0 to 9 E, 9 to 21 E,
+    // 21 to 33 E and 33 to 42 E (32, 34 and 36 are not used there); each zone
+    // and band holds its western and southern edge. Longitudes of any size are
+    // reduced first. False, with an empty name, code 0 and the reason in
+    // *reason when given, for a longitude or latitude that is not a finite
+    // number or a latitude beyond +-90.
+    static bool UTMZoneName(double lon, double lat, std::string& name, int& epsgCode, std::string* reason = nullptr);
     // The short name of a coordinate-system string: the name of its WKT, or
     // the catalogue name as written.
     static std::string ShortNameText(const char* text);
@@ -236,6 +270,10 @@ protected:
 
 private:
     void _construct(const char* text);
+    // A system of the EPSG registry, read under the EPSG reading whatever the
+    // process-wide setting; fills the object's registry fields when `self` is given.
+    static CKvProjection* _fromRegistry(const std::string& authority, int code, CKvProjectionInfo* info,
+                                        std::string& said, CKvMapProjection* self);
     // The engine's ellipsoid, or WGS 84 for a geographical engine without one.
     bool _geodesicEllipsoid(CKvEllipsoid& ellipsoid) const;
 
@@ -248,6 +286,11 @@ private:
     std::string m_projectionString;
     std::string m_message;
     bool m_usSurveyFeet = false; // a catalogue definition kept in US survey feet
+    std::string m_registryCode;  // "EPSG:27700" for a system from the registry
+    std::string m_registryName;
+    std::string m_shiftSource;
+    bool m_hasArea = false;
+    double m_area[4] = {0, 0, 0, 0}; // west, south, east, north
     CKvGeocentric m_figure;
     // The figure of GetInverseGeodesic, taken with m_figure (the ellipsoid of
     // _geodesicEllipsoid); not valid without one.

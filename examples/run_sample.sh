@@ -1,19 +1,20 @@
 #!/bin/sh
 # The sample run of 'make run': real places in Great Britain from longitude and
-# latitude (WGS 84) to the UTM zone of each, then to the British National Grid.
+# latitude on WGS 84 (EPSG:4326) to the UTM zone of each, then to the British
+# National Grid (EPSG:27700), both by their EPSG codes.
 set -e
 kvcart=${1:-build/kvcart}
 places=${2:-examples/places.txt}
 
-echo "== LONG/LAT (WGS 84) to the UTM zone of each place"
+echo "== WGS 84 (EPSG:4326) to the UTM zone of each place"
 grep -v '^#' "$places" | while read -r lon lat name; do
   [ -n "$lon" ] || continue
-  zone=$("$kvcart" zone "$lon")
-  printf '%-7s ' "$zone"
-  echo "$lon $lat $name" | "$kvcart" transform LONG/LAT "$zone" --precision 2
+  # "UTM-30 EPSG:32630": the zone's name and its code.
+  set -- $("$kvcart" zone "$lon" "$lat")
+  printf '%-7s %-10s ' "$1" "$2"
+  echo "$lon $lat $name" | "$kvcart" transform EPSG:4326 "$2" --precision 2
 done
 
 echo
-echo "== LONG/LAT (WGS 84) to the British National Grid (OSGB 1936, EPSG transformation 1314)"
-"$kvcart" transform LONG/LAT "British National Grid" --precision 2 \
-  --towgs84-to 446.448,-125.157,542.06,0.15,0.247,0.842,-20.489 "$places"
+echo "== WGS 84 (EPSG:4326) to the British National Grid (EPSG:27700; OSGB36 by the registry's Helmert, EPSG:1314)"
+"$kvcart" transform EPSG:4326 EPSG:27700 --precision 2 "$places"

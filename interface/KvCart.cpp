@@ -209,6 +209,20 @@ extern "C" void C_KVMP_GETLINEARUNIT(KVMP_HANDLE handle, double* factor, int* st
     *status = value > 0.0 ? 0 : -1;
 }
 
+extern "C" int C_KVMP_GETAREAOFUSE(KVMP_HANDLE handle, double* west, double* south, double* east, double* north)
+{
+    if (handle == nullptr || west == nullptr || south == nullptr || east == nullptr || north == nullptr)
+        return -1;
+    double w = 0, s = 0, e = 0, n = 0;
+    if (!handle->GetAreaOfUse(w, s, e, n))
+        return -1;
+    *west = w;
+    *south = s;
+    *east = e;
+    *north = n;
+    return 0;
+}
+
 extern "C" int C_KVMP_GETINVERSEGEODESIC(KVMP_HANDLE handle, double lon1, double lat1, double lon2, double lat2,
                                          double* distance, double* azimuth1, double* azimuth2)
 {
@@ -440,6 +454,27 @@ extern "C" void S_LONGITUDETOUTMZONE(char* buffer, int size, int* status, double
         return;
     try {
         CopyResult(CKvMapProjection::UTMZoneName(lon), buffer, size, status);
+    } catch (...) {
+        *status = -1;
+    }
+}
+
+extern "C" void S_POINTTOUTMZONE(char* buffer, int size, int* status, double lon, double lat, int* epsgCode)
+{
+    if (status == nullptr)
+        return;
+    if (epsgCode != nullptr)
+        *epsgCode = 0;
+    try {
+        std::string name;
+        int code = 0;
+        if (!CKvMapProjection::UTMZoneName(lon, lat, name, code)) {
+            *status = -1;
+            return;
+        }
+        CopyResult(name, buffer, size, status);
+        if (epsgCode != nullptr)
+            *epsgCode = code;
     } catch (...) {
         *status = -1;
     }

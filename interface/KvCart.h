@@ -117,6 +117,13 @@ void C_KVMP_GETDEFAULTAREA(KVMP_HANDLE handle, double* x0, double* y0, double* x
  * whatever the unit: a host whose coordinates are in the system's unit
  * multiplies projected input by the factor and divides projected output by it. */
 void C_KVMP_GETLINEARUNIT(KVMP_HANDLE handle, double* factor, int* status);
+
+/* The area of use of a system taken from the EPSG registry ("EPSG:27700"):
+ * Greenwich longitudes west and east (west > east when the area crosses the
+ * antimeridian) and latitudes south and north, in degrees. Returns 0 with the
+ * four values, or -1 and writes nothing for a system without one (WKT, a
+ * catalogue name), a NULL handle or output. */
+int C_KVMP_GETAREAOFUSE(KVMP_HANDLE handle, double* west, double* south, double* east, double* north);
 /* The inverse geodesic problem (Karney's method) on the system's ellipsoid, as
  * for the direct one: WGS 84 for a geographical system without an ellipsoid.
  * Writes the length in metres of the shortest geodesic from (lon1, lat1) to
@@ -228,6 +235,18 @@ void S_PROJECTIONSHORTNAME(const char* text, char* buffer, int size, int* status
  * 359.9 is zone 30, 540 zone 1. NaN and infinities have no zone: the empty
  * text. String rule. */
 void S_LONGITUDETOUTMZONE(char* buffer, int size, int* status, double lon);
+/* The zone of a point on the UTM/UPS grid of WGS 84, as the military grid
+ * reference system assigns it: "UTM-32" north of the equator and on it,
+ * "UTM-33S" south of it (false northing 10 000 000 m), "UPS North" above 84 N,
+ * "UPS South" below 80 S; each a catalogue name. Zone numbers follow
+ * S_LONGITUDETOUTMZONE (longitudes of any size reduced; 180 is zone 1) except
+ * where the grid widens zones: 32 over 3 E to 12 E from 56 N up to 64 N, and
+ * from 72 N to 84 N 31, 33, 35 and 37 over 0-9, 9-21, 21-33 and 33-42 E.
+ * *epsgCode, when not NULL, receives the EPSG code of the zone's projected
+ * system: 326zz, 327zz, 32661 or 32761. String rule. *status = -1, the buffer
+ * untouched and *epsgCode 0 for a longitude or latitude that is NaN or
+ * infinite, or a latitude beyond +-90. */
+void S_POINTTOUTMZONE(char* buffer, int size, int* status, double lon, double lat, int* epsgCode);
 /* The WKT of the spherical Mercator of web maps. String rule. */
 void S_GETGOOGLEMAPPROJECTIONSTRING(char* buffer, int size, int* status);
 /* The projected origin of a system; *status -1 when it cannot be made (or x or

@@ -45,7 +45,7 @@ TEST(KvMapProjectionList, BuiltInDefinitionsWithoutAnyFile)
     kvtest::TempDir empty;
     CKvMapProjectionList list;
     list.InitMapProjections(empty.Path(), empty.Path());
-    ASSERT_EQ(list.GetCount(), 62u);
+    ASSERT_EQ(list.GetCount(), 124u);
     std::vector<CKvMapProjData*> all(list.GetIteratorBegin(), list.GetIteratorEnd());
 
     EXPECT_EQ(all.front()->GetName(), "LONG/LAT");
@@ -75,11 +75,11 @@ TEST(KvMapProjectionList, BuiltInDefinitionsWithoutAnyFile)
 
     // Deleting takes the definition out and frees it; a definition outside the list is freed too.
     list.DeleteMapProjection(list.GetMapProjection("UTM-7"));
-    EXPECT_EQ(list.GetCount(), 61u);
+    EXPECT_EQ(list.GetCount(), 123u);
     EXPECT_EQ(list.GetMapProjection("UTM-7"), nullptr);
     list.DeleteMapProjection(new CKvGeographicalProjection("stray", "", ""));
     list.DeleteMapProjection(nullptr);
-    EXPECT_EQ(list.GetCount(), 61u);
+    EXPECT_EQ(list.GetCount(), 123u);
 }
 
 TEST(KvEllipsoidList, SystemEntriesComeFirstAndCustomOnesAreOwned)
@@ -272,7 +272,7 @@ TEST(KvCartSetup, ResolvesNamesEllipsoidsAndEngines)
     kvtest::ShippedCatalogue();
     CKvCartSetup* setup = CKvCartSetup::Instance();
     EXPECT_EQ(setup, CKvCartSetup::Instance());
-    EXPECT_EQ(setup->GetMapProjectionList().GetCount(), 62u + 23u + 124u + 107u);
+    EXPECT_EQ(setup->GetMapProjectionList().GetCount(), 124u + 21u + 124u + 107u);
 
     const CKvEllipsoid* airy = CKvMapProjection::Ellipsoid("British National Grid");
     ASSERT_NE(airy, nullptr);
@@ -397,7 +397,7 @@ TEST(KvMapProjectionList, ReadsTheAlternativeKeywordsFromAUserFile)
                       "END_TARGET\n");
     CKvMapProjectionList list;
     list.InitMapProjections(dir.Path() + "no-system/", dir.Path());
-    ASSERT_EQ(list.GetCount(), 64u);
+    ASSERT_EQ(list.GetCount(), 126u);
     EXPECT_EQ(list.GetMapProjection("Skipped"), nullptr);
 
     CKvMapProjData* mercator = list.GetMapProjection("Old Mercator");

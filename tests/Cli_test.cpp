@@ -266,7 +266,7 @@ TEST(Cli, DescribesSystemsAndAnswersTheSmallQuestions)
     EXPECT_NE(noEllipsoid.err.find("has no ellipsoid"), std::string::npos) << noEllipsoid.err;
 
     for (const char* command :
-         {"transform", "info", "proj4", "list", "ellipsoids", "zone", "geod", "check", "add", "remove"}) {
+         {"transform", "info", "proj4", "wkt", "list", "ellipsoids", "zone", "geod", "check", "add", "remove"}) {
         const SRun help = Kvcart(dir, {command, "--help"});
         EXPECT_EQ(help.status, 0);
         EXPECT_EQ(help.out.rfind(std::string("Usage: kvcart ") + command, 0), 0u) << command;
@@ -457,7 +457,12 @@ TEST(Cli, ReadsPrjFilesByTheRegistryAndSaysWhyItRefusesOne)
         Kvcart(dir, {"transform", "--compatible-reading", "LONG/LAT", "@lo15.prj"}, std::string("14.475 -22.915\n"));
     EXPECT_EQ(compatible.status, 0);
     EXPECT_EQ(compatible.out, "-53858.5029 -2535220.4668\n");
-    EXPECT_EQ(compatible.err, "kvcart: warning: lo15.prj: Transverse_Mercator_South_Orientated read as plain "
+    // The established reading also says which datum shift it leaves out: an ESRI
+    // text names its datum but carries none.
+    EXPECT_EQ(compatible.err, "kvcart: warning: lo15.prj: its datum \"D_Hartebeesthoek_1994\" has no TOWGS84 and is "
+                              "read without a shift to WGS 84; the registry's is EPSG:1505 Hartebeesthoek94 to WGS 84 "
+                              "(1), accuracy 1 m (as EPSG:4148)\n"
+                              "kvcart: warning: lo15.prj: Transverse_Mercator_South_Orientated read as plain "
                               "transverse Mercator: coordinates are easting/northing (the registry's are "
                               "westing/southing)\n");
     const SRun info = Kvcart(dir, {"info", "--compatible-reading", "@lo15.prj"});
@@ -512,11 +517,13 @@ TEST(Cli, Proj4WritesWhatProjReadsAsTheSameSystem)
     const kvtest::TempDir dir;
     // Swiss LV03 in the catalogue: Hotine variant B, no grid angle. PROJ takes
     // the centre as +lonc; the established text's +lon_0 and +gamma=-1e-35 put
-    // LV95's grid elsewhere.
+    // LV95's grid elsewhere. Its datum, CH1903, has the registry's shift
+    // (EPSG:1766, CH1903 to WGS 84 (2)), as cs2cs applies it for EPSG:21781.
     const SRun proj = Kvcart(dir, {"proj4", "Swiss LV03"});
     EXPECT_EQ(proj.status, 0);
     EXPECT_EQ(proj.out, "+proj=omerc +lat_0=46.95240555555556 +lonc=7.439583333333333 +alpha=90 +k=1 +x_0=600000 "
-                        "+y_0=200000 +a=6377397.155 +rf=299.1528128 +units=m +no_defs +type=crs\n");
+                        "+y_0=200000 +a=6377397.155 +rf=299.1528128 +towgs84=674.374,15.056,405.346,0,0,0,0 "
+                        "+units=m +no_defs +type=crs\n");
     const SRun legacy = Kvcart(dir, {"proj4", "--legacy", "Swiss LV03"});
     EXPECT_EQ(legacy.status, 0);
     EXPECT_NE(legacy.out.find("+lon_0=7.439583333333333 +alpha=90 +gamma=-1e-35"), std::string::npos)
@@ -1018,4 +1025,116 @@ TEST(Cli, NamesInAnyCaseSuggestionsAndListGrep)
     // The plain listing keeps its three columns.
     for (const std::string& line : Kvcart(dir, {"list"}).OutLines())
         EXPECT_EQ(line.find("EPSG:"), std::string::npos) << line;
+}
+
+// EPSG codes on the command line: the README's sample to the British National
+// Grid gives cs2cs's figures (`cs2cs EPSG:4326 EPSG:27700`, Helmert 1314) to the
+// centimetre; info names the registry's system, area and shift; a point far
+// outside the area of use is pointed out once.
+TEST(Cli, EpsgCodesGiveCs2csFiguresAndTheirAreaOfUse)
+{
+    const kvtest::TempDir dir;
+    const std::string places = "-5.71500 50.06570 Land's End\n-3.18830 55.95330 Edinburgh\n"
+                               "-6.38900 58.20900 Stornoway\n";
+    const SRun bng = Kvcart(dir, {"transform", "EPSG:4326", "epsg:27700", "--precision", "3"}, &places);
+    ASSERT_EQ(bng.status, 0) << bng.err;
+    const std::vector<std::string> lines = bng.OutLines();
+    ASSERT_EQ(lines.size(), 3u);
+    const double expected[3][2] = {{134240.827, 25011.461}, {325897.218, 674001.202}, {142287.093, 932868.456}};
+    for (int i = 0; i < 3; ++i) {
+        double x = 0, y = 0;
+        ASSERT_EQ(std::sscanf(lines[i].c_str(), "%lf %lf", &x, &y), 2) << lines[i];
+        EXPECT_NEAR(x, expected[i][0], 0.005) << lines[i];
+        EXPECT_NEAR(y, expected[i][1], 0.005) << lines[i];
+    }
+    EXPECT_EQ(bng.err, "");
+
+    const SRun info = Kvcart(dir, {"info", "EPSG:27700"});
+    ASSERT_EQ(info.status, 0) << info.err;
+    EXPECT_NE(info.out.find("Registry:      EPSG:27700, OSGB36 / British National Grid"), std::string::npos)
+        << info.out;
+    EXPECT_NE(info.out.find("Area of use:   longitude -9 to 2.01, latitude 49.75 to 61.01"), std::string::npos);
+    EXPECT_NE(info.out.find("Shift source:  EPSG:1314 OSGB36 to WGS 84 (6), accuracy 2 m"), std::string::npos);
+    EXPECT_NE(info.out.find("TOWGS84[446.448"), std::string::npos);
+
+    // Paris and New York in the British grid: the first is pointed out, with its line.
+    const std::string far = "-3 55 inside\n2.35 48.85 Paris\n-74 40.7 New York\n";
+    const SRun outside = Kvcart(dir, {"transform", "EPSG:4326", "EPSG:27700"}, &far);
+    EXPECT_EQ(outside.status, 0);
+    EXPECT_EQ(outside.err,
+              "kvcart: warning: stdin:3: the point lies far outside the area of use of EPSG:27700, OSGB36 / British "
+              "National Grid (-9 to 2.01 E, 49.75 to 61.01 N) (later points are not checked)\n");
+    // ... also on the way back, on the grid's side.
+    const std::string grid = "400000 500000\n3000000 500000\n";
+    const SRun back = Kvcart(dir, {"transform", "EPSG:27700", "EPSG:4326"}, &grid);
+    EXPECT_NE(back.err.find("stdin:2: the point lies far outside"), std::string::npos) << back.err;
+
+    const SRun unknown = Kvcart(dir, {"info", "EPSG:99999"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_NE(unknown.err.find("EPSG:99999"), std::string::npos) << unknown.err;
+}
+
+// The zone of a point, and a system written as WKT alone on a line (ESRI and
+// OGC form). Coordinates: cs2cs EPSG:4326 EPSG:32734 on 33.9249 S 18.4241 E.
+TEST(Cli, ZonesOfPointsAndWktOfSystems)
+{
+    const kvtest::TempDir dir;
+    const std::pair<std::vector<std::string>, const char*> zones[] = {
+        {{"zone", "18.4241", "-33.9249"}, "UTM-34S EPSG:32734\n"}, {{"zone", "5", "84.5"}, "UPS North EPSG:32661\n"},
+        {{"zone", "5", "-80"}, "UTM-31S EPSG:32731\n"},           {{"zone", "540", "10"}, "UTM-1 EPSG:32601\n"},
+        {{"zone", "4", "60"}, "UTM-32 EPSG:32632\n"},             {{"zone", "9.5"}, "UTM-32\n"}};
+    for (const auto& z : zones) {
+        const SRun run = Kvcart(dir, z.first);
+        EXPECT_EQ(run.status, 0) << z.second << run.err;
+        EXPECT_EQ(run.out, z.second);
+    }
+    const SRun beyond = Kvcart(dir, {"zone", "5", "90.5"});
+    EXPECT_EQ(beyond.status, 2);
+    EXPECT_NE(beyond.err.find("latitude is beyond 90"), std::string::npos) << beyond.err;
+    EXPECT_EQ(Kvcart(dir, {"zone", "5", "nan"}).status, 2);
+    EXPECT_EQ(Kvcart(dir, {"zone", "5", "1", "2"}).status, 2);
+
+    const std::string cape = "18.4241 -33.9249 Cape Town\n";
+    const SRun south = Kvcart(dir, {"transform", "LONG/LAT", "UTM-34S", "--precision", "4"}, cape);
+    EXPECT_EQ(south.out, "261881.5985 6243182.3545 Cape Town\n") << south.err;
+
+    // The library's own form is the WKT kvcart info shows, on one line.
+    const SRun esri = Kvcart(dir, {"wkt", "RD New"});
+    ASSERT_EQ(esri.status, 0) << esri.err;
+    EXPECT_EQ(esri.out.rfind("PROJCS[\"RD New\",GEOGCS[", 0), 0u) << esri.out;
+    EXPECT_NE(esri.out.find("PROJECTION[\"Double_Stereographic\"]"), std::string::npos);
+    EXPECT_EQ(esri.out.find('\n'), esri.out.size() - 1);
+    EXPECT_EQ(Kvcart(dir, {"wkt", "RD New", "--esri"}).out, esri.out);
+
+    // The OGC form reads back as the same system, datum shift included.
+    const SRun ogc = Kvcart(dir, {"wkt", "RD New", "--ogc"});
+    ASSERT_EQ(ogc.status, 0) << ogc.err;
+    EXPECT_EQ(ogc.out.find('\n'), ogc.out.size() - 1);
+    for (const char* node : {"PROJECTION[\"Oblique_Stereographic\"]", "PARAMETER[\"latitude_of_origin\",",
+                             "UNIT[\"metre\",1]", "AXIS[\"Easting\",EAST],AXIS[\"Northing\",NORTH]", "TOWGS84["})
+        EXPECT_NE(ogc.out.find(node), std::string::npos) << node << " in " << ogc.out;
+    kvtest::WriteFile(dir.File("rd.prj"), ogc.out);
+    const std::string amsterdam = "4.9 52.37\n";
+    const SRun byName = Kvcart(dir, {"transform", "LONG/LAT", "RD New", "--precision", "6"}, amsterdam);
+    const SRun byText = Kvcart(dir, {"transform", "LONG/LAT", "@rd.prj", "--precision", "6"}, amsterdam);
+    EXPECT_EQ(byText.out, byName.out) << byText.err;
+    EXPECT_EQ(byText.status, 0);
+
+    // A WKT file in, the OGC form out: GDAL's names, the shift kept.
+    kvtest::WriteFile(dir.File("bng.prj"), kOsgb36Wkt);
+    const SRun file = Kvcart(dir, {"wkt", "@bng.prj", "--ogc"});
+    EXPECT_NE(file.out.find("TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]"), std::string::npos)
+        << file.out;
+
+    const SRun longLat = Kvcart(dir, {"wkt", "LONG/LAT", "--ogc"});
+    EXPECT_EQ(longLat.status, 1);
+    EXPECT_EQ(longLat.out, "");
+    EXPECT_NE(longLat.err.find("no datum"), std::string::npos) << longLat.err;
+    const SRun rotated = Kvcart(dir, {"wkt", "COSMO-EU Rotated Pole", "--ogc"});
+    EXPECT_EQ(rotated.status, 1);
+    EXPECT_NE(rotated.err.find("rotated longitude/latitude"), std::string::npos) << rotated.err;
+    EXPECT_EQ(Kvcart(dir, {"wkt", "NON-UTM"}).status, 1);
+    EXPECT_EQ(Kvcart(dir, {"wkt", "RD New", "--esri", "--ogc"}).status, 2);
+    EXPECT_EQ(Kvcart(dir, {"wkt", "Nowhere Grid"}).status, 2);
+    EXPECT_EQ(Kvcart(dir, {"wkt", "UTM"}).status, 2);
 }

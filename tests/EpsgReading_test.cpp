@@ -259,7 +259,8 @@ TEST(EpsgReading, RefusedTextsAndNamesSayWhy)
         {"PROJCRS[\"WGS 84 / UTM zone 32N\",BASEGEOGCRS[\"WGS 84\",DATUM[\"World Geodetic System 1984\",ELLIPSOID["
          "\"WGS 84\",6378137,298.257223563]]],CONVERSION[\"UTM zone 32N\",METHOD[\"Transverse Mercator\"]]]",
          "WKT 2 is not read: give the system as WKT 1 (PROJCS or GEOGCS, as a .prj file holds it)"},
-        {"Britsh National Grid", "unknown coordinate system \"Britsh National Grid\""},
+        {"Britsh National Grid",
+         "unknown coordinate system \"Britsh National Grid\"; did you mean \"British National Grid\" (EPSG:27700)?"},
     };
     kvtest::ShippedCatalogue();
     for (const bool epsg : {false, true}) {

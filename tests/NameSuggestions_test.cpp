@@ -402,8 +402,11 @@ TEST(CatalogueNames, AnUnknownNameEndsWithTheClosestNames)
 
     std::string message;
     EXPECT_EQ(CKvMapProjection::GetProjection("  National Grid ", nullptr, &message), nullptr);
+    // The catalogue's names come first; the EPSG registry's systems that no
+    // entry stands for follow.
     EXPECT_EQ(message, "unknown coordinate system \"National Grid\"; did you mean " + Quoted("British National Grid") +
-                           " or " + Quoted("Jamaica National Grid") + "?");
+                           ", " + Quoted("Jamaica National Grid") +
+                           " or \"ED50 / Iraq National Grid\" (EPSG:3893)?");
 
     // Nothing close: the message as it always was.
     EXPECT_EQ(CKvMapProjection("Nowhere Grid").GetMessage(), "unknown coordinate system \"Nowhere Grid\"");
@@ -420,6 +423,7 @@ TEST(CatalogueNames, AnUnknownNameEndsWithTheClosestNames)
     std::vector<char> text(static_cast<size_t>(length) + 1);
     C_KVMP_GETMESSAGE(handle, text.data(), length, &status);
     EXPECT_EQ(std::string(text.data()),
-              "unknown coordinate system \"Lambert 93\"; did you mean " + Quoted("Lambert-93") + "?");
+              "unknown coordinate system \"Lambert 93\"; did you mean " + Quoted("Lambert-93") +
+                  ", \"RGF93 v2 / Lambert-93\" (EPSG:9793) or \"RGF93 v2b / Lambert-93\" (EPSG:9794)?");
     C_KVMP_DESTROY(&handle, &status);
 }

@@ -23,6 +23,7 @@ transformation in the registry; the registry test checks it).
 
 Needs /usr/bin/python3 with pyproj (Debian's python3-pyproj); a tool only.
 """
+import math
 import warnings
 
 import pyproj
@@ -64,7 +65,12 @@ def _helmert_of(op):
             h = _helmert_of(step)
             name = step.get("name", "")
             if h is None:
-                if step.get("method", {}).get("id", {}).get("code") in (9601, 1064) or "Null" in name:
+                method = step.get("method", {}).get("id", {}).get("code")
+                if method == 9601 and "Null" not in name:
+                    # A longitude rotation from a prime meridian other than
+                    # Greenwich: the system's PRIMEM node says it already.
+                    continue
+                if method in (9601, 1064) or "Null" in name:
                     # A null geographic offset between two CRSs of one datum.
                     if all(p.get("value", 0) == 0 for p in step.get("parameters", [])):
                         continue
@@ -109,6 +115,53 @@ def _helmert_of(op):
     if inverted:
         params = [-v for v in params]
     return code, params, inverted
+
+
+def _geocentric(lon, lat, a, f):
+    e2 = f * (2.0 - f)
+    lam, phi = math.radians(lon), math.radians(lat)
+    n = a / math.sqrt(1.0 - e2 * math.sin(phi) ** 2)
+    return (n * math.cos(phi) * math.cos(lam), n * math.cos(phi) * math.sin(lam), n * (1.0 - e2) * math.sin(phi))
+
+
+def _geodetic(x, y, z, a, f):
+    e2 = f * (2.0 - f)
+    p = math.hypot(x, y)
+    lat = math.atan2(z, p * (1.0 - e2))
+    for _ in range(10):
+        n = a / math.sqrt(1.0 - e2 * math.sin(lat) ** 2)
+        lat = math.atan2(z + e2 * n * math.sin(lat), p)
+    return math.degrees(math.atan2(y, x)), math.degrees(lat)
+
+
+def _agrees(geod, area, tr, params):
+    """Whether PROJ's operation is the plain Helmert of these parameters (position
+    vector, small angles) at the centre of the area: within 1 mm."""
+    if area is None:
+        return True
+    w, s, e, n = area.bounds
+    if e < w:
+        e += 360.0
+    lon, lat = (w + e) / 2.0, (s + n) / 2.0
+    if lon > 180.0:
+        lon -= 360.0
+    pm = geod.prime_meridian
+    pm_deg = math.degrees(pm.longitude * pm.unit_conversion_factor)
+    axes = {ax.direction.lower(): ax.unit_conversion_factor for ax in geod.axis_info[:2]}
+    f_lon, f_lat = axes.get("east", math.pi / 180), axes.get("north", math.pi / 180)
+    x_u, y_u = tr.transform(math.radians(lon - pm_deg) / f_lon, math.radians(lat) / f_lat, errcheck=False)
+    ell = geod.ellipsoid
+    a, rf = ell.semi_major_metre, ell.inverse_flattening
+    fl = 1.0 / rf if rf and rf > 0 else 0.0
+    X, Y, Z = _geocentric(lon, lat, a, fl)
+    dx, dy, dz, rx, ry, rz, ds = params
+    k = math.pi / (180.0 * 3600.0)
+    rx, ry, rz, m = rx * k, ry * k, rz * k, 1.0 + ds * 1e-6
+    X2 = dx + m * (X - rz * Y + ry * Z)
+    Y2 = dy + m * (rz * X + Y - rx * Z)
+    Z2 = dz + m * (-ry * X + rx * Y + Z)
+    lon2, lat2 = _geodetic(X2, Y2, Z2, 6378137.0, 1.0 / 298.257223563)
+    return abs(lon2 - x_u) * 111e3 * math.cos(math.radians(lat)) < 1e-3 and abs(lat2 - y_u) * 111e3 < 1e-3
 
 
 def _src_is_wgs84(op):
@@ -173,6 +226,12 @@ def best_helmert(crs_code, authority="EPSG"):
                 better = (desc, tr.accuracy if tr.accuracy is not None and tr.accuracy >= 0 else None)
             continue
         method, params, _ = h
+        if not _agrees(geod, crs.area_of_use, tr, params):
+            # Not the plain Helmert it looks like (a longitude rotation that is
+            # not the prime meridian's, a height-dependent step): skipped.
+            if better is None:
+                better = (desc, tr.accuracy if tr.accuracy is not None and tr.accuracy >= 0 else None)
+            continue
         ident = d.get("id") or {}
         if not ident and d.get("type") == "ConcatenatedOperation":
             for step in d.get("steps", []):

@@ -1,5 +1,7 @@
 #include "wkt/KvPRJParser.h"
 
+#include "catalogue/KvEpsgRegistry.h"
+
 #include "catalogue/KvFloatCompareRel.h"
 #include "coordsys/KvMapProjection.h"
 #include "paramfile/NumericLocale.h"
@@ -701,6 +703,37 @@ std::string ProjWord(const std::string& text, const char* key)
 
 } // namespace
 
+// A datum named without TOWGS84 (every ESRI .prj): the registry knows its
+// shift by the name, in GDAL's or ESRI's spelling. The EPSG reading takes it,
+// the established reading keeps the text's silence and says what it leaves out.
+void CKvPRJParser::_datumFromRegistry()
+{
+    CKvEpsgRegistry::SShift shift;
+    std::string system;
+    if (!CKvEpsgRegistry::Instance().FindDatum(m_datum.GetStdString(), shift, system))
+        return;
+    if (shift.parameters == 0 && shift.code.empty())
+        return; // WGS 84 itself: nothing to take
+    char accuracy[64] = "";
+    if (shift.accuracy >= 0.0)
+        std::snprintf(accuracy, sizeof accuracy, ", accuracy %g m", shift.accuracy);
+    const std::string what = shift.code + " " + shift.name + accuracy;
+    if (m_reading == eEpsgReading) {
+        m_datumShift.SetParameters(shift.values);
+        m_shiftKnown = true;
+        m_shiftSource = "the registry's for the datum \"" + m_datum.GetStdString() + "\" (as " + system +
+                        "): " + what;
+    } else {
+        double size = 0.0;
+        for (int i = 0; i < 3; ++i)
+            size = std::max(size, std::fabs(shift.values[i]));
+        char buffer[160];
+        std::snprintf(buffer, sizeof buffer, "; between datums expect errors of the order of %.0f m", size);
+        _warn("its datum \"" + m_datum.GetStdString() + "\" has no TOWGS84 and is read without a shift to WGS 84; " +
+              "the registry's is " + what + " (as " + system + ")" + (size > 0.0 ? buffer : ""));
+    }
+}
+
 void CKvPRJParser::_warn(const std::string& sentence)
 {
     if (!m_warnings.empty())
@@ -913,6 +946,8 @@ bool CKvPRJParser::Parse(bool sortParallels)
     m_warnings.clear();
     m_centreOrigin = m_southOrientated = m_lambertScale = m_krovakFromAxes = false;
     m_extensionSphere = 0.0;
+    m_shiftSource.clear();
+    m_shiftKnown = false;
     if (!IsPRJ(T))
         return _fail(NotWktReason(T));
 
@@ -940,6 +975,9 @@ bool CKvPRJParser::Parse(bool sortParallels)
         for (double& value : values)
             value = ToDouble(T.Tokenize(",", pos));
         m_datumShift.SetParameters(values);
+        m_shiftKnown = true;
+    } else if (!m_datum.IsEmpty()) {
+        _datumFromRegistry();
     }
 
     GetNameParam(T, "PRIMEM", m_primeMeridianName, m_primeMeridian);

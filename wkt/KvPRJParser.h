@@ -128,6 +128,15 @@ public:
     // EPSG reading: what was read by the registry's rule instead of the text's
     // literal meaning.
     const std::string& GetWarnings() const { return m_warnings; }
+    // Where the datum shift comes from when the text has no TOWGS84 node and
+    // its datum is found in the EPSG registry by name (an ESRI .prj names
+    // "D_OSGB_1936"): under the EPSG reading the registry's shift is taken and
+    // this says so; under the established reading no shift is taken and a
+    // warning says what the registry would give. Empty otherwise.
+    const std::string& GetDatumShiftSource() const { return m_shiftSource; }
+    // Whether the text's DATUM has a TOWGS84 node (zeros included), or a shift
+    // was taken from the registry: the datum's relation to WGS 84 is known.
+    bool HasKnownDatumShift() const { return m_shiftKnown; }
     // An oblique Mercator text named after its projection centre (EPSG variant
     // B): its coordinates count from the centre, whatever type it is read as.
     bool GetCentreOrigin() const { return m_centreOrigin; }
@@ -208,6 +217,7 @@ protected:
     // Whether a PROJ4 EXTENSION on a sphere of this radius over the ellipsoidal
     // datum is the pseudo-Mercator of the text's own Mercator parameters.
     bool _isPseudoMercatorExtension(const std::string& ext, double sphere) const;
+    void _datumFromRegistry();
     void _warn(const std::string& sentence);
     bool _fail(const std::string& reason);
 
@@ -256,6 +266,8 @@ private:
     bool m_lambertScale; // a two-parallel Lambert whose Scale_Factor is applied
     bool m_krovakFromAxes; // a Krovak whose scales and rotation follow from its AXIS nodes
     double m_extensionSphere; // radius of a spherical PROJ4 EXTENSION, or 0
+    std::string m_shiftSource; // the registry's datum, when the shift came from there
+    bool m_shiftKnown = false;
 };
 
 #endif

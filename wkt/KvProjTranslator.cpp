@@ -286,8 +286,12 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
     std::unique_ptr<CKvProjection, void (*)(CKvProjection*)> engine(nullptr, CKvProjection::Release);
     double gridUnit = 0.0; // the unit of the grid's coordinates when not the WKT's
     CString wkt;
+    std::string registryText;
     if (CKvPRJParser::IsPRJ(trimmed)) {
         wkt = trimmed;
+    } else if (CKvMapProjection::RegistryText(trimmed.GetString(), registryText, &why)) {
+        // "EPSG:n": the registry's own text, datum shift and axes included.
+        wkt = registryText.c_str();
     } else {
         engine.reset(CKvMapProjection::GetProjection(trimmed.GetString(), nullptr, &why));
         if (!engine)

@@ -1,6 +1,7 @@
 #include "tools/kvcart/KvCliCommands.h"
 
 #include "catalogue/KvCartSetup.h"
+#include "catalogue/KvEpsgRegistry.h"
 #include "catalogue/KvEllipsoidList.h"
 #include "catalogue/KvMapProjData.h"
 #include "catalogue/KvMapProjectionList.h"
@@ -10,6 +11,7 @@
 #include "paramfile/Gxr.h"
 #include "projections/KvProjection.h"
 #include "tools/kvcart/KvPointStream.h"
+#include "wkt/KvOgcWktWriter.h"
 #include "wkt/KvPRJParser.h"
 #include "wkt/KvProjTranslator.h"
 
@@ -47,7 +49,8 @@ const char kMainHelp[] =
     "  proj4 CS                        write a coordinate system as a PROJ.4 definition\n"
     "  list                            list the catalogue's coordinate systems\n"
     "  ellipsoids                      list the catalogue's ellipsoids\n"
-    "  zone LON                        the UTM zone of a longitude\n"
+    "  wkt CS                          write a coordinate system as WKT (ESRI or OGC form)\n"
+    "  zone LON [LAT]                  the UTM zone of a longitude, or the UTM/UPS zone of a point\n"
     "  geod LON LAT AZIMUTH DISTANCE   solve the direct geodesic problem\n"
     "  geod --inverse LON1 LAT1 LON2 LAT2\n"
     "                                  solve the inverse geodesic problem\n"
@@ -169,6 +172,27 @@ const char kProj4Help[] =
     "Example:\n"
     "  kvcart proj4 @parcels.prj\n";
 
+const char kWktHelp[] =
+    "Usage: kvcart wkt CS [--esri | --ogc]\n"
+    "\n"
+    "Writes the coordinate system as WKT 1 on one line, and nothing else.\n"
+    "\n"
+    "Options:\n"
+    "  --esri   the library's own form, as kvcart info shows it and a .prj file\n"
+    "           of ESRI's holds it (the default)\n"
+    "  --ogc    OGC WKT 1 as GDAL writes it: OGC's method and parameter names,\n"
+    "           TOWGS84 when the system has a datum shift, the units and axes of\n"
+    "           the system's coordinates, AUTHORITY[\"EPSG\",...] when its code is\n"
+    "           known; a method OGC WKT 1 cannot name (a rotated pole, the\n"
+    "           Michigan Lambert's scale) is refused with the reason\n"
+    "\n"
+    "LONG/LAT (no datum) and NON-UTM (a local grid) have no WKT; a text that\n"
+    "cannot be written exits with status 1 and the reason.\n"
+    "\n"
+    "Examples:\n"
+    "  kvcart wkt \"RD New\"\n"
+    "  kvcart wkt UTM-33S --ogc > zone33s.prj\n";
+
 const char kListHelp[] =
     "Usage: kvcart list [--type MASK] [--branch NAME] [--grep TEXT]\n"
     "\n"
@@ -200,13 +224,22 @@ const char kEllipsoidsHelp[] =
     "  --custom   only the user's own\n";
 
 const char kZoneHelp[] =
-    "Usage: kvcart zone LON\n"
+    "Usage: kvcart zone LON [LAT]\n"
     "\n"
     "Writes the name of the UTM zone of a longitude in degrees, e.g. \"UTM-32\".\n"
     "Longitudes outside -180..180 are first brought into that range.\n"
     "\n"
-    "Example:\n"
-    "  kvcart zone 9.5\n";
+    "With a latitude, writes the zone of the point on the UTM/UPS grid of WGS 84\n"
+    "and the EPSG code of its system, separated by a blank (the code is the last\n"
+    "word): \"UTM-32 EPSG:32632\" north of the equator and on it, \"UTM-33S\n"
+    "EPSG:32733\" south of it, \"UPS North EPSG:32661\" above 84 N and \"UPS South\n"
+    "EPSG:32761\" below 80 S. The zones are the military grid's: zone 32 spans 3 E\n"
+    "to 12 E from 56 N up to 64 N, and from 72 N to 84 N zones 31, 33, 35 and 37\n"
+    "span 0-9, 9-21, 21-33 and 33-42 E. Each name is a catalogue system.\n"
+    "\n"
+    "Examples:\n"
+    "  kvcart zone 9.5\n"
+    "  kvcart zone 18.42 -33.92\n";
 
 const char kGeodHelp[] =
     "Usage: kvcart geod LON LAT AZIMUTH DISTANCE [--cs CS]\n"
@@ -402,9 +435,10 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
           {"precision", true}, {"skip-header", true}, {"metres", false}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
         {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}, {"legacy", false}}},
+        {"wkt", kWktHelp, &CKvCliCommands::_wkt, 1, 1, {{"esri", false}, {"ogc", false}}},
         {"list", kListHelp, &CKvCliCommands::_list, 0, 0, {{"type", true}, {"branch", true}, {"grep", true}}},
         {"ellipsoids", kEllipsoidsHelp, &CKvCliCommands::_ellipsoids, 0, 0, {{"system", false}, {"custom", false}}},
-        {"zone", kZoneHelp, &CKvCliCommands::_zone, 1, 1, {}},
+        {"zone", kZoneHelp, &CKvCliCommands::_zone, 1, 2, {}},
         {"geod", kGeodHelp, &CKvCliCommands::_geod, 4, 4, {{"cs", true}, {"inverse", false}}},
         {"check", kCheckHelp, &CKvCliCommands::_check, 1, 1, {}},
         {"add", kAddHelp, &CKvCliCommands::_add, 2, 4, {{"branch", true}, {"ellipsoid", false}}},
@@ -626,6 +660,8 @@ std::unique_ptr<CKvMapProjection> MakeSystem(const std::string& text, const std:
             if (reason.compare(0, quoted.size(), quoted) == 0)
                 detail = reason.substr(quoted.size());
         }
+        std::string authority;
+        int code = 0;
         const size_t close = detail.find("; did you mean ");
         if (close != std::string::npos)
             error = "unknown coordinate system '" + shown + "' ('kvcart list' shows the catalogue)" + detail.substr(close);
@@ -633,6 +669,8 @@ std::unique_ptr<CKvMapProjection> MakeSystem(const std::string& text, const std:
             error = "ambiguous coordinate system '" + shown + "'" + detail;
         else if (reason.compare(0, 26, "unknown coordinate system ") == 0 || reason.empty())
             error = "unknown coordinate system '" + shown + "' ('kvcart list' shows the catalogue)";
+        else if (CKvEpsgRegistry::ParseCode(text.c_str(), authority, code))
+            error = reason; // "EPSG:5515 (S-JTSK/05 / Modified Krovak): ..." names the code already
         else
             error = (shown.size() > 1 && shown[0] == '@' ? shown.substr(1) : std::string("the WKT text")) + ": " +
                     reason;
@@ -654,6 +692,50 @@ void CKvCliCommands::_reportReading(const std::string& shown, const CKvMapProjec
 }
 
 namespace {
+
+// A registry system's area of use as the box its points are expected in,
+// widened by half its size each way (at least a degree): points beyond it are
+// not what the system is made for, and the program says so once.
+void SetAreaOfUse(CKvPointStream& stream, const CKvMapProjection& system, bool target)
+{
+    double west = 0, south = 0, east = 0, north = 0;
+    if (!system.GetAreaOfUse(west, south, east, north))
+        return;
+    char what[512];
+    std::snprintf(what, sizeof what, "%s, %s (%s to %s E, %s to %s N)", system.GetRegistryCode().c_str(),
+                  system.GetRegistryName().c_str(), Exact(west).c_str(), Exact(east).c_str(), Exact(south).c_str(),
+                  Exact(north).c_str());
+    const double width = east >= west ? east - west : east + 360.0 - west;
+    const double mx = std::max(1.0, width / 2.0), my = std::max(1.0, (north - south) / 2.0);
+    const double w = width + 2.0 * mx >= 360.0 ? -180.0 : west - mx;
+    const double e = width + 2.0 * mx >= 360.0 ? 180.0 : w + width + 2.0 * mx;
+    const double s = std::max(-90.0, south - my), n = std::min(90.0, north + my);
+    if (system.IsGeographical()) {
+        stream.SetExpectedBox(target, true, w, s, e, n, what);
+        return;
+    }
+    // The widened area's outline on the grid, and the box around it.
+    double x0 = HUGE_VAL, y0 = HUGE_VAL, x1 = -HUGE_VAL, y1 = -HUGE_VAL;
+    const int steps = 64;
+    for (int k = 0; k <= steps; ++k) {
+        const double t = static_cast<double>(k) / steps;
+        const double lon = w + t * (e - w), lat = s + t * (n - s);
+        const double outline[4][2] = {{lon, s}, {lon, n}, {w, lat}, {e, lat}};
+        for (const auto& p : outline) {
+            double x = 0, y = 0;
+            system.Geo2Proj(p[0], p[1], &x, &y);
+            if (!std::isfinite(x) || !std::isfinite(y))
+                continue;
+            x0 = std::min(x0, x);
+            x1 = std::max(x1, x);
+            y0 = std::min(y0, y);
+            y1 = std::max(y1, y);
+        }
+    }
+    if (x0 <= x1 && y0 <= y1)
+        stream.SetExpectedBox(target, false, x0, y0, x1, y1, what);
+}
+
 } // namespace
 
 int CKvCliCommands::_transform()
@@ -758,6 +840,8 @@ int CKvCliCommands::_transform()
 
     CKvPointStream stream(converter, inverse, precisionXY, precisionH);
     stream.SetUnits(units[0], units[1]);
+    for (int i = 0; i < 2; ++i)
+        SetAreaOfUse(stream, *systems[i], i == 1);
     stream.SetSkipHeader(skipHeader);
     std::vector<std::string> files(args.begin() + 2, args.end());
     if (files.empty())
@@ -800,13 +884,19 @@ int CKvCliCommands::_info()
 
     // The WKT as given, or as the engine describes a catalogue system.
     CString wkt;
+    std::string registryText;
+    const bool registry = CKvMapProjection::RegistryText(text.c_str(), registryText);
     if (CKvPRJParser::IsPRJ(CString(text.c_str()))) {
         wkt = text.c_str();
+    } else if (registry) {
+        wkt = registryText.c_str();
     } else {
         CKvPRJParser described(engine);
         described.Format(wkt);
     }
     CKvPRJParser parser(wkt);
+    if (registry)
+        parser.SetReading(CKvPRJParser::eEpsgReading);
     parser.Parse(false);
 
     std::fprintf(m_out, "Name:          %s\n", system->GetName());
@@ -815,6 +905,13 @@ int CKvCliCommands::_info()
         CKvPRJParser::IsPRJ(CString(text.c_str())) ? nullptr : CKvMapProjection::FindMapProjectionDefinition(text.c_str());
     if (entry != nullptr && entry->GetEpsgCode() > 0)
         std::fprintf(m_out, "EPSG code:     %d\n", entry->GetEpsgCode());
+    double west = 0, south = 0, east = 0, north = 0;
+    if (system->GetAreaOfUse(west, south, east, north)) {
+        std::fprintf(m_out, "Registry:      %s, %s\n", system->GetRegistryCode().c_str(),
+                     system->GetRegistryName().c_str());
+        std::fprintf(m_out, "Area of use:   longitude %s to %s, latitude %s to %s\n", Exact(west).c_str(),
+                     Exact(east).c_str(), Exact(south).c_str(), Exact(north).c_str());
+    }
     std::fprintf(m_out, "Projection:    %s\n", parser.GetProjectionTypeTitle().GetString());
     const int n = parser.GetNoOfParameters();
     for (int i = 0; i < n; ++i) {
@@ -898,6 +995,8 @@ int CKvCliCommands::_info()
         std::fprintf(m_out, "Datum shift:   %s to WGS 84 (%s)%s\n", values.c_str(),
                      count == 3 ? "metres" : "metres, arc-seconds, ppm; position vector", source.c_str());
     }
+    if (!system->GetDatumShiftSource().empty())
+        std::fprintf(m_out, "Shift source:  %s\n", system->GetDatumShiftSource().c_str());
     std::fprintf(m_out, "Reading:       %s\n",
                  CKvMapProjection::GetEpsgReading() ? "EPSG (--compatible-reading for the library's default)"
                                                     : "compatible (the library's default)");
@@ -953,6 +1052,39 @@ int CKvCliCommands::_proj4()
         return eBadInput;
     }
     std::fprintf(m_out, "%s\n", proj.c_str());
+    return eSuccess;
+}
+
+int CKvCliCommands::_wkt()
+{
+    const std::string& argument = m_args.GetPositionals()[0];
+    if (m_args.Has("esri") && m_args.Has("ogc"))
+        return _usage("--esri and --ogc exclude each other");
+    std::string text, error;
+    if (!_coordSysText(argument, text))
+        return eUsage;
+    if (!MakeSystem(text, argument, error))
+        return _usage(error);
+    // Both forms write the same record: the WKT as read (by the reading in
+    // force), or a catalogue system as its definition describes it.
+    CKvOgcWktWriter::SSystem system;
+    std::string reason, wkt;
+    bool written = false;
+    if (m_args.Has("ogc")) {
+        written = CKvOgcWktWriter::WriteSystem(text, wkt, reason);
+    } else if ((written = CKvOgcWktWriter::Describe(text, system, reason))) {
+        CString esri;
+        written = system.record->Format(esri);
+        wkt = esri.GetStdString();
+        if (!written)
+            reason = "the library writes no WKT for its projection";
+    }
+    if (!written) {
+        std::fprintf(m_err, "kvcart: '%s' has no %s WKT: %s\n", argument.c_str(), m_args.Has("ogc") ? "OGC" : "ESRI",
+                     reason.c_str());
+        return eBadInput;
+    }
+    std::fprintf(m_out, "%s\n", wkt.c_str());
     return eSuccess;
 }
 
@@ -1021,9 +1153,21 @@ int CKvCliCommands::_ellipsoids()
 
 int CKvCliCommands::_zone()
 {
+    const std::vector<std::string>& args = m_args.GetPositionals();
     double lon = 0.0;
-    if (!_number(m_args.GetPositionals()[0], "longitude", lon))
+    if (!_number(args[0], "longitude", lon))
         return eUsage;
+    if (args.size() > 1) {
+        double lat = 0.0;
+        if (!_number(args[1], "latitude", lat))
+            return eUsage;
+        std::string name, reason;
+        int code = 0;
+        if (!CKvMapProjection::UTMZoneName(lon, lat, name, code, &reason))
+            return _usage("no zone for " + args[0] + " " + args[1] + ": " + reason);
+        std::fprintf(m_out, "%s EPSG:%d\n", name.c_str(), code);
+        return eSuccess;
+    }
     // Into [-180, 180): 180 is the western edge of zone 1.
     lon = std::fmod(lon + 180.0, 360.0);
     if (lon < 0.0)
@@ -1264,7 +1408,12 @@ int CKvCliCommands::_add()
                                           source->GetDatumShiftCode(), source->GetDatumShiftAccuracy());
         }
     } else {
-        CKvPRJParser parser(text.c_str());
+        // "EPSG:n" is stored as the registry defines it, read by the registry's rules.
+        std::string registryText;
+        const bool registry = CKvMapProjection::RegistryText(text.c_str(), registryText);
+        CKvPRJParser parser(registry ? registryText.c_str() : text.c_str());
+        if (registry)
+            parser.SetReading(CKvPRJParser::eEpsgReading);
         parser.Parse(false);
         parser.ConvertToDegreesAndMetres();
         definition.reset(parser._CreateProjData());
@@ -1295,9 +1444,22 @@ int CKvCliCommands::_add()
     if (definition && !CKvMapProjection::FindMapProjectionDefinition(text.c_str())) {
         CKvDatumShift shift;
         system->GetDatumShift(shift);
-        if (system->IsDatumShiftKnown())
-            definition->SetDatumShift(shift.GetParameters(), shift.GetType() == CKvCartDef::eSevenParameters ? 7 : 3);
-        definition->SetEpsgCode(RootEpsgCode(text, std::string()));
+        if (system->IsDatumShiftKnown()) {
+            // A registry system's shift keeps its transformation's code and accuracy.
+            std::string authority;
+            int code = 0, transformation = 0;
+            double accuracy = -1.0;
+            CKvEpsgRegistry::SEntry entry;
+            if (CKvEpsgRegistry::ParseCode(system->GetRegistryCode().c_str(), authority, code) &&
+                CKvEpsgRegistry::Instance().Find(authority, code, entry) && entry.hasShift) {
+                if (entry.shift.code.compare(0, 5, "EPSG:") == 0)
+                    transformation = std::atoi(entry.shift.code.c_str() + 5);
+                accuracy = entry.shift.accuracy;
+            }
+            definition->SetDatumShift(shift.GetParameters(), shift.GetType() == CKvCartDef::eSevenParameters ? 7 : 3,
+                                      transformation, accuracy);
+        }
+        definition->SetEpsgCode(RootEpsgCode(text, system->GetRegistryCode()));
     }
     if (!definition) {
         std::fprintf(m_err, "kvcart: '%s' has no projection to store\n", args[1].c_str());

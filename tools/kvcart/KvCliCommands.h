@@ -49,6 +49,7 @@ private:
     int _transform();
     int _info();
     int _proj4();
+    int _wkt();
     int _list();
     int _ellipsoids();
     int _zone();

@@ -498,6 +498,36 @@ bool CKvPointStream::ConvertLine(const char* line, size_t length, std::string& o
     return _format(line, length, parsed, out, problem);
 }
 
+void CKvPointStream::SetExpectedBox(bool converterTarget, bool degrees, double x0, double y0, double x1, double y1,
+                                    const std::string& what)
+{
+    SBox& box = m_box[converterTarget != m_bInverse ? 1 : 0];
+    box.set = true;
+    box.degrees = degrees;
+    box.x0 = x0;
+    box.y0 = y0;
+    box.x1 = x1;
+    box.y1 = y1;
+    box.what = what;
+}
+
+bool CKvPointStream::SBox::Holds(double x, double y) const
+{
+    if (!set || !std::isfinite(x) || !std::isfinite(y))
+        return true; // a point without coordinates is marked on its own
+    if (!(y >= y0 && y <= y1))
+        return false;
+    if (!degrees)
+        return x >= x0 && x <= x1;
+    const double width = x1 >= x0 ? x1 - x0 : x1 + 360.0 - x0;
+    if (width >= 360.0)
+        return true;
+    double d = std::fmod(x - x0, 360.0);
+    if (d < 0.0)
+        d += 360.0;
+    return d <= width;
+}
+
 void CKvPointStream::_convertBlock(size_t count)
 {
     // Points with and without heights go through the converter's batch form in
@@ -520,11 +550,32 @@ void CKvPointStream::_convertBlock(size_t count)
                 m_x[i] *= m_unitIn;
                 m_y[i] *= m_unitIn;
             }
+        // Points far outside a system's area of use: the first is reported.
+        const auto beyond = [this, count, withHeight](int side) {
+            if (m_boxReported || !m_box[side].set)
+                return;
+            size_t k = 0;
+            for (size_t i = 0; i < count; ++i) {
+                const SLine& line = m_lines[i];
+                if (line.kind != SLine::ePoint || line.hasHeight != (withHeight == 1))
+                    continue;
+                if (!m_box[side].Holds(m_x[k], m_y[k])) {
+                    if (m_boxLine < 0 || static_cast<long>(i) < m_boxLine) {
+                        m_boxLine = static_cast<long>(i);
+                        m_boxSide = side;
+                    }
+                    return;
+                }
+                ++k;
+            }
+        };
+        beyond(0);
         double* h = withHeight == 1 ? m_h : nullptr;
         if (m_bInverse)
             m_converter.InvConvert(n, m_x, m_y, h);
         else
             m_converter.Convert(n, m_x, m_y, h);
+        beyond(1);
         if (m_unitOut != 1.0)
             for (size_t i = 0; i < n; ++i) {
                 m_x[i] /= m_unitOut;
@@ -697,10 +748,18 @@ long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
                 sawData = sawData || line.kind != SLine::eCopy;
                 ++count;
             }
+            m_boxLine = -1;
             _convertBlock(count);
             for (size_t i = 0; i < count; ++i) {
                 const SLine& line = m_lines[i];
                 ++lineNumber;
+                if (static_cast<long>(i) == m_boxLine && !m_boxReported) {
+                    m_boxReported = true;
+                    std::fprintf(err,
+                                 "kvcart: warning: %s:%ld: the point lies far outside the area of use of %s "
+                                 "(later points are not checked)\n",
+                                 shownName.c_str(), lineNumber, m_box[m_boxSide].what.c_str());
+                }
                 if (!_format(line.text, line.length, line, m_out, m_problems[i])) {
                     ++marked;
                     std::fprintf(err, "kvcart: %s:%ld: %s\n", shownName.c_str(), lineNumber, m_problems[i].c_str());

@@ -52,6 +52,13 @@ public:
     // multiplied by its side's factor before the conversion and output divided
     // by its side's factor after it; heights stay in metres. Both 1 by default.
     void SetUnits(double sourceUnit, double targetUnit);
+    // The box a side's points are expected in (the area of use of a registry
+    // system, widened), in the converter's own coordinates on that side: metres
+    // along the system's axes, or degrees with longitudes taken round the
+    // circle (x0 > x1 across the antimeridian). The first point beyond a box is
+    // reported once by Run as a warning naming `what`; nothing else changes.
+    void SetExpectedBox(bool converterTarget, bool degrees, double x0, double y0, double x1, double y1,
+                        const std::string& what);
     // The first lines of each input that Run copies unchanged (a header).
     void SetSkipHeader(long lines) { m_skipHeader = lines; }
 
@@ -144,6 +151,17 @@ private:
     SLine m_lines[kBlockLines];
     std::string m_problems[kBlockLines];
     double m_x[kBlockLines], m_y[kBlockLines], m_h[kBlockLines];
+
+    struct SBox
+    {
+        bool set = false, degrees = false;
+        double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+        std::string what;
+        bool Holds(double x, double y) const;
+    } m_box[2]; // [0] the input side, [1] the output side
+    bool m_boxReported = false;
+    long m_boxLine = -1;   // the block's line beyond a box, to report
+    int m_boxSide = 0;
 };
 
 #endif
