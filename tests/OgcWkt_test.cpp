@@ -274,6 +274,44 @@ TEST(OgcWkt, EveryEpsgTextWrittenAgainInOgcForm)
                 written, worstProj * 1e3, worstBack * 1e3, warned, refused);
 }
 
+// "EPSG:n" is written from the registry's text, read by the registry's rules
+// whatever the reading in force: the same text as the corpus's OGC form of
+// EPSG:n gives, which PROJ judged above, but for the datum shift (the registry
+// gives each system its area's Helmert, a datum named in a text has its
+// datum's), with the code.
+TEST(OgcWkt, RegistryCodesWriteTheirSystem)
+{
+    kvtest::ShippedCatalogue();
+    const kvtest::EpsgCorpus corpus = kvtest::LoadEpsgCorpus(KVCART_EPSG_CORPUS);
+    int same = 0;
+    for (const kvtest::EpsgSystem& s : corpus.systems) {
+        const kvtest::EpsgText& ogc = s.Text(kvtest::EpsgForm::Ogc);
+        if (!ogc.written)
+            continue;
+        const std::string code = "EPSG:" + std::to_string(s.code);
+        std::string byCode, byText, reasonCode, reasonText;
+        bool writtenByCode = false, writtenByText = false;
+        {
+            const kvtest::EpsgReading reading(s.code % 2 == 0); // the registry's rules either way
+            writtenByCode = CKvOgcWktWriter::WriteSystem(code, byCode, reasonCode);
+        }
+        {
+            const kvtest::EpsgReading reading(true);
+            writtenByText = CKvOgcWktWriter::WriteSystem(ogc.wkt, byText, reasonText);
+        }
+        EXPECT_EQ(writtenByCode, writtenByText) << code << ": " << reasonCode << " / " << reasonText;
+        if (!writtenByCode || !writtenByText)
+            continue;
+        EXPECT_EQ(WithoutShift(byCode), WithoutShift(byText)) << code;
+        EXPECT_NE(byCode.find(",AUTHORITY[\"EPSG\",\"" + std::to_string(s.code) + "\"]]"), std::string::npos) << byCode;
+        ++same;
+    }
+    EXPECT_GT(same, 5000);
+    std::string out, reason;
+    EXPECT_FALSE(CKvOgcWktWriter::WriteSystem("EPSG:99999", out, reason));
+    EXPECT_NE(reason.find("EPSG:99999"), std::string::npos) << reason;
+}
+
 // What OGC WKT 1 has no form for is refused with the reason, not approximated.
 TEST(OgcWkt, RefusesWhatOgcWkt1CannotSay)
 {

@@ -1,5 +1,6 @@
 #include "wkt/KvOgcWktWriter.h"
 
+#include "catalogue/KvEpsgRegistry.h"
 #include "catalogue/KvFloatCompareRel.h"
 #include "catalogue/KvMapProjData.h"
 #include "coordsys/KvMapProjection.h"
@@ -559,6 +560,28 @@ bool CKvOgcWktWriter::Describe(const std::string& text, SSystem& system, std::st
         system.shiftKnown = trimmed.Find("TOWGS84[") >= 0 || CKvMapProjection(trimmed.GetString()).IsDatumShiftKnown();
         system.record = std::move(record);
         return true;
+    }
+    // "EPSG:n": the registry's text, read by the registry's rules whatever the
+    // reading in force, as the system of that name is made.
+    std::string registryText, registryReason;
+    if (CKvMapProjection::RegistryText(trimmed.GetString(), registryText, &registryReason)) {
+        auto record = std::make_unique<CKvPRJParser>(registryText.c_str());
+        record->SetReading(CKvPRJParser::eEpsgReading);
+        if (!record->Parse(false)) {
+            reason = record->GetFailureReason();
+            return false;
+        }
+        std::string authority;
+        int code = 0;
+        if (CKvEpsgRegistry::ParseCode(trimmed.GetString(), authority, code) && authority == "EPSG")
+            system.epsgCode = code;
+        system.shiftKnown = registryText.find("TOWGS84[") != std::string::npos || record->HasKnownDatumShift();
+        system.record = std::move(record);
+        return true;
+    }
+    if (!registryReason.empty()) {
+        reason = registryReason;
+        return false;
     }
     if (CKvMapProjection::IsLongLat(trimmed.GetString())) {
         reason = "LONG/LAT names no datum nor ellipsoid: it has no WKT";
