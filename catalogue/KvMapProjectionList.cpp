@@ -70,9 +70,7 @@ void CKvMapProjectionList::InitMapProjections(const std::string& systemDirectory
     // A shipped section named like a generated entry (older catalogues carry
     // UPS North and South) would list the name twice; the generated entry is
     // the one a name finds, so the shipped copy is set aside.
-    const auto shadowed = [this, generated](const CKvMapProjData* d) {
-        if (d->CanDelete())
-            return false;
+    const auto builtInName = [this, generated](const CKvMapProjData* d) {
         const CString name = CKvPRJParser::ShortName(CString(d->GetName()));
         for (size_t i = 0; i < generated; ++i)
             if (CKvPRJParser::ShortName(CString(m_definitions[i]->GetName())) == name)
@@ -80,12 +78,21 @@ void CKvMapProjectionList::InitMapProjections(const std::string& systemDirectory
         return false;
     };
     for (size_t i = m_definitions.size(); i-- > generated;)
-        if (shadowed(m_definitions[i])) {
+        if (!m_definitions[i]->CanDelete() && builtInName(m_definitions[i])) {
             m_sourceLines.erase(m_definitions[i]);
             delete m_definitions[i];
             m_definitions.erase(m_definitions.begin() + static_cast<std::ptrdiff_t>(i));
         }
-    ReadMapProjections(userDirectory + "custom_projection.gxr", true);
+    const std::string userFile = userDirectory + "custom_projection.gxr";
+    ReadMapProjections(userFile, true);
+    // A user's definition named like a built-in system (a "UTM-33S" of one's
+    // own from before the southern zones were built in) stays in the file, but
+    // the name finds the built-in one: said once, not silently.
+    for (const CKvMapProjData* d : m_definitions)
+        if (d->CanDelete() && m_sourceLines.count(d) != 0 && builtInName(d))
+            m_problems += userFile + ":" + std::to_string(m_sourceLines[d]) + ": the name '" + d->GetName() +
+                          "' is that of a built-in system, which the name finds; this definition is kept but not "
+                          "used\n";
 
     CKvMapProjData* local = new CKvTransverseMercatorProjection(
         CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM), std::string(), std::string());

@@ -331,3 +331,36 @@ TEST(UtmZones, GeneratedEntriesStayOutOfTheUsersFile)
     for (const char* name : {"UTM-", "UPS", "LONG/LAT", "NON-UTM"})
         EXPECT_EQ(written.find(name), std::string::npos) << name << " in\n" << written;
 }
+
+// A user's own definition named like a built-in zone (made before the southern
+// zones were built in) is kept in the file and said to be unused; the name
+// finds the built-in zone.
+TEST(UtmZones, AUsersDefinitionOfABuiltInNameIsKeptAndReported)
+{
+    kvtest::TempDir dir;
+    const std::string path = dir.File("custom_projection.gxr");
+    kvtest::WriteFile(path, "TARGET MAP_PROJECTION_DEFINITION\n"
+                            "  SECTION UTM_PROJECTION\n"
+                            "    Projection_Name \"UTM-33S\"\n    Branch_Name \"Mine\"\n    Ellipsoid \"WE\"\n"
+                            "    Scale 0.9996\n    Centre 15\n    Origin_Latitude 0\n    Feast 500000\n    Fnorth 0\n"
+                            "  END_SECTION\n"
+                            "END_TARGET\n");
+    CKvMapProjectionList list;
+    list.InitMapProjections(dir.Path() + "no-system/", dir.Path());
+    EXPECT_NE(list.GetProblems().find(path + ":2: the name 'UTM-33S' is that of a built-in system"),
+              std::string::npos)
+        << list.GetProblems();
+    const auto* found = dynamic_cast<const CKvTransverseMercatorProjection*>(list.GetMapProjection("UTM-33S"));
+    ASSERT_NE(found, nullptr);
+    EXPECT_FALSE(found->CanDelete());
+    EXPECT_EQ(found->GetFalseNorthing(), 10000000.0);
+
+    auto* own = new CKvTransverseMercatorProjection("Another grid", "Projects", "WE", 1.0, 10.0, 0.0, 0.0, 0.0);
+    own->SetPermissions(true, true);
+    list.AddMapProjection(own);
+    std::string message;
+    ASSERT_TRUE(list.WriteBackCustom(path, message)) << message;
+    const std::string written = kvtest::ReadFile(path);
+    EXPECT_NE(written.find("\"Mine\""), std::string::npos) << written;
+    EXPECT_NE(written.find("Another grid"), std::string::npos) << written;
+}
