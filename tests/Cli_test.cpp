@@ -998,9 +998,11 @@ TEST(Cli, NamesInAnyCaseSuggestionsAndListGrep)
     EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "SITE GRID"}, std::string("15 0\n")).out, "500000.0000 0.0000\n");
 
     // --grep: a piece of a name or of its code, in either case; the code ends the line.
+    // The registry's systems that match follow, code first.
     const SRun rd = Kvcart(dir, {"list", "--grep", "rd NEW"});
-    ASSERT_EQ(rd.OutLines().size(), 1u) << rd.out;
+    ASSERT_EQ(rd.OutLines().size(), 2u) << rd.out;
     EXPECT_EQ(rd.out.rfind("RD New ", 0), 0u);
+    EXPECT_EQ(rd.OutLines()[1].rfind("EPSG:28992 ", 0), 0u) << rd.out;
     const SRun site = Kvcart(dir, {"list", "--grep", "site"});
     EXPECT_EQ(site.out, "Site grid                                      Transverse mercator                Projects [user]  "
                         "EPSG:32632\n"
@@ -1012,8 +1014,14 @@ TEST(Cli, NamesInAnyCaseSuggestionsAndListGrep)
         EXPECT_EQ(found.status, 0);
         EXPECT_NE(found.out.find("Site grid "), std::string::npos) << pattern << "\n" << found.out;
         EXPECT_EQ(found.out.find("SITE GRID "), std::string::npos) << pattern << "\n" << found.out;
-        for (const std::string& line : found.OutLines())
-            EXPECT_EQ(line.substr(line.size() - 10), "EPSG:32632") << line;
+        bool registry = false;
+        for (const std::string& line : found.OutLines()) {
+            if (line.rfind("EPSG:32632 ", 0) == 0)
+                registry = true; // WGS 84 / UTM zone 32N of the registry
+            else
+                EXPECT_EQ(line.substr(line.size() - 10), "EPSG:32632") << line;
+        }
+        EXPECT_TRUE(registry) << found.out;
     }
     EXPECT_NE(Kvcart(dir, {"info", "SITE GRID"}).out.find("\nEPSG code:     32633\n"), std::string::npos);
     EXPECT_EQ(Kvcart(dir, {"info", "UTM-32"}).out.find("EPSG code:     32633"), std::string::npos);
@@ -1068,6 +1076,15 @@ TEST(Cli, EpsgCodesGiveCs2csFiguresAndTheirAreaOfUse)
     const std::string grid = "400000 500000\n3000000 500000\n";
     const SRun back = Kvcart(dir, {"transform", "EPSG:27700", "EPSG:4326"}, &grid);
     EXPECT_NE(back.err.find("stdin:2: the point lies far outside"), std::string::npos) << back.err;
+
+    // list --grep finds the registry's systems by name and by code.
+    const SRun grep = Kvcart(dir, {"list", "--grep", "rd new"});
+    EXPECT_NE(grep.out.find("EPSG:28992"), std::string::npos) << grep.out;
+    EXPECT_NE(grep.out.find("Amersfoort / RD New"), std::string::npos) << grep.out;
+    const SRun byCode = Kvcart(dir, {"list", "--grep", "esri:10200"});
+    EXPECT_NE(byCode.out.find("ESRI:102001                                    Canada_Albers_Equal_Area_Conic"),
+              std::string::npos)
+        << byCode.out;
 
     const SRun unknown = Kvcart(dir, {"info", "EPSG:99999"});
     EXPECT_EQ(unknown.status, 2);

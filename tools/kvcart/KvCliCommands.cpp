@@ -206,7 +206,8 @@ const char kListHelp[] =
     "  --branch NAME   only the definitions of that branch\n"
     "  --grep TEXT     only the systems whose name or EPSG code (\"EPSG:27700\")\n"
     "                  holds TEXT, in either case; each line ends with the code\n"
-    "                  when the system has one\n"
+    "                  when the system has one. The EPSG registry's systems\n"
+    "                  that match follow, code first (\"EPSG:27700\", \"ESRI:102001\")\n"
     "\n"
     "Examples:\n"
     "  kvcart list --branch NAD83\n"
@@ -1122,6 +1123,19 @@ int CKvCliCommands::_list()
                      d->CanDelete() ? " [user]" : "", byText && !code.empty() ? "  " : "",
                      byText ? code.c_str() : "");
         ++shown;
+    }
+    // The EPSG registry's systems too, by name or code ("EPSG:27700", "ESRI:102100").
+    if (byText && !byBranch && flags == 15) {
+        CKvEpsgRegistry::Instance().ForEach(
+            [this, &pattern, &shown](const std::string& authority, int code, bool geographic, const std::string& name) {
+                const std::string key = authority + ":" + std::to_string(code);
+                if (CKvNameSuggestions::Fold(name).find(pattern) == std::string::npos &&
+                    CKvNameSuggestions::Fold(key).find(pattern) == std::string::npos)
+                    return;
+                std::fprintf(m_out, "%-46s %-34s %s\n", key.c_str(), name.c_str(),
+                             geographic ? "registry, geographic" : "registry, projected");
+                ++shown;
+            });
     }
     if (shown == 0 && byText) {
         // What the catalogue holds that is nearest to the text.
