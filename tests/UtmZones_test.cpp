@@ -347,8 +347,7 @@ TEST(UtmZones, AUsersDefinitionOfABuiltInNameIsKeptAndReported)
                             "END_TARGET\n");
     CKvMapProjectionList list;
     list.InitMapProjections(dir.Path() + "no-system/", dir.Path());
-    EXPECT_NE(list.GetProblems().find(path + ":2: the name 'UTM-33S' is that of a built-in system"),
-              std::string::npos)
+    EXPECT_NE(list.GetProblems().find(path + ":2: the name 'UTM-33S' is that of a built-in system"), std::string::npos)
         << list.GetProblems();
     const auto* found = dynamic_cast<const CKvTransverseMercatorProjection*>(list.GetMapProjection("UTM-33S"));
     ASSERT_NE(found, nullptr);
