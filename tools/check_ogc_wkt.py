@@ -38,20 +38,17 @@ versions):
                                 metres ("nan": PROJ computed neither)
 key is the catalogue name, or "code:form" for a corpus text.
 """
-import io
-import lzma
 import math
 import multiprocessing
 import subprocess
 import sys
-import tarfile
 from collections import Counter
 
 import pyproj
 from pyproj.database import get_database_metadata
 
 sys.path.insert(0, __import__("os").path.dirname(__file__))
-from make_epsg_corpus import project  # noqa: E402  (same input conventions as the corpus)
+from make_epsg_corpus import project, write_xz_tar  # noqa: E402  (same input conventions as the corpus)
 
 
 def num(v):
@@ -243,17 +240,7 @@ def main():
         with open(out_path, "wb") as f:
             f.write(data)
     else:
-        tar_bytes = io.BytesIO()
-        with tarfile.open(fileobj=tar_bytes, mode="w", format=tarfile.USTAR_FORMAT) as tar:
-            member = tarfile.TarInfo("ogc_wkt.tsv")
-            member.size = len(data)
-            member.mtime = 0
-            member.mode = 0o644
-            member.uname = member.gname = "root"
-            tar.addfile(member, io.BytesIO(data))
-        with open(out_path, "wb") as f:
-            f.write(lzma.compress(tar_bytes.getvalue(), format=lzma.FORMAT_XZ,
-                                  check=lzma.CHECK_CRC64, preset=9 | lzma.PRESET_EXTREME))
+        write_xz_tar(out_path, "ogc_wkt.tsv", data)
     print(dict(sorted(counts.items())), "worst of those within 1 mm:", worst, file=sys.stderr)
 
 

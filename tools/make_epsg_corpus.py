@@ -203,6 +203,23 @@ def system_lines(system):
     return int(code), op.method_name, lines, notes
 
 
+def write_xz_tar(path, member_name, data):
+    """Writes data as the one file member_name of an xz-compressed tar (xz -9e),
+    reproducibly: fixed time stamp, owner and mode. CMake's extraction reads tar
+    archives, not a bare .xz stream."""
+    tar_bytes = io.BytesIO()
+    with tarfile.open(fileobj=tar_bytes, mode="w", format=tarfile.USTAR_FORMAT) as tar:
+        member = tarfile.TarInfo(member_name)
+        member.size = len(data)
+        member.mtime = 0
+        member.mode = 0o644
+        member.uname = member.gname = "root"
+        tar.addfile(member, io.BytesIO(data))
+    with open(path, "wb") as f:
+        f.write(lzma.compress(tar_bytes.getvalue(), format=lzma.FORMAT_XZ, check=lzma.CHECK_CRC64,
+                              preset=9 | lzma.PRESET_EXTREME))
+
+
 def init_worker():
     osr.UseExceptions()
 
@@ -235,17 +252,7 @@ def main():
         with open(out_path, "wb") as f:
             f.write(data)
     else:
-        tar_bytes = io.BytesIO()
-        with tarfile.open(fileobj=tar_bytes, mode="w", format=tarfile.USTAR_FORMAT) as tar:
-            member = tarfile.TarInfo("epsg_corpus.tsv")
-            member.size = len(data)
-            member.mtime = 0
-            member.mode = 0o644
-            member.uname = member.gname = "root"
-            tar.addfile(member, io.BytesIO(data))
-        with open(out_path, "wb") as f:
-            f.write(lzma.compress(tar_bytes.getvalue(), format=lzma.FORMAT_XZ,
-                                  check=lzma.CHECK_CRC64, preset=9 | lzma.PRESET_EXTREME))
+        write_xz_tar(out_path, "epsg_corpus.tsv", data)
 
     # Summary.
     methods = Counter(r[1] for r in results)

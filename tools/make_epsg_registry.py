@@ -49,14 +49,11 @@ Usage:
   /usr/bin/python3 tools/make_epsg_registry.py data/epsg_registry.txt \\
       tests/data/epsg_registry_vectors.tsv.tar.xz
 """
-import io
-import lzma
 import math
 import multiprocessing
 import os
 import re
 import sys
-import tarfile
 import warnings
 
 import pyproj
@@ -66,7 +63,7 @@ from pyproj.enums import PJType, TransformDirection
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from epsg_shifts import best_helmert  # noqa: E402
-from make_epsg_corpus import gdal_text, num, project, sample_points  # noqa: E402
+from make_epsg_corpus import gdal_text, num, project, sample_points, write_xz_tar  # noqa: E402
 
 AUTHORITY = re.compile(r',AUTHORITY\["[^"]*","[^"]*"\]')
 TOWGS84 = re.compile(r',TOWGS84\[[^\]]*\]')
@@ -290,17 +287,7 @@ def main():
     body = ("# PROJ %s's coordinates of WGS 84 points in EPSG/ESRI systems through the registry's Helmert; "
             "made by tools/make_epsg_registry.py\n" % pyproj.proj_version_str
             + "\n".join(vectors) + "\n").encode("utf-8")
-    tar_bytes = io.BytesIO()
-    with tarfile.open(fileobj=tar_bytes, mode="w", format=tarfile.USTAR_FORMAT) as tar:
-        member = tarfile.TarInfo("epsg_registry_vectors.tsv")
-        member.size = len(body)
-        member.mtime = 0
-        member.mode = 0o644
-        member.uname = member.gname = "root"
-        tar.addfile(member, io.BytesIO(body))
-    with open(vectors_path, "wb") as f:
-        f.write(lzma.compress(tar_bytes.getvalue(), format=lzma.FORMAT_XZ, check=lzma.CHECK_CRC64,
-                              preset=9 | lzma.PRESET_EXTREME))
+    write_xz_tar(vectors_path, "epsg_registry_vectors.tsv", body)
     refused = sum(1 for r in results if r[6] != "-")
     print("datum names %d" % len(datum_records), file=sys.stderr)
     print("systems %d (refused %d), shifts %d, GEOGCS nodes %d, %d bytes; vectors %d"
