@@ -23,7 +23,9 @@
 #include "catalogue/KvStereographicSnyderProjection.h"
 #include "catalogue/KvStereographicSouthPoleProjection.h"
 #include "catalogue/KvTransverseMercatorProjection.h"
+#include "catalogue/KvMethodProjection.h"
 #include "paramfile/Gxr.h"
+#include "projections/KvMillerCylindrical.h"
 #include "wkt/KvPRJParser.h"
 
 #include <algorithm>
@@ -31,6 +33,44 @@
 #include <cstring>
 
 namespace {
+
+// The methods described wholly by their descriptor, in catalogue order: each
+// engine class holds its descriptor, and its definition is the common one.
+struct SMethodType
+{
+    const CKvMapProjData::STypeInfo* info;
+    CKvMapProjData* (*make)(const std::string& name, const std::string& branch, const std::string& ellipsoidID,
+                            const double* parameters);
+    CKvProjection* (*engine)(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid);
+};
+
+template <class TEngine>
+CKvMapProjData* MakeMethod(const std::string& name, const std::string& branch, const std::string& ellipsoidID,
+                           const double* parameters)
+{
+    return new CKvMethodProjection<TEngine>(name, branch, ellipsoidID, parameters);
+}
+
+template <class TEngine>
+CKvProjection* MakeEngine(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid)
+{
+    return new TEngine(name, parameters, ellipsoid);
+}
+
+// One row per method: its descriptor, its definition and its engine.
+#define KV_METHOD(TEngine) {&TEngine::TypeInfo, &MakeMethod<TEngine>, &MakeEngine<TEngine>}
+
+const SMethodType kMethodTypes[] = {
+    KV_METHOD(CKvMillerCylindrical),
+};
+
+const SMethodType* FindMethod(CKvMapProjData::EProjectionType type)
+{
+    for (const SMethodType& method : kMethodTypes)
+        if (method.info->type == type)
+            return &method;
+    return nullptr;
+}
 
 // Angles that may also be written as degrees, minutes and seconds ("<keyword>_dms").
 const char* const kDmsKeywords[] = {"Centre",           "Origin_Longitude", "Origin_Latitude",
@@ -308,7 +348,10 @@ void CKvMapProjData::TransferWith(CKvPRJParser& parser, const CKvEllipsoid& elli
     const int count = GetNoOfParameters();
     for (int i = 0; i < count; ++i) {
         const SParameter& parameter = m_pInfo->parameters[i];
-        (parser.*parameter.wktSetter)(m_adParams[i]);
+        if (parameter.wktSetter != nullptr)
+            (parser.*parameter.wktSetter)(m_adParams[i]);
+        else
+            parser.SetMethodParameter(i, m_adParams[i]);
     }
     parser.SetProjUnit("Meter", 1.0);
 }
@@ -378,8 +421,10 @@ CKvMapProjData* CKvMapProjData::CreateProjection(EProjectionType type, const std
     case ePolarStereographic: return new CKvPolarStereographicProjection(name, branch, ellipsoidID, parameters);
     case eStereographicSnyder: return new CKvStereographicSnyderProjection(name, branch, ellipsoidID, parameters);
     case ePseudoMercator: return new CKvPseudoMercatorProjection(name, branch, ellipsoidID, parameters);
-    default: return nullptr;
+    default: break;
     }
+    const SMethodType* method = FindMethod(type);
+    return method != nullptr ? method->make(name, branch, ellipsoidID, parameters) : nullptr;
 }
 
 const CKvMapProjData::STypeInfo* CKvMapProjData::GetTypeInfo(EProjectionType type)
@@ -408,8 +453,56 @@ const CKvMapProjData::STypeInfo* CKvMapProjData::GetTypeInfo(EProjectionType typ
         &CKvStereographicSnyderProjection::TypeInfo,
         &CKvPseudoMercatorProjection::TypeInfo,
     };
+    constexpr int established = static_cast<int>(sizeof infos / sizeof infos[0]);
     const int index = ProjectionType2Enum(type);
-    return index >= 0 && index < GetNoOfProjections() ? infos[index] : nullptr;
+    if (index >= 0 && index < established)
+        return infos[index];
+    const SMethodType* method = FindMethod(type);
+    return method != nullptr ? method->info : nullptr;
+}
+
+int CKvMapProjData::GetNoOfProjections()
+{
+    return 22 + static_cast<int>(sizeof kMethodTypes / sizeof kMethodTypes[0]);
+}
+
+CKvMapProjData::EProjectionType CKvMapProjData::Enum2ProjectionType(int index)
+{
+    if (index >= 0 && index < 20)
+        return static_cast<EProjectionType>(index + 1);
+    if (index == 20)
+        return eStereographicSnyder;
+    if (index == 21)
+        return ePseudoMercator;
+    if (index >= 22 && index < GetNoOfProjections())
+        return kMethodTypes[index - 22].info->type;
+    return eNoProjection;
+}
+
+int CKvMapProjData::ProjectionType2Enum(EProjectionType type)
+{
+    if (type >= eTransverseMercator && type <= ePolarStereographic)
+        return static_cast<int>(type) - 1;
+    if (type == eStereographicSnyder)
+        return 20;
+    if (type == ePseudoMercator)
+        return 21;
+    for (int i = 0; i < GetNoOfProjections() - 22; ++i)
+        if (kMethodTypes[i].info->type == type)
+            return 22 + i;
+    return -1;
+}
+
+bool CKvMapProjData::IsDescribedMethod(EProjectionType type)
+{
+    return FindMethod(type) != nullptr;
+}
+
+CKvProjection* CKvMapProjData::CreateMethodEngine(EProjectionType type, const std::string& name,
+                                                 const double* parameters, const CKvEllipsoid& ellipsoid)
+{
+    const SMethodType* method = FindMethod(type);
+    return method != nullptr ? method->engine(name, parameters, ellipsoid) : nullptr;
 }
 
 CKvMapProjData* CKvMapProjData::CreateDefaultParameterProjection(EProjectionType type)

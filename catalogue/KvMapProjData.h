@@ -5,6 +5,7 @@
 #include "catalogue/KvUserCatalogue.h"
 #include "geodesy/KvDatumShift.h"
 
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,39 @@ public:
         eNoProjection = 22, // nothing parsed, or a failed parse
         // Types beyond the established table.
         eStereographicSnyder = 23, // Snyder's ellipsoidal stereographic (ESRI "Stereographic")
-        ePseudoMercator = 24       // Popular Visualisation Pseudo Mercator, EPSG method 1024 (Web Mercator)
+        ePseudoMercator = 24,      // Popular Visualisation Pseudo Mercator, EPSG method 1024 (Web Mercator)
+        // Methods described wholly by their descriptor (STypeInfo::method):
+        // their WKT names, parameters and PROJ string are read and written from
+        // it, and their engine is made from the parameters in stored order.
+        eMillerCylindrical = 25,
+        eEqualEarth = 26,                   // EPSG method 1078
+        eRobinson = 27,
+        eMollweide = 28,
+        eSinusoidal = 29,
+        eEckertIV = 30,
+        eWinkelTripel = 31,
+        eVanDerGrinten = 32,
+        eNaturalEarth = 33,
+        eCylindricalEqualArea = 34,         // EPSG methods 9834, 9835
+        eEquidistantCylindrical = 35,       // EPSG methods 1028, 1029
+        ePolyconic = 36,                    // EPSG method 9818
+        eBonne = 37,                        // EPSG method 9827
+        eBonneSouthOrientated = 38,         // EPSG method 9828
+        eAzimuthalEquidistant = 39,
+        eModifiedAzimuthalEquidistant = 40, // EPSG method 9832
+        eGuam = 41,                         // EPSG method 9831
+        eLaborde = 42,                      // EPSG method 9813
+        eLambertWestOrientated = 43,        // EPSG method 9826
+        eLambert2SPBelgium = 44,            // EPSG method 9803
+        eLambertNearConformal = 45,         // EPSG method 9817
+        ePolarStereographicC = 46,          // EPSG method 9830
+        eTunisiaMiningGrid = 47,            // EPSG method 9816
+        eKrovakModified = 48,               // EPSG method 1042
+        eKrovakModifiedNorth = 49,          // EPSG method 1043
+        eColombiaUrban = 50,                // EPSG method 1052
+        eTransverseMercatorZoned = 51,      // EPSG method 9824
+        eHyperbolicCassini = 52,            // EPSG method 9833
+        eLastMethod = 52
     };
 
     enum EParamType
@@ -66,6 +99,18 @@ public:
         const char* label;
         EParamType kind;
         void (CKvPRJParser::*wktSetter)(double);
+        // The types described by their descriptor hand the WKT record their
+        // values by position (wktSetter null) and name them here. WKT 1 names:
+        // ESRI's (written in ESRI's form), OGC's (written in OGC WKT 1; null:
+        // ESRI's), then others also read (the registry's own spelling); every
+        // name is read in any case.
+        const char* wktNames[4] = {};
+        // PROJ's key (lon_0, x_0, ...); null: not written.
+        const char* projKey = nullptr;
+        // An angle counted from the prime meridian (converted to Greenwich).
+        bool longitude = false;
+        // The value when a text does not give the parameter; NaN: it must.
+        double fallback = std::numeric_limits<double>::quiet_NaN();
     };
 
     struct STypeInfo
@@ -81,6 +126,16 @@ public:
         const char* defaultName;
         const char* defaultEllipsoidID;
         double defaults[MaxParameters];
+        // For the types described wholly here (25 onwards): the EPSG method code
+        // (0 for none), the OGC WKT 1 name (GDAL's; null: no OGC form), other
+        // projection names read, PROJ's method with any fixed tokens (null: PROJ
+        // has none), and why a set of parameters (degrees, metres, in stored
+        // order) makes no map: "" when it does; null: every set does.
+        int epsgMethod = 0;
+        const char* ogcName = nullptr;
+        const char* otherNames[4] = {};
+        const char* proj = nullptr;
+        std::string (*problem)(const double* parameters) = nullptr;
     };
 
     virtual ~CKvMapProjData();
@@ -165,22 +220,20 @@ public:
                       bool writeUnknownEllipsoid) const;
 
     // The definition types in catalogue order, by an index 0 .. GetNoOfProjections() - 1:
-    // types 1..20, then 23 and 24 (21 and 22 name no definition). Enum2ProjectionType gives
+    // types 1..20, then 23 and 24 (21 and 22 name no definition), then the
+    // described methods from 25 that the library has. Enum2ProjectionType gives
     // eNoProjection for an index outside that range, ProjectionType2Enum -1 for a type
     // that is no definition.
-    static int GetNoOfProjections() { return 22; }
-    static EProjectionType Enum2ProjectionType(int index)
-    {
-        if (index >= 0 && index < 20)
-            return static_cast<EProjectionType>(index + 1);
-        return index == 20 ? eStereographicSnyder : index == 21 ? ePseudoMercator : eNoProjection;
-    }
-    static int ProjectionType2Enum(EProjectionType type)
-    {
-        if (type >= eTransverseMercator && type <= ePolarStereographic)
-            return static_cast<int>(type) - 1;
-        return type == eStereographicSnyder ? 20 : type == ePseudoMercator ? 21 : -1;
-    }
+    static int GetNoOfProjections();
+    static EProjectionType Enum2ProjectionType(int index);
+    static int ProjectionType2Enum(EProjectionType type);
+    // Whether the type is described wholly by its descriptor (25 onwards, with
+    // an engine in the library).
+    static bool IsDescribedMethod(EProjectionType type);
+    // The engine of a described method for parameters in stored order (degrees,
+    // longitudes from Greenwich, metres) on an ellipsoid; null for any other type.
+    static CKvProjection* CreateMethodEngine(EProjectionType type, const std::string& name, const double* parameters,
+                                             const CKvEllipsoid& ellipsoid);
     // Bit 1 (value 2) selects the geographic-like types 9 and 14, bit 0 (value 1)
     // every other projected type; 21 and 22 never match.
     static bool IsEquivalent(int flags, EProjectionType type);

@@ -105,6 +105,11 @@ CKvConformalLatitude::SAuthalic CKvConformalLatitude::MakeAuthalic(double e)
     return authalic;
 }
 
+double CKvConformalLatitude::AuthalicRadius(double a, double e)
+{
+    return e > 0.0 ? a * std::sqrt(MakeAuthalic(e).qPole / 2.0) : a;
+}
+
 double CKvConformalLatitude::AuthalicLatitude(const SAuthalic& authalic, double q)
 {
     double sinBeta = q / authalic.qPole;

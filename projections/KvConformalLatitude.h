@@ -86,6 +86,11 @@ public:
         double poly[3] = {0, 0, 0}; // the series as sin 2beta times a polynomial in cos 2beta
     };
     static SAuthalic MakeAuthalic(double e);
+    // The radius of the sphere of the ellipsoid's area, R_A = a sqrt(q(pi/2) / 2)
+    // (Snyder, eq. 3-13): a for a sphere. ESRI's and PROJ's radius for the world
+    // maps drawn on a sphere only (Miller, Van der Grinten) when the text names
+    // an ellipsoid.
+    static double AuthalicRadius(double a, double e);
     // q from sin phi; atanh by its series for the eccentricities of the earth.
     static double AuthalicQ(const SAuthalic& authalic, double sinPhi)
     {

@@ -84,8 +84,25 @@ TEST(KvMapProjData, EveryTypeHasItsDefaultDefinition)
         {"Default Stereographic (Snyder)", "WE", "STEREOGRAPHIC_SNYDER_PROJECTION", 5, {1, 0, 0, 500000, 0}},
         {"Default Pseudo Mercator", "WE", "PSEUDO_MERCATOR_PROJECTION", 4, {0, 0, 0, 0}},
     };
-    // Types 1..20, then 23 and 24 (21 and 22 are no definitions).
-    EXPECT_EQ(CKvMapProjData::GetNoOfProjections(), 22);
+    // Types 1..20, then 23 and 24 (21 and 22 are no definitions), then the
+    // described methods from 25.
+    ASSERT_GT(CKvMapProjData::GetNoOfProjections(), 22);
+    EXPECT_EQ(CKvMapProjData::Enum2ProjectionType(CKvMapProjData::GetNoOfProjections()),
+              CKvMapProjData::eNoProjection);
+    for (int i = 22; i < CKvMapProjData::GetNoOfProjections(); ++i) {
+        const CKvMapProjData::EProjectionType type = CKvMapProjData::Enum2ProjectionType(i);
+        EXPECT_TRUE(CKvMapProjData::IsDescribedMethod(type));
+        EXPECT_GE(type, CKvMapProjData::eMillerCylindrical);
+        EXPECT_LE(type, CKvMapProjData::eLastMethod);
+        EXPECT_EQ(CKvMapProjData::ProjectionType2Enum(type), i);
+        Def d(CKvMapProjData::CreateDefaultParameterProjection(type));
+        ASSERT_NE(d, nullptr);
+        EXPECT_EQ(d->GetProjectionType(), type);
+        EXPECT_TRUE(d->IsSectionID(d->GetTypeInfo().sectionID));
+        std::unique_ptr<CKvProjection, void (*)(CKvProjection*)> engine(d->CreateProjection(),
+                                                                         CKvProjection::Release);
+        EXPECT_NE(engine, nullptr) << d->GetTypeInfo().title;
+    }
     for (int i = 0; i < 22; ++i) {
         const CKvMapProjData::EProjectionType type = CKvMapProjData::Enum2ProjectionType(i);
         EXPECT_EQ(type, i < 20 ? i + 1 : i + 3);

@@ -165,7 +165,7 @@ struct SParameter
     bool length; // written in the grid's unit
 };
 
-// The parameters of a method, seven at most.
+// The parameters of a method, ten at most.
 class CParameterList
 {
 public:
@@ -173,8 +173,12 @@ public:
     {
         m_count = 0;
         for (const SParameter& p : items)
-            if (m_count < kMax)
-                m_items[m_count++] = p;
+            Add(p);
+    }
+    void Add(const SParameter& p)
+    {
+        if (m_count < kMax)
+            m_items[m_count++] = p;
     }
     struct SRange
     {
@@ -186,7 +190,7 @@ public:
     SRange Items() const { return {m_items, m_items + m_count}; }
 
 private:
-    static constexpr size_t kMax = 7;
+    static constexpr size_t kMax = 10;
     SParameter m_items[kMax] = {};
     size_t m_count = 0;
 };
@@ -407,7 +411,24 @@ bool CKvOgcWktWriter::Write(std::string& out, std::string& reason) const
         return refuse("rotated longitude/latitude (a grid about a displaced pole) has no name in OGC WKT 1");
     case CKvMapProjData::eNonProjected:
         return refuse("the system is not georeferenced (no projection, no datum): it has no WKT");
-    default: return refuse("the system has no projection to write");
+    default: {
+        // A described method: GDAL's name and parameter names from its
+        // descriptor; a parameter the text did not give with its fallback.
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(type);
+        if (!CKvMapProjData::IsDescribedMethod(type))
+            return refuse("the system has no projection to write");
+        if (info->ogcName == nullptr)
+            return refuse(std::string("the method ") + info->title + " has no name in OGC WKT 1");
+        method = info->ogcName;
+        parameters.Set({});
+        for (int i = 0; i < info->noOfParameters; ++i) {
+            const CKvMapProjData::SParameter& parameter = info->parameters[i];
+            const double value = r.GetMethodParameter(i);
+            parameters.Add({parameter.wktNames[1] != nullptr ? parameter.wktNames[1] : parameter.wktNames[0],
+                            IsSet(value) ? value : parameter.fallback, parameter.kind == CKvMapProjData::eLength});
+        }
+        break;
+    }
     }
     for (const SParameter& p : parameters.Items())
         if (!IsSet(p.value) || !std::isfinite(p.value))

@@ -183,6 +183,19 @@ void CKvPRJParser::_initialize()
     m_projectionNames.clear();
     for (const SProjectionName& row : kProjectionNames)
         m_projectionNames[CString(row.name).MakeLower()] = row.type;
+    // The described methods by their ESRI, OGC and other names.
+    for (int index = 0; index < CKvMapProjData::GetNoOfProjections(); ++index) {
+        const CKvMapProjData::EProjectionType type = CKvMapProjData::Enum2ProjectionType(index);
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(type);
+        if (info == nullptr || !CKvMapProjData::IsDescribedMethod(type))
+            continue;
+        for (const char* name : {info->wktName, info->ogcName, info->otherNames[0], info->otherNames[1],
+                                 info->otherNames[2], info->otherNames[3]})
+            if (name != nullptr)
+                m_projectionNames.emplace(CString(name).MakeLower(), type);
+    }
+    for (double& value : m_methodValues)
+        value = Undefined;
     m_primeMeridian = Undefined;
     m_angularUnit = Undefined;
     m_semiMajorAxis = Undefined;
@@ -541,8 +554,60 @@ bool IsSet(double value)
 
 } // namespace
 
+void CKvPRJParser::_readMethodParameters(const CString& P, const std::string& lowerP)
+{
+    const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(m_type);
+    std::string reason;
+    for (int i = 0; i < info->noOfParameters && reason.empty(); ++i) {
+        const CKvMapProjData::SParameter& parameter = info->parameters[i];
+        double value = Undefined;
+        bool found = false;
+        for (const char* name : parameter.wktNames)
+            if (name != nullptr && (found = FindParam(P, lowerP, name, value)))
+                break;
+        if (!found && !std::isnan(parameter.fallback))
+            value = parameter.fallback; // in degrees or metres: kept so below
+        else if (!found)
+            reason = std::string("the parameter \"") + parameter.wktNames[0] + "\" is missing";
+        m_methodValues[i] = found ? value : Undefined;
+    }
+    if (!reason.empty()) {
+        m_type = CKvMapProjData::eNoProjection;
+        m_failureReason = "projection \"" + m_typeName.GetStdString() + "\": " + reason;
+    }
+}
+
+void CKvPRJParser::_methodValuesInDegreesAndMetres(double* values) const
+{
+    const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(m_type);
+    const double k = IsSet(m_angularUnit) ? m_angularUnit / kDegree : 1.0;
+    const double u = IsSet(m_projUnit) ? m_projUnit : 1.0;
+    const double pm = IsSet(m_primeMeridian) ? m_primeMeridian : 0.0;
+    for (int i = 0; i < CKvMapProjData::MaxParameters; ++i) {
+        if (info == nullptr || i >= info->noOfParameters) {
+            values[i] = 0.0;
+            continue;
+        }
+        const CKvMapProjData::SParameter& parameter = info->parameters[i];
+        // A parameter the text does not give takes its fallback, which is in
+        // degrees and metres already.
+        if (!IsSet(m_methodValues[i])) {
+            values[i] = parameter.fallback;
+            continue;
+        }
+        const double v = m_methodValues[i];
+        switch (parameter.kind) {
+        case CKvMapProjData::eLength: values[i] = v * u; break;
+        case CKvMapProjData::eAngle: values[i] = parameter.longitude ? v * k + pm : v * k; break;
+        default: values[i] = v; break;
+        }
+    }
+}
+
 void CKvPRJParser::_readParameters(const CString& P, const std::string& lowerP)
 {
+    if (CKvMapProjData::IsDescribedMethod(m_type))
+        return _readMethodParameters(P, lowerP);
     const SParameterList list = ReadList(m_type);
     bool complete = true;
     const char* missing = nullptr; // the first required parameter not given
@@ -1023,6 +1088,18 @@ bool CKvPRJParser::Parse(bool sortParallels)
             _applyReadingRules(name, T, P);
     }
 
+    // A described method says why its parameters make no map.
+    if (CKvMapProjData::IsDescribedMethod(m_type)) {
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(m_type);
+        double values[CKvMapProjData::MaxParameters];
+        _methodValuesInDegreesAndMetres(values);
+        const std::string reason = info->problem != nullptr ? info->problem(values) : std::string();
+        if (!reason.empty()) {
+            m_type = CKvMapProjData::eNoProjection;
+            return _fail("projection \"" + m_typeName.GetStdString() + "\": " + reason);
+        }
+    }
+
     // Validation: the engine must be constructible; it also fills the derived
     // parameters of the Mercator and polar stereographic forms.
     if (m_type != CKvMapProjData::eNoProjection) {
@@ -1055,6 +1132,11 @@ CKvProjection* CKvPRJParser::CreateMapProjection()
     const double fe = originSign * length(m_falseEasting);
     const double fn = originSign * length(m_falseNorthing);
 
+    if (CKvMapProjData::IsDescribedMethod(m_type)) {
+        double values[CKvMapProjData::MaxParameters];
+        _methodValuesInDegreesAndMetres(values);
+        return CKvMapProjData::CreateMethodEngine(m_type, name, values, ellipsoid);
+    }
     CKvProjection* engine = nullptr;
     double derived[4] = {0.0, 0.0, 0.0, 0.0};
     switch (m_type) {
@@ -1298,7 +1380,7 @@ CKvMapProjData* CKvPRJParser::_CreateProjData() const
     double values[CKvMapProjData::MaxParameters] = {};
     for (int i = 0; i < info->noOfParameters; ++i) {
         const Getter get = GetterFor(info->parameters[i].wktSetter);
-        values[i] = get != nullptr ? (this->*get)() : Undefined;
+        values[i] = get != nullptr ? (this->*get)() : info->parameters[i].wktSetter == nullptr ? m_methodValues[i] : Undefined;
     }
     return CKvMapProjData::CreateProjection(m_type, m_projCSName.GetStdString(), m_datum.GetStdString(),
                                             m_ellipsoidName.GetStdString(), values);
@@ -1323,6 +1405,14 @@ void CKvPRJParser::ConvertToDegreesAndMetres()
     for (double* angle : {&m_standardParallel1, &m_standardParallel2, &m_latitudeOfOrigin, &m_latitudeOfCenter,
                           &m_azimuth, &m_xyPlaneRotation, &m_pseudoParallel})
         convert(*angle, k, 0.0);
+    if (CKvMapProjData::IsDescribedMethod(m_type)) {
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(m_type);
+        double values[CKvMapProjData::MaxParameters];
+        _methodValuesInDegreesAndMetres(values);
+        for (int i = 0; i < info->noOfParameters; ++i)
+            if (IsSet(m_methodValues[i]))
+                m_methodValues[i] = values[i];
+    }
     SetAngularUnit("Degree", kDegree);
     SetProjUnit("Meter", 1.0);
     SetPrimeMeridian("Greenwich", 0.0);
@@ -1379,6 +1469,18 @@ bool CKvPRJParser::Format(CString& out) const
     out.AppendFormat("%s[\"%s\",%.16g],", "PRIMEM", m_primeMeridianName.GetString(), m_primeMeridian);
     out.AppendFormat("%s[\"%s\",%.16g]],", "UNIT", m_angularUnitName.GetString(), m_angularUnit);
     out.AppendFormat("%s[\"%s\"],", "PROJECTION", m_typeName.GetString());
+    if (CKvMapProjData::IsDescribedMethod(m_type)) {
+        // ESRI's names; a parameter the text did not give is written with its
+        // fallback (degrees and metres, as the record is after conversion).
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(m_type);
+        for (int i = 0; i < info->noOfParameters; ++i) {
+            const CKvMapProjData::SParameter& parameter = info->parameters[i];
+            out.AppendFormat("%s[\"%s\",%.16g],", "PARAMETER", parameter.wktNames[0],
+                             IsSet(m_methodValues[i]) ? m_methodValues[i] : parameter.fallback);
+        }
+        out.AppendFormat("%s[\"%s\",%.16g]]", "UNIT", m_projUnitName.GetString(), m_projUnit);
+        return true;
+    }
     const SWriteList list = WriteList(m_type);
     if (!list.writable)
         return false;

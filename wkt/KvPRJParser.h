@@ -200,6 +200,17 @@ public:
     // ESRI's auxiliary sphere of the pseudo-Mercator: always 0, the sphere of the
     // semi-major axis, the only one read.
     double GetAuxiliarySphereType() const { return 0.0; }
+    // The parameters of a method described by its descriptor, by their position
+    // in it (in the text's units, as the other fields); Undefined outside.
+    double GetMethodParameter(int index) const
+    {
+        return index >= 0 && index < CKvMapProjData::MaxParameters ? m_methodValues[index] : Undefined;
+    }
+    void SetMethodParameter(int index, double v)
+    {
+        if (index >= 0 && index < CKvMapProjData::MaxParameters)
+            m_methodValues[index] = v;
+    }
 
     void GetProjUnit(CString& name, double& factor) const;
     void SetProjUnit(const CString& name, double factor);
@@ -211,6 +222,11 @@ protected:
     // Step 9 of the parse: the parameters of the type from P, the text from the
     // PROJECTION keyword on; lowerP is P in lower case.
     void _readParameters(const CString& P, const std::string& lowerP);
+    // The same for a method described by its descriptor.
+    void _readMethodParameters(const CString& P, const std::string& lowerP);
+    // The described method's parameters in degrees (longitudes from Greenwich)
+    // and metres, from the text's units.
+    void _methodValuesInDegreesAndMetres(double* values) const;
     // The rules by which the registry and the established reading part: applied
     // or reported after the parameters are read.
     void _applyReadingRules(const CString& name, const CString& T, const CString& P);
@@ -254,6 +270,7 @@ private:
     double m_pseudoParallel;
     double m_xScale;
     double m_yScale;
+    double m_methodValues[CKvMapProjData::MaxParameters];
     CString m_projUnitName;
     double m_projUnit;
     CString m_axisName[2];

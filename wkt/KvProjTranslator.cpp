@@ -487,8 +487,33 @@ std::string CKvProjTranslator::ConvertToProj(const std::string& text, const doub
         longitude("lon_0", parser.GetCentralMeridian());
         falseOrigin();
         break;
-    default:
-        return fail("a " + parser.GetProjectionTypeTitle().GetStdString() + " system has no PROJ string");
+    default: {
+        // A described method: PROJ's method and its parameters' keys from the
+        // descriptor; a parameter the text does not give is written with its
+        // fallback, which is in degrees and metres.
+        const CKvMapProjData::EProjectionType type = parser.GetProjectionType();
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(type);
+        if (!CKvMapProjData::IsDescribedMethod(type) || info->proj == nullptr)
+            return fail("a " + parser.GetProjectionTypeTitle().GetStdString() + " system has no PROJ string");
+        out += std::string(info->proj) + " ";
+        for (int i = 0; i < info->noOfParameters; ++i) {
+            const CKvMapProjData::SParameter& parameter = info->parameters[i];
+            if (parameter.projKey == nullptr)
+                continue;
+            const double value = parser.GetMethodParameter(i);
+            if (value == CKvPRJParser::Undefined)
+                token(parameter.projKey, parameter.fallback);
+            else if (parameter.kind == CKvMapProjData::eLength)
+                token(parameter.projKey, value * metres);
+            else if (parameter.kind == CKvMapProjData::eAngle && parameter.longitude)
+                longitude(parameter.projKey, value);
+            else if (parameter.kind == CKvMapProjData::eAngle)
+                angle(parameter.projKey, value);
+            else
+                token(parameter.projKey, value);
+        }
+        break;
+    }
     }
 
     if (rf == 0.0)
