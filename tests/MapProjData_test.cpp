@@ -4,6 +4,7 @@
 #include "catalogue/KvMercator2SPProjection.h"
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "paramfile/Gxr.h"
+#include "projections/KvProjection.h"
 #include "wkt/KvPRJParser.h"
 
 #include "TestSupport.h"
