@@ -81,6 +81,22 @@ public:
         return ReduceLongitudeDegrees(lon);
     }
 
+    // The longitude an inverse gives for a difference dLon (degrees) from the
+    // central meridian lon0 of a world map whose edges are the antimeridian of
+    // its centre and whose forward reduces lon - lon0 into [-180, 180]. A point
+    // on an edge (dLon within 1e-9 degree of +-180) lies on both edges, and a
+    // longitude within [-180, 180] would come back on one of them only when the
+    // centre is off Greenwich: there the answer is lon0 +- 180 as it stands
+    // (lon0 = 15: 195 on the eastern edge, -165 on the western), whose
+    // difference from lon0 brings the point back on the edge it came from.
+    // Elsewhere InverseLongitudeDegrees(lon0 + dLon).
+    static double EdgeInverseLongitudeDegrees(double dLon, double lon0)
+    {
+        if (std::fabs(dLon) >= 180.0 - 1e-9 && std::fabs(dLon) <= 180.0 + 1e-9)
+            return lon0 + (dLon > 0.0 ? 180.0 : -180.0);
+        return InverseLongitudeDegrees(lon0 + dLon);
+    }
+
     // 1 + cos c, c the arc from an azimuthal projection's centre, below which a
     // point is the antipode of the centre within rounding (some 30 cm): its image
     // is the whole boundary circle, no one point, and the engines give NaN. The

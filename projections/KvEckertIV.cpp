@@ -1,0 +1,185 @@
+#include "projections/KvEckertIV.h"
+
+#include "projections/KvAngle.h"
+#include "projections/KvMathKernel.h"
+
+#include <cmath>
+
+namespace {
+constexpr double kPi = 3.141592653589793;
+constexpr double kDeg = kPi / 180.0;
+constexpr double kCp = 2.0 + kPi / 2.0; // the right side's factor, theta's range at the pole
+constexpr double kCx = 0.42223820031577125; // 2 / sqrt(pi (4 + pi))
+constexpr double kCy = 1.3265004281770023;  // 2 sqrt(pi / (4 + pi))
+
+// w - sin w cos w + 4 sin^2(w / 2): Cp minus the left side at theta = pi/2 - w,
+// from h = sin(w / 2) and hc = cos(w / 2) (sin w = 2 h hc, cos w = 1 - 2 h^2).
+// Its cancellation for small w costs an absolute error of about 1e-16 w against a
+// value of w^2, a few 1e-17 in w.
+inline double PoleSide(double w, double h, double hc)
+{
+    return w - 2.0 * h * hc * (1.0 - 2.0 * h * h) + 4.0 * h * h;
+}
+inline double PoleSide(double w)
+{
+    return PoleSide(w, std::sin(w / 2.0), std::cos(w / 2.0));
+}
+} // namespace
+
+CKvEckertIV::CKvEckertIV(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid)
+    : CKvEngine(name.c_str(), ellipsoid)
+{
+    m_lon0 = parameters[0];
+    m_FE = parameters[1];
+    m_FN = parameters[2];
+    const double a = _a();
+    const bool usable = a > 0.0 && std::isfinite(a) && std::isfinite(m_lon0) && std::isfinite(m_FE) &&
+                        std::isfinite(m_FN);
+    m_R = usable ? a : std::nan("");
+}
+
+void CKvEckertIV::_theta(double lat, double* sinTheta, double* cosTheta)
+{
+    const double phi = std::fabs(lat) * kDeg;
+    const double s = std::sin(phi);
+    double st, ct;
+    if (s <= 0.9) {
+        // theta + sin theta cos theta + 2 sin theta = Cp s, whose derivative
+        // 2 cos theta (1 + cos theta) stays above 0.8 here, from the root of
+        // 4 theta - theta^3 = Cp s, the left side near the equator.
+        const double k = kCp * s, q = k / 4.0;
+        double theta = q + q * q * q / 4.0;
+        // The sines and cosines by the library's inline kernel (one reduction
+        // for both, within an ulp).
+        double sn, cs, versine;
+        for (int i = 0; i < 12; ++i) {
+            CKvMathKernel::SinCos(theta, sn, cs, versine);
+            const double step = (theta + sn * cs + 2.0 * sn - k) / (2.0 * cs * (1.0 + cs));
+            theta -= step;
+            if (std::fabs(step) < 1e-9) // Newton's method squares the error
+                break;
+        }
+        CKvMathKernel::SinCos(theta, st, ct, versine);
+    } else {
+        // w = pi/2 - |theta|: PoleSide(w) = Cp (1 - s) = Cp cos^2 phi / (1 + s),
+        // with PoleSide(w) = w^2 + 2 w^3 / 3 - w^4 / 12 - ..., whose root is
+        // r (1 - r / 3 + 23 r^2 / 72) to third order in r = sqrt(Cp (1 - s)),
+        // and derivative 2 sin w (1 + sin w). The pole itself is w = 0.
+        const double c = std::fabs(lat) == 90.0 ? 0.0 : std::cos(phi);
+        const double C = kCp * c * c / (1.0 + s);
+        const double r = std::sqrt(C);
+        double w = r * (1.0 - r / 3.0 + r * r * (23.0 / 72.0));
+        double h, hc, versine;
+        for (int i = 0; i < 12 && w > 0.0; ++i) {
+            CKvMathKernel::SinCos(w / 2.0, h, hc, versine);
+            const double sw = 2.0 * h * hc;
+            const double step = (PoleSide(w, h, hc) - C) / (2.0 * sw * (1.0 + sw));
+            w -= step;
+            if (std::fabs(step) <= 1e-9 * w) // what is left: some 1e-18 w
+                break;
+        }
+        CKvMathKernel::SinCos(w / 2.0, h, hc, versine);
+        st = 1.0 - 2.0 * h * h; // cos w
+        ct = 2.0 * h * hc;      // sin w
+    }
+    *sinTheta = lat < 0.0 ? -st : st;
+    *cosTheta = ct;
+}
+
+void CKvEckertIV::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (!CKvAngle::IsPoint(lon, lat)) {
+        *x = *y = std::nan("");
+        return;
+    }
+    const double lambda = CKvAngle::ReduceLongitudeDegrees(lon - m_lon0) * kDeg;
+    double sinTheta, cosTheta;
+    _theta(lat, &sinTheta, &cosTheta);
+    *x = m_FE + kCx * m_R * lambda * (1.0 + cosTheta);
+    *y = m_FN + kCy * m_R * sinTheta;
+}
+
+void CKvEckertIV::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    const double Y = (y - m_FN) / (kCy * m_R);
+    if (!(std::fabs(Y) <= 1.0 + 1e-15) || !std::isfinite(x)) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    const double absY = std::fabs(Y) > 1.0 ? 1.0 : std::fabs(Y);
+    const double cosTheta = std::sqrt((1.0 - absY) * (1.0 + absY));
+    const double lambdaDeg = (x - m_FE) / (kCx * m_R * (1.0 + cosTheta)) / kDeg;
+    if (!(std::fabs(lambdaDeg) <= 180.0 + 1e-9)) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    double phi;
+    if (absY <= 0.5) {
+        const double theta = std::asin(absY);
+        phi = std::asin((theta + absY * cosTheta + 2.0 * absY) / kCp);
+    } else {
+        // Near the pole through w = pi/2 - theta: 1 - sin phi = PoleSide(w) / Cp,
+        // and phi from its sine and cosine rather than an arc sine of a number
+        // close to 1.
+        const double w = std::atan2(cosTheta, absY);
+        const double d = PoleSide(w) / kCp;
+        phi = std::atan2(1.0 - d, std::sqrt(d * (2.0 - d)));
+    }
+    *lat = (Y < 0.0 ? -phi : phi) / kDeg;
+    *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);
+    CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvEckertIV::GetOrigin(double* x, double* y) const
+{
+    *x = m_lon0;
+    *y = 0.0;
+}
+
+double CKvEckertIV::GetConvergence(double lon, double lat) const
+{
+    if (!CKvAngle::IsPoint(lon, lat) || !(m_R == m_R))
+        return std::nan("");
+    // dE/dtheta = -Cx R lambda sin theta, dN/dtheta = Cy R cos theta.
+    const double lambda = CKvAngle::ReduceLongitudeDegrees(lon - m_lon0) * kDeg;
+    double sinTheta, cosTheta;
+    _theta(lat, &sinTheta, &cosTheta);
+    return std::atan2(kCx * lambda * sinTheta, kCy * cosTheta) / kDeg;
+}
+
+void CKvEckertIV::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
+{
+    const double halfWidth = 2.0 * kCx * m_R * kPi, halfHeight = kCy * m_R;
+    *x1 = m_FE - halfWidth;
+    *y1 = m_FN - halfHeight;
+    *x2 = m_FE + halfWidth;
+    *y2 = m_FN + halfHeight;
+}
+
+// The method's names and parameters. ESRI and GDAL both write
+// "Eckert_IV"; the EPSG registry has no such method.
+const CKvMapProjData::STypeInfo CKvEckertIV::TypeInfo = {
+    CKvMapProjData::eEckertIV,
+    "ECKERT_IV_PROJECTION",
+    nullptr,
+    "Eckert IV",
+    "Eckert_IV",
+    3,
+    {
+        {"Centre", "Central meridian:", CKvMapProjData::eAngle, nullptr,
+         {"Central_Meridian", "central_meridian", "Longitude_Of_Center", "Longitude of natural origin"}, "lon_0", true,
+         0.0},
+        {"Feast", "False easting:", CKvMapProjData::eLength, nullptr, {"False_Easting", "false_easting", "False easting"},
+         "x_0", false, 0.0},
+        {"Fnorth", "False northing:", CKvMapProjData::eLength, nullptr,
+         {"False_Northing", "false_northing", "False northing"}, "y_0", false, 0.0},
+    },
+    "Default Eckert IV",
+    "WE",
+    {0.0, 0.0, 0.0},
+    0,
+    "Eckert_IV",
+    {"Eckert IV"},
+    "+proj=eck4",
+    nullptr,
+};
