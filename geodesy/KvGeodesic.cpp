@@ -146,6 +146,25 @@ void C1(double eps, double* c)
     c[5] = p * (-7.0 / 2048);
 }
 
+// The reversion of the distance series, sigma = tau + sum C1pl sin 2l tau with
+// tau = s / (b A1), eq. (21): C1pl, l = 1..6.
+void C1p(double eps, double* c)
+{
+    const double e2 = eps * eps;
+    double p = eps;
+    c[0] = p * (1.0 / 2 + e2 * (-9.0 / 32 + e2 * 205.0 / 1536));
+    p *= eps;
+    c[1] = p * (5.0 / 16 + e2 * (-37.0 / 96 + e2 * 1335.0 / 4096));
+    p *= eps;
+    c[2] = p * (29.0 / 96 + e2 * -75.0 / 128);
+    p *= eps;
+    c[3] = p * (539.0 / 1536 + e2 * -2391.0 / 2560);
+    p *= eps;
+    c[4] = p * (3467.0 / 7680);
+    p *= eps;
+    c[5] = p * (38081.0 / 61440);
+}
+
 // The integral I2 = A2 (sigma + sum C2l sin 2l sigma) of the reduced length,
 // eqs. (42) and (43): A2 - 1 and C2l, l = 1..6.
 double A2m1(double eps)
@@ -573,6 +592,78 @@ bool CKvGeodesic::Inverse(double lon1, double lat1, double lon2, double lat2, do
     salp2 *= lonSign;
     distance = s12;
     azimuth1 = Azimuth(salp1, calp1);
+    azimuth2 = Azimuth(salp2, calp2);
+    return true;
+}
+
+bool CKvGeodesic::Direct(double lon1, double lat1, double azimuth1, double distance, double& lon2, double& lat2,
+                         double& azimuth2) const
+{
+    if (!m_valid || !CKvAngle::IsPoint(lon1, lat1) || !std::isfinite(azimuth1) || !std::isfinite(distance)) {
+        lon2 = lat2 = azimuth2 = std::nan("");
+        return false;
+    }
+    // Point 1 on the auxiliary sphere, and the geodesic's equatorial azimuth
+    // alpha0 by Clairaut's relation sin alpha0 = sin alpha1 cos beta1.
+    double sphi = 0.0, cphi = 0.0;
+    SinCosDegrees(lat1, 0.0, sphi, cphi);
+    double sbet1 = m_f1 * sphi, cbet1 = cphi;
+    Normalize(sbet1, cbet1);
+    cbet1 = std::max(kTiny, cbet1);
+    double salp1 = 0.0, calp1 = 0.0;
+    SinCosDegrees(azimuth1, 0.0, salp1, calp1);
+    const double salp0 = salp1 * cbet1;
+    const double calp0 = std::hypot(calp1, salp1 * sbet1);
+    // sigma1 and omega1 from the node; due east or west on the equator, the
+    // node is the point itself.
+    double ssig1 = sbet1, csig1 = sbet1 != 0.0 || calp1 != 0.0 ? cbet1 * calp1 : 1.0;
+    const double somg1 = salp0 * sbet1, comg1 = csig1;
+    Normalize(ssig1, csig1);
+    const double k2 = calp0 * calp0 * m_ep2;
+    const double eps = Eps(k2);
+    const double a1m1 = A1m1(eps);
+    double c1[6], c1p[6], c3[5];
+    C1(eps, c1);
+    C1p(eps, c1p);
+    _c3(eps, c3);
+    const double b11 = SinSeries(ssig1, csig1, c1, 6);
+    const double sb = std::sin(b11), cb = std::cos(b11);
+    // tau1 = sigma1 + B11, the normalized distance of point 1 from the node.
+    const double stau1 = ssig1 * cb + csig1 * sb, ctau1 = csig1 * cb - ssig1 * sb;
+    const double tau12 = distance / (m_b * (1.0 + a1m1));
+    const double st = std::sin(tau12), ct = std::cos(tau12);
+    const double b12 = -SinSeries(stau1 * ct + ctau1 * st, ctau1 * ct - stau1 * st, c1p, 6);
+    double sig12 = tau12 - (b12 - b11);
+    double ssig12 = std::sin(sig12), csig12 = std::cos(sig12);
+    if (m_f > 0.01) {
+        // The reverted series loses accuracy with the flattening: one Newton
+        // step on s(sigma12), whose derivative is b sqrt(1 + k^2 sin^2 sigma2).
+        const double ssig2 = ssig1 * csig12 + csig1 * ssig12, csig2 = csig1 * csig12 - ssig1 * ssig12;
+        const double b1 = SinSeries(ssig2, csig2, c1, 6);
+        const double error = (1.0 + a1m1) * (sig12 + (b1 - b11)) - distance / m_b;
+        sig12 -= error / std::sqrt(1.0 + k2 * ssig2 * ssig2);
+        ssig12 = std::sin(sig12);
+        csig12 = std::cos(sig12);
+    }
+    const double ssig2 = ssig1 * csig12 + csig1 * ssig12;
+    double csig2 = csig1 * csig12 - ssig1 * ssig12;
+    const double sbet2 = calp0 * ssig2;
+    double cbet2 = std::hypot(salp0, calp0 * csig2);
+    if (cbet2 == 0.0)
+        cbet2 = csig2 = kTiny; // a pole: taken on the side of the geodesic's meridian
+    const double salp2 = salp0, calp2 = calp0 * csig2;
+    // omega12, counted along the whole turn of the geodesic (sigma12 may exceed
+    // pi), minus f sin(alpha0) I3 gives lambda12.
+    const double somg2 = salp0 * ssig2, comg2 = csig2;
+    const double E = std::copysign(1.0, salp0);
+    const double omg12 = E * (sig12 - (std::atan2(ssig2, csig2) - std::atan2(ssig1, csig1)) +
+                              (std::atan2(E * somg2, comg2) - std::atan2(E * somg1, comg1)));
+    const double b31 = SinSeries(ssig1, csig1, c3, 5);
+    const double b32 = SinSeries(ssig2, csig2, c3, 5);
+    const double lam12 = omg12 - m_f * _a3(eps) * salp0 * (sig12 + (b32 - b31));
+    lon2 = CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon1) +
+                                            CKvAngle::ReduceLongitudeDegrees(lam12 / kDegree));
+    lat2 = Atan2Degrees(sbet2, m_f1 * cbet2);
     azimuth2 = Azimuth(salp2, calp2);
     return true;
 }

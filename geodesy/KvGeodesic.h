@@ -59,6 +59,18 @@ public:
     bool Inverse(double lon1, double lat1, double lon2, double lat2, double& distance, double& azimuth1,
                  double& azimuth2) const;
 
+    // Direct problem: from (lon1, lat1) along the azimuth azimuth1 (degrees
+    // clockwise from north) for distance metres, which may be negative (then
+    // backwards) or longer than half a meridian (the geodesic goes on round
+    // the ellipsoid). Writes the end point, its longitude in [-180, 180], and
+    // the forward azimuth there. The arc is found from the distance by the
+    // reverted series of I1 (Karney 2013, eq. 21), with one Newton step on the
+    // distance for flattenings beyond 1/100. False, with NaN in all three
+    // outputs, for a point that is none, an azimuth or a distance that is not
+    // finite, or an object that is not valid.
+    bool Direct(double lon1, double lat1, double azimuth1, double distance, double& lon2, double& lat2,
+                double& azimuth2) const;
+
     // The number of evaluations of lambda12 that the last Inverse on this thread
     // needed (0 for the meridional and equatorial cases, which need none); for
     // tests of the iteration's bound.

@@ -1,0 +1,168 @@
+#include "projections/KvGuam.h"
+
+#include "projections/KvAngle.h"
+
+#include <cmath>
+
+namespace {
+constexpr double kPi = 3.141592653589793;
+constexpr double kDeg = kPi / 180.0;
+// The inverse's fixed-point iteration shrinks the error by about (x / a)^2 a
+// step: three steps on Guam, a few more a thousand kilometres out. The bound
+// ends every call.
+constexpr int kMaxSteps = 30;
+} // namespace
+
+CKvGuam::CKvGuam(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid)
+    : CKvEngine(name.c_str(), ellipsoid), m_lon0(parameters[0]), m_lat0(CKvAngle::SnapToPole(parameters[1])),
+      m_FE(parameters[2]), m_FN(parameters[3]), m_meridian(CKvConformalLatitude::MakeMeridian(_a(), _e2()))
+{
+    const double a = _a();
+    const bool usable = a > 0.0 && std::isfinite(a) && std::isfinite(m_lon0) && CKvAngle::IsLatitude(m_lat0) &&
+                        std::isfinite(m_FE) && std::isfinite(m_FN);
+    m_M0 = usable ? CKvConformalLatitude::MeridianDistance(m_meridian, m_lat0 * kDeg) : std::nan("");
+}
+
+void CKvGuam::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (!CKvAngle::IsPoint(lon, lat)) {
+        *x = *y = std::nan("");
+        return;
+    }
+    const double phi = lat * kDeg;
+    const double dLambda = CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg;
+    double s, c;
+    CKvMathKernel::SinCosAny(phi, s, c);
+    if (std::fabs(lat) == 90.0)
+        c = 0.0;
+    const double w = std::sqrt(1.0 - _e2() * s * s);
+    const double M = CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
+    const double ad = _a() * dLambda;
+    *x = m_FE + ad * c / w;
+    *y = m_FN + M - m_M0 + ad * dLambda * s * c / (2.0 * w);
+}
+
+void CKvGuam::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    const double X = x - m_FE, Y = y - m_FN + m_M0;
+    if (!std::isfinite(X) || !std::isfinite(Y)) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    const double a = _a(), e2 = _e2();
+    const double pole = CKvConformalLatitude::MeridianDistance(m_meridian, kPi / 2.0);
+    const double k = X * X / (2.0 * a);
+    double phi = m_lat0 * kDeg;
+    bool settled = false;
+    for (int i = 0; i < kMaxSteps; ++i) {
+        double s, c;
+        CKvMathKernel::SinCosAny(phi, s, c);
+        const double M = Y - k * s / c * std::sqrt(1.0 - e2 * s * s);
+        if (!(std::fabs(M) <= pole))
+            break;
+        const double next = CKvConformalLatitude::MeridianLatitude(m_meridian, M);
+        const double step = next - phi;
+        phi = next;
+        if (std::fabs(step) < 1e-14) {
+            settled = true;
+            break;
+        }
+    }
+    if (!settled || !(std::fabs(phi) <= kPi / 2.0)) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    double s, c;
+    CKvMathKernel::SinCosAny(phi, s, c);
+    // On a pole only the central meridian's point is one.
+    const double dLambda =
+        std::fabs(phi) == kPi / 2.0 ? (X == 0.0 ? 0.0 : std::nan("")) : X * std::sqrt(1.0 - e2 * s * s) / (a * c);
+    if (!(std::fabs(dLambda) <= kPi * (1.0 + 1e-12))) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    *lat = phi / kDeg;
+    *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + dLambda / kDeg);
+}
+
+void CKvGuam::GetOrigin(double* x, double* y) const
+{
+    *x = m_lon0;
+    *y = m_lat0;
+}
+
+double CKvGuam::GetConvergence(double lon, double lat) const
+{
+    if (!CKvAngle::IsPoint(lon, lat) || !(m_M0 == m_M0))
+        return std::nan("");
+    const double phi = lat * kDeg;
+    const double dLambda = CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg;
+    double s, c;
+    CKvMathKernel::SinCosAny(phi, s, c);
+    if (std::fabs(lat) == 90.0)
+        c = 0.0;
+    const double e2 = _e2(), a = _a();
+    const double w2 = 1.0 - e2 * s * s, w = std::sqrt(w2);
+    // d(cos phi / w)/dphi = -(1 - e^2) sin phi / w^3, and
+    // d(sin phi cos phi / w)/dphi = cos 2phi / w + e^2 sin^2 phi cos^2 phi / w^3.
+    const double dx = -a * dLambda * (1.0 - e2) * s / (w2 * w);
+    const double radius = a * (1.0 - e2) / (w2 * w);
+    const double dy = radius + 0.5 * a * dLambda * dLambda * ((c - s) * (c + s) / w + e2 * s * s * c * c / (w2 * w));
+    return std::atan2(-dx, dy) / kDeg;
+}
+
+void CKvGuam::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
+{
+    _boxAround(m_lon0, m_lat0, false, x1, y1, x2, y2);
+}
+
+// EPSG's method: GDAL has no WKT 1 form of it, ESRI no name; PROJ computes it
+// as its azimuthal equidistant with +guam.
+const CKvMapProjData::STypeInfo CKvGuam::TypeInfo = {
+    CKvMapProjData::eGuam,
+    "GUAM_PROJECTION",
+    nullptr,
+    "Guam Projection",
+    "Guam_Projection",
+    4,
+    {
+        {"Central_Meridian",
+         "Longitude of origin:",
+         CKvMapProjData::eAngle,
+         nullptr,
+         {"Central_Meridian", "Longitude of natural origin", "longitude_of_origin", "Longitude_Of_Center"},
+         "lon_0",
+         true},
+        {"Origin_Latitude",
+         "Latitude of origin:",
+         CKvMapProjData::eAngle,
+         nullptr,
+         {"Latitude_Of_Origin", "Latitude of natural origin", "latitude_of_origin", "Latitude_Of_Center"},
+         "lat_0",
+         false},
+        {"Feast",
+         "False easting:",
+         CKvMapProjData::eLength,
+         nullptr,
+         {"False_Easting", "False easting", "false_easting"},
+         "x_0",
+         false,
+         0.0},
+        {"Fnorth",
+         "False northing:",
+         CKvMapProjData::eLength,
+         nullptr,
+         {"False_Northing", "False northing", "false_northing"},
+         "y_0",
+         false,
+         0.0},
+    },
+    "Default Guam Projection",
+    "CC",
+    {144.74875069444445, 13.47246633333333, 50000.0, 50000.0},
+    9831,
+    nullptr,
+    {"Guam Projection", "Guam_Projection"},
+    "+proj=aeqd +guam",
+    nullptr,
+};

@@ -1,0 +1,244 @@
+#include "projections/KvPolyconic.h"
+
+#include "projections/KvAngle.h"
+
+#include <cmath>
+
+namespace {
+constexpr double kPi = 3.141592653589793;
+constexpr double kDeg = kPi / 180.0;
+// Steps of the inverse: from the footpoint latitude Newton's method settles to
+// round-off in a handful of steps over the map; kept within a bracket, it
+// settles in all cases well within the bound, which ends every call.
+constexpr int kMaxSteps = 100;
+// Below this size of L = (lambda - lambda0) sin phi the ratios sin L / sin phi
+// and (1 - cos L) / sin phi are taken from their series (sin phi may be of any
+// smallness, down to 0 on the equator); the first term left out is L^6 / 5040.
+constexpr double kSeriesL = 1e-3;
+} // namespace
+
+CKvPolyconic::CKvPolyconic(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid)
+    : CKvEngine(name.c_str(), ellipsoid), m_lon0(parameters[0]), m_lat0(CKvAngle::SnapToPole(parameters[1])),
+      m_FE(parameters[2]), m_FN(parameters[3]), m_meridian(CKvConformalLatitude::MakeMeridian(_a(), _e2()))
+{
+    const double a = _a();
+    const bool usable = a > 0.0 && std::isfinite(a) && std::isfinite(m_lon0) && CKvAngle::IsLatitude(m_lat0) &&
+                        std::isfinite(m_FE) && std::isfinite(m_FN);
+    m_M0 = usable ? CKvConformalLatitude::MeridianDistance(m_meridian, m_lat0 * kDeg) : std::nan("");
+}
+
+void CKvPolyconic::_grid(double phi, double dLambda, double* x, double* y, double* dxdphi, double* dydphi) const
+{
+    double s, c;
+    CKvMathKernel::SinCosAny(phi, s, c);
+    const double e2 = _e2();
+    const double w2 = 1.0 - e2 * s * s;
+    const double nu = _a() / std::sqrt(w2);
+    const double L = dLambda * s;
+    // A = sin L / sin phi and B = (1 - cos L) / sin phi, so that
+    // x = nu cos phi A and y = M - M0 + nu cos phi B.
+    double A, B;
+    if (std::fabs(L) < kSeriesL) {
+        const double L2 = L * L;
+        A = dLambda * (1.0 - L2 / 6.0 * (1.0 - L2 / 20.0));
+        B = 0.5 * dLambda * L * (1.0 - L2 / 12.0 * (1.0 - L2 / 30.0));
+    } else {
+        double sL, cL, versine;
+        CKvMathKernel::SinCos(L, sL, cL, versine);
+        A = sL / s;
+        B = versine / s;
+    }
+    const double M = CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
+    const double nuC = nu * c;
+    *x = nuC * A;
+    *y = M - m_M0 + nuC * B;
+    if (dxdphi == nullptr)
+        return;
+    // dA/dphi = cos phi (L cos L - sin L) / sin^2 phi and dB/dphi = cos phi
+    // (L sin L - 1 + cos L) / sin^2 phi, with dL/dphi = (lambda - lambda0) cos phi;
+    // near L = 0 by their series in L.
+    double dA, dB;
+    if (std::fabs(L) < kSeriesL) {
+        const double L2 = L * L, d2 = dLambda * dLambda;
+        dA = c * d2 * L * (-1.0 / 3.0 + L2 / 30.0);
+        dB = c * d2 * (0.5 - L2 / 8.0 + L2 * L2 / 144.0);
+    } else {
+        double sL, cL, versine;
+        CKvMathKernel::SinCos(L, sL, cL, versine);
+        dA = c * (L * cL - sL) / (s * s);
+        dB = c * (L * sL - versine) / (s * s);
+    }
+    const double dNu = nu * e2 * s * c / w2;
+    const double rho = nu * (1.0 - e2) / w2; // the meridian's radius of curvature, dM/dphi
+    *dxdphi = (dNu * c - nu * s) * A + nuC * dA;
+    *dydphi = rho + (dNu * c - nu * s) * B + nuC * dB;
+}
+
+void CKvPolyconic::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (!CKvAngle::IsPoint(lon, lat)) {
+        *x = *y = std::nan("");
+        return;
+    }
+    double gx, gy;
+    _grid(lat * kDeg, CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg, &gx, &gy,
+          nullptr, nullptr);
+    *x = m_FE + gx;
+    *y = m_FN + gy;
+}
+
+void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    const double X = x - m_FE;
+    const double Y = y - m_FN + m_M0; // the meridian distance of the point's northing
+    if (!std::isfinite(X) || !std::isfinite(Y)) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    const double e2 = _e2(), a = _a();
+    const double X2 = X * X;
+    // The footpoint latitude of the northing, kept on the ellipsoid. h is
+    // -(x^2 + (Y + Mp)^2) <= 0 at the south pole and x^2 + (Y - Mp)^2 >= 0 at the
+    // north pole, so the poles bracket a root; a Newton step that would leave
+    // the bracket (from near a pole, where h is flat) is a bisection instead.
+    double phi = CKvConformalLatitude::MeridianLatitude(m_meridian, Y);
+    phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
+    double lo = -kPi / 2.0, hi = kPi / 2.0;
+    bool settled = false;
+    double s = 0.0, c = 1.0, nu = a, yp = 0.0;
+    for (int i = 0; i < kMaxSteps; ++i) {
+        CKvMathKernel::SinCosAny(phi, s, c);
+        const double w2 = 1.0 - e2 * s * s;
+        nu = a / std::sqrt(w2);
+        const double rho = nu * (1.0 - e2) / w2;
+        const double dNu = nu * e2 * s * c / w2;
+        yp = Y - CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
+        const double r2 = X2 + yp * yp;
+        const double h = s * r2 - 2.0 * nu * c * yp;
+        if (h == 0.0) {
+            settled = true;
+            break;
+        }
+        if (h < 0.0)
+            lo = phi;
+        else
+            hi = phi;
+        const double dh = c * r2 - 2.0 * s * yp * rho - 2.0 * (dNu * c - nu * s) * yp + 2.0 * nu * c * rho;
+        double next = phi - h / dh;
+        if (!(next > lo && next < hi))
+            next = 0.5 * (lo + hi);
+        const double step = next - phi;
+        phi = next;
+        if (!(std::fabs(step) >= 1e-14) || hi - lo < 1e-14) {
+            settled = true;
+            break;
+        }
+    }
+    if (!settled) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
+    CKvMathKernel::SinCosAny(phi, s, c);
+    nu = a / std::sqrt(1.0 - e2 * s * s);
+    yp = Y - CKvConformalLatitude::MeridianDistance(m_meridian, phi);
+    // sin L and cos L in proportion, both multiplied by nu cos phi > 0.
+    const double L = std::atan2(X * s, nu * c - yp * s);
+    const double dLambda = std::fabs(s) > 1e-100 ? L / s : X / (nu * c - yp * s);
+    if (!(std::fabs(dLambda) <= kPi * (1.0 + 1e-12))) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    // A root of h is on the circle of its parallel, not necessarily within the
+    // arc of the map (a grid point beyond the map still has roots, at the
+    // poles' side): the point must give the grid point back.
+    double gx, gy;
+    _grid(phi, dLambda, &gx, &gy, nullptr, nullptr);
+    if (!(std::hypot(gx - X, gy - (Y - m_M0)) <= 1e-5)) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    *lat = phi / kDeg;
+    *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + dLambda / kDeg);
+    CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvPolyconic::GetOrigin(double* x, double* y) const
+{
+    *x = m_lon0;
+    *y = m_lat0;
+}
+
+double CKvPolyconic::GetConvergence(double lon, double lat) const
+{
+    if (!CKvAngle::IsPoint(lon, lat) || !(m_M0 == m_M0))
+        return std::nan("");
+    double x, y, dx, dy;
+    _grid(lat * kDeg, CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg, &x, &y,
+          &dx, &dy);
+    return std::atan2(-dx, dy) / kDeg;
+}
+
+void CKvPolyconic::GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const
+{
+    // The equator's ends at +-90 degrees and the poles bound the map's middle.
+    const double halfWidth = _a() * kPi / 2.0;
+    const double pole = CKvConformalLatitude::MeridianDistance(m_meridian, kPi / 2.0);
+    *x1 = m_FE - halfWidth;
+    *x2 = m_FE + halfWidth;
+    *y1 = m_FN - pole - m_M0;
+    *y2 = m_FN + pole - m_M0;
+}
+
+// The method's names and parameters: ESRI and GDAL write "Polyconic", the EPSG
+// registry "American Polyconic".
+const CKvMapProjData::STypeInfo CKvPolyconic::TypeInfo = {
+    CKvMapProjData::ePolyconic,
+    "POLYCONIC_PROJECTION",
+    nullptr,
+    "American Polyconic",
+    "Polyconic",
+    4,
+    {
+        {"Central_Meridian",
+         "Central meridian:",
+         CKvMapProjData::eAngle,
+         nullptr,
+         {"Central_Meridian", "central_meridian", "Longitude of natural origin", "Longitude_Of_Center"},
+         "lon_0",
+         true,
+         0.0},
+        {"Origin_Latitude",
+         "Latitude of origin:",
+         CKvMapProjData::eAngle,
+         nullptr,
+         {"Latitude_Of_Origin", "latitude_of_origin", "Latitude of natural origin", "Latitude_Of_Center"},
+         "lat_0",
+         false,
+         0.0},
+        {"Feast",
+         "False easting:",
+         CKvMapProjData::eLength,
+         nullptr,
+         {"False_Easting", "false_easting", "False easting"},
+         "x_0",
+         false,
+         0.0},
+        {"Fnorth",
+         "False northing:",
+         CKvMapProjData::eLength,
+         nullptr,
+         {"False_Northing", "false_northing", "False northing"},
+         "y_0",
+         false,
+         0.0},
+    },
+    "Default American Polyconic",
+    "WE",
+    {0.0, 0.0, 0.0, 0.0},
+    9818,
+    "Polyconic",
+    {"American Polyconic", "American_Polyconic"},
+    "+proj=poly",
+    nullptr,
+};
