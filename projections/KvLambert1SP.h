@@ -24,6 +24,8 @@ public:
     void GetOrigin(double* x, double* y) const override;
     double GetConvergence(double lon, double lat) const override { return _numericConvergence(lon, lat); }
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
+    // The radius r0 of the origin's parallel: the apex lies r0 north of the origin.
+    double GetApexRadius() const { return m_r0; }
 
 private:
     void _init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing);

@@ -26,6 +26,10 @@ public:
     void GetOrigin(double* x, double* y) const override;
     double GetConvergence(double lon, double lat) const override { return _numericConvergence(lon, lat); }
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
+    // The cone constant n, the map's angle per unit of longitude, and the
+    // radius rF of the false origin's parallel: the apex lies rF north of it.
+    double GetConeConstant() const { return m_n; }
+    double GetApexRadius() const { return m_rF; }
 
 private:
     void _init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting, double falseNorthing,
