@@ -25,7 +25,34 @@
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "catalogue/KvMethodProjection.h"
 #include "paramfile/Gxr.h"
+#include "projections/KvAzimuthalEquidistant.h"
+#include "projections/KvBonne.h"
+#include "projections/KvBonneSouthOrientated.h"
+#include "projections/KvColombiaUrban.h"
+#include "projections/KvCylindricalEqualArea.h"
+#include "projections/KvEckertIV.h"
+#include "projections/KvEqualEarth.h"
+#include "projections/KvEquidistantCylindrical.h"
+#include "projections/KvGuam.h"
+#include "projections/KvHyperbolicCassini.h"
+#include "projections/KvKrovakModified.h"
+#include "projections/KvKrovakModifiedNorth.h"
+#include "projections/KvLaborde.h"
+#include "projections/KvLambert2SPBelgium.h"
+#include "projections/KvLambertNearConformal.h"
+#include "projections/KvLambertWestOrientated.h"
 #include "projections/KvMillerCylindrical.h"
+#include "projections/KvModifiedAzimuthalEquidistant.h"
+#include "projections/KvMollweide.h"
+#include "projections/KvNaturalEarth.h"
+#include "projections/KvPolarStereographicC.h"
+#include "projections/KvPolyconic.h"
+#include "projections/KvRobinson.h"
+#include "projections/KvSinusoidal.h"
+#include "projections/KvTransverseMercatorZoned.h"
+#include "projections/KvTunisiaMiningGrid.h"
+#include "projections/KvVanDerGrinten.h"
+#include "projections/KvWinkelTripel.h"
 #include "wkt/KvPRJParser.h"
 
 #include <algorithm>
@@ -62,6 +89,33 @@ CKvProjection* MakeEngine(const std::string& name, const double* parameters, con
 
 const SMethodType kMethodTypes[] = {
     KV_METHOD(CKvMillerCylindrical),
+    KV_METHOD(CKvEqualEarth),
+    KV_METHOD(CKvRobinson),
+    KV_METHOD(CKvMollweide),
+    KV_METHOD(CKvSinusoidal),
+    KV_METHOD(CKvEckertIV),
+    KV_METHOD(CKvWinkelTripel),
+    KV_METHOD(CKvVanDerGrinten),
+    KV_METHOD(CKvNaturalEarth),
+    KV_METHOD(CKvCylindricalEqualArea),
+    KV_METHOD(CKvEquidistantCylindrical),
+    KV_METHOD(CKvPolyconic),
+    KV_METHOD(CKvBonne),
+    KV_METHOD(CKvBonneSouthOrientated),
+    KV_METHOD(CKvAzimuthalEquidistant),
+    KV_METHOD(CKvModifiedAzimuthalEquidistant),
+    KV_METHOD(CKvGuam),
+    KV_METHOD(CKvLaborde),
+    KV_METHOD(CKvLambertWestOrientated),
+    KV_METHOD(CKvLambert2SPBelgium),
+    KV_METHOD(CKvLambertNearConformal),
+    KV_METHOD(CKvPolarStereographicC),
+    KV_METHOD(CKvTunisiaMiningGrid),
+    KV_METHOD(CKvKrovakModified),
+    KV_METHOD(CKvKrovakModifiedNorth),
+    KV_METHOD(CKvColombiaUrban),
+    KV_METHOD(CKvTransverseMercatorZoned),
+    KV_METHOD(CKvHyperbolicCassini),
 };
 
 const SMethodType* FindMethod(CKvMapProjData::EProjectionType type)
