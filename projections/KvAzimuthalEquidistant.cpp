@@ -27,14 +27,31 @@ CKvAzimuthalEquidistant::CKvAzimuthalEquidistant(const std::string& name, const 
         m_cosPhi0 = 0.0;
     // Geodesics from the centre stay the shortest lines at least as far as the
     // pole-to-pole half meridian less a margin: the antipodal cut lies beyond.
-    const CKvConformalLatitude::SMeridian meridian = CKvConformalLatitude::MakeMeridian(a, _e2());
-    m_farthest = 0.99 * 2.0 * CKvConformalLatitude::MeridianDistance(meridian, kPi / 2.0);
+    m_meridian = CKvConformalLatitude::MakeMeridian(a, _e2());
+    m_Mp = CKvConformalLatitude::MeridianDistance(m_meridian, kPi / 2.0);
+    m_farthest = 0.99 * 2.0 * m_Mp;
+    m_polar = !m_sphere && m_cosPhi0 == 0.0;
+    m_poleSign = m_lat0 < 0.0 ? -1.0 : 1.0;
 }
 
 void CKvAzimuthalEquidistant::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
     if (!CKvAngle::IsPoint(lon, lat) || !(m_R == m_R)) {
         *x = *y = std::nan("");
+        return;
+    }
+    if (m_polar) {
+        // rho = Mp -+ M(phi) from the north (south) pole; the meridian leaves the
+        // north pole at azimuth pi - dlambda, the south pole at dlambda.
+        double s, c, sL, cL;
+        const double phi = lat * kDeg;
+        CKvMathKernel::SinCosAny(phi, s, c);
+        CKvMathKernel::SinCosAny(
+            CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg, sL, cL);
+        const double M = CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
+        const double rho = m_Mp - m_poleSign * M;
+        *x = m_FE + rho * sL;
+        *y = m_FN - m_poleSign * rho * cL;
         return;
     }
     if (!m_sphere) {
@@ -80,6 +97,19 @@ void CKvAzimuthalEquidistant::Proj2Geo(double x, double y, double* lon, double* 
     if (rho == 0.0) {
         *lon = m_lon0;
         *lat = m_lat0;
+        return;
+    }
+    if (m_polar) {
+        // The meridian arc from the pole reaches the other pole at 2 Mp: a grid
+        // point beyond is no point of the earth.
+        const double M = m_poleSign * (m_Mp - rho);
+        if (!(rho <= 2.0 * m_Mp * (1.0 + 1e-15))) {
+            *lon = *lat = std::nan("");
+            return;
+        }
+        const double phi = CKvConformalLatitude::MeridianLatitude(m_meridian, M);
+        *lat = std::fmax(-90.0, std::fmin(90.0, phi / kDeg));
+        *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + std::atan2(X, -m_poleSign * Y) / kDeg);
         return;
     }
     if (!m_sphere) {

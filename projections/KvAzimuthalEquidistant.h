@@ -3,6 +3,7 @@
 
 #include "catalogue/KvMethodProjection.h"
 #include "geodesy/KvGeodesic.h"
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -16,7 +17,10 @@
 // s12 and alpha1 from the inverse geodesic problem (CKvGeodesic::Inverse), and
 // back by the direct problem (CKvGeodesic::Direct) along alpha1 = atan2(x, y)
 // for s12 = hypot(x, y). On the sphere Snyder's closed forms (eqs. 25-2, 20-14,
-// 20-15). The map covers the earth once out to the centre's antipode; a grid
+// 20-15). On the ellipsoid's polar aspect the geodesics from the centre are the
+// meridians: alpha1 is the longitude difference (pi - dlambda from the north
+// pole) and s12 the meridian arc from the pole (Snyder, eqs. 25-16 to 25-19,
+// with M of Helmert's series), so no geodesic is solved there. The map covers the earth once out to the centre's antipode; a grid
 // point beyond the reach of shortest geodesics (on the sphere, a radius beyond
 // pi R; on the ellipsoid, past the antipodal cut) is none, NaN. On the sphere
 // the antipode's image is the whole boundary circle, NaN as well; on the
@@ -49,6 +53,11 @@ private:
     bool m_sphere;
     double m_R;        // the sphere's radius, or the semi-major axis (NaN: no map)
     double m_farthest; // beyond this radius the inverse checks that the geodesic is the shortest
+    // The polar aspect on the ellipsoid: the meridian arc from the pole.
+    bool m_polar;
+    double m_poleSign; // +1 about the north pole, -1 about the south
+    double m_Mp;       // the quarter meridian
+    CKvConformalLatitude::SMeridian m_meridian;
     CKvGeodesic m_geodesic;
 };
 
