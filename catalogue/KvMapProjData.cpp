@@ -33,6 +33,7 @@
 #include "projections/KvEckertIV.h"
 #include "projections/KvEqualEarth.h"
 #include "projections/KvEquidistantCylindrical.h"
+#include "projections/KvEquidistantCylindricalEllipsoidal.h"
 #include "projections/KvGuam.h"
 #include "projections/KvHyperbolicCassini.h"
 #include "projections/KvKrovakModified.h"
@@ -116,6 +117,7 @@ const SMethodType kMethodTypes[] = {
     KV_METHOD(CKvColombiaUrban),
     KV_METHOD(CKvTransverseMercatorZoned),
     KV_METHOD(CKvHyperbolicCassini),
+    KV_METHOD(CKvEquidistantCylindricalEllipsoidal),
 };
 
 const SMethodType* FindMethod(CKvMapProjData::EProjectionType type)

@@ -79,7 +79,8 @@ public:
         eColombiaUrban = 50,                // EPSG method 1052
         eTransverseMercatorZoned = 51,      // EPSG method 9824
         eHyperbolicCassini = 52,            // EPSG method 9833
-        eLastMethod = 52
+        eEquidistantCylindricalEllipsoidal = 53, // EPSG method 1028
+        eLastMethod = 53
     };
 
     enum EParamType
@@ -136,6 +137,10 @@ public:
         const char* otherNames[4] = {};
         const char* proj = nullptr;
         std::string (*problem)(const double* parameters) = nullptr;
+        // The directions of the engine's own coordinates when they are not
+        // easting and northing ("SOUTH", "WEST" for the modified Krovak): AXIS
+        // nodes naming them, in either order, say only the order.
+        const char* engineAxes[2] = {};
     };
 
     virtual ~CKvMapProjData();

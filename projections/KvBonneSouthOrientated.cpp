@@ -125,6 +125,9 @@ const CKvMapProjData::STypeInfo CKvBonneSouthOrientated::TypeInfo = {
     9828,
     "Bonne_(South_Orientated)",
     {"Bonne (South Orientated)", "Bonne_(South_Orientated)"},
-    "+proj=bonne +axis=wsu",
+    // PROJ has no south-orientated Bonne: its +axis=wsu negates the false
+    // origin too, which the registry's W = FE - E does not.
+    nullptr,
     &CKvBonne::Problem,
+    {"WEST", "SOUTH"},
 };

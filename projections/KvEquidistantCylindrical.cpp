@@ -8,8 +8,9 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+} // namespace
 
-std::string Problem(const double* parameters)
+std::string CKvEquidistantCylindrical::Problem(const double* parameters)
 {
     for (int i = 0; i < 5; ++i)
         if (!std::isfinite(parameters[i]))
@@ -20,7 +21,6 @@ std::string Problem(const double* parameters)
         return "the latitude of origin lies beyond a pole";
     return "";
 }
-} // namespace
 
 CKvEquidistantCylindrical::CKvEquidistantCylindrical(const std::string& name, const double* parameters,
                                                      const CKvEllipsoid& ellipsoid)

@@ -61,6 +61,8 @@ public:
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
 
     EForm GetForm() const { return m_form; }
+    // Why the descriptor's parameters make no map ("" when they do).
+    static std::string Problem(const double* parameters);
 
 private:
     // The northing of a latitude in radians, less FN and the origin's.

@@ -159,7 +159,7 @@ const CKvMapProjData::STypeInfo CKvGuam::TypeInfo = {
     },
     "Default Guam Projection",
     "CC",
-    {144.74875069444445, 13.47246633333333, 50000.0, 50000.0},
+    {144.748750694, 13.472466333, 50000.0, 50000.0}, // Guam 1963 to 1e-9 degree
     9831,
     nullptr,
     {"Guam Projection", "Guam_Projection"},

@@ -146,4 +146,5 @@ const CKvMapProjData::STypeInfo CKvKrovakModified::TypeInfo = {
     // PROJ 9.1 has no modified Krovak.
     nullptr,
     &CKvKrovakModified::Problem,
+    {"SOUTH", "WEST"},
 };

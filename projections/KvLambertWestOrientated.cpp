@@ -122,4 +122,5 @@ const CKvMapProjData::STypeInfo CKvLambertWestOrientated::TypeInfo = {
     {"Lambert Conic Conformal (West Orientated)"},
     nullptr,
     &CKvLambertWestOrientated::Problem,
+    {"WEST", "NORTH"},
 };

@@ -197,7 +197,7 @@ const CKvMapProjData::STypeInfo CKvModifiedAzimuthalEquidistant::TypeInfo = {
     },
     "Default Modified Azimuthal Equidistant",
     "CC",
-    {138.16874444444444, 9.546708333333333, 40000.0, 60000.0},
+    {138.168744444, 9.546708333, 40000.0, 60000.0}, // Yap to 1e-9 degree
     9832,
     nullptr,
     {"Modified Azimuthal Equidistant", "Modified_Azimuthal_Equidistant"},

@@ -472,16 +472,15 @@ TEST(Cli, ReadsPrjFilesByTheRegistryAndSaysWhyItRefusesOne)
 
     // A method the library lacks: the file and the reason, exit status 2.
     kvtest::WriteFile(dir.File("parcels.prj"),
-                      "PROJCS[\"SIRGAS_2000_Brazil_Polyconic\",GEOGCS[\"GCS_SIRGAS_2000\",DATUM[\"D_SIRGAS_2000\","
-                      "SPHEROID[\"GRS_1980\",6378137.0,298.257222101]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\","
-                      "0.0174532925199433]],PROJECTION[\"Polyconic\"],PARAMETER[\"False_Easting\",5000000.0],"
-                      "PARAMETER[\"False_Northing\",10000000.0],PARAMETER[\"Central_Meridian\",-54.0],"
-                      "PARAMETER[\"Latitude_Of_Origin\",0.0],UNIT[\"Meter\",1.0]]");
+                      "PROJCS[\"World_Aitoff\",GEOGCS[\"GCS_WGS_1984\",DATUM[\"D_WGS_1984\","
+                      "SPHEROID[\"WGS_1984\",6378137.0,298.257223563]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\","
+                      "0.0174532925199433]],PROJECTION[\"Aitoff\"],PARAMETER[\"False_Easting\",0.0],"
+                      "PARAMETER[\"False_Northing\",0.0],PARAMETER[\"Central_Meridian\",0.0],UNIT[\"Meter\",1.0]]");
     const SRun refused = Kvcart(dir, {"transform", "LONG/LAT", "@parcels.prj"}, std::string("1 1\n"));
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(refused.out, "");
     EXPECT_EQ(refused.err.substr(0, refused.err.find('\n')),
-              "kvcart: parcels.prj: projection \"Polyconic\" is not supported");
+              "kvcart: parcels.prj: projection \"Aitoff\" is not supported");
 }
 
 // GDAL's .prj of EPSG:3857 (OGC WKT 1 with its spherical PROJ4 EXTENSION): Web

@@ -79,6 +79,16 @@ std::string ReasonKind(const std::string& reason)
     return colon == std::string::npos ? reason : reason.substr(0, colon);
 }
 
+// Texts PROJ 9.1 computes otherwise than the registry defines their method,
+// whose registry figures the library gives (checked against the method's
+// worked example in tests/data/method_vectors_*.txt): not compared with PROJ.
+bool ProjDiffersFromTheRegistry(int code)
+{
+    // The Belgian Lambert (EPSG method 9803): PROJ drops the grid's 29.2985"
+    // turn, 745 m at IOGP Guidance Note 7-2's example.
+    return code == 31300;
+}
+
 const char* FormName(int form)
 {
     return form == 0 ? "ESRI" : "OGC";
@@ -89,7 +99,7 @@ const char* FormName(int form)
 TEST(EpsgCorpus, EpsgReadingGivesProjsCoordinatesOrSaysWhy)
 {
     const Reading reading(true);
-    int right = 0, refused = 0, wrong = 0, compared = 0;
+    int right = 0, refused = 0, wrong = 0, compared = 0, projDiffers = 0;
     std::map<std::string, int> reasons;
     for (const kvtest::EpsgSystem& s : Corpus().systems) {
         for (int form = 0; form < 2; ++form) {
@@ -103,6 +113,10 @@ TEST(EpsgCorpus, EpsgReadingGivesProjsCoordinatesOrSaysWhy)
                 ++reasons[ReasonKind(system.GetMessage())];
                 continue;
             }
+            if (ProjDiffersFromTheRegistry(s.code)) {
+                ++projDiffers;
+                continue;
+            }
             const double worst = WorstDifference(system, text, form, compared);
             if (worst <= kTolerance) {
                 ++right;
@@ -114,15 +128,18 @@ TEST(EpsgCorpus, EpsgReadingGivesProjsCoordinatesOrSaysWhy)
                           << text.wkt;
         }
     }
-    std::printf("EPSG reading: %d texts right to 1 mm, %d refused, %d wrong; %d points compared\n", right, refused,
-                wrong, compared);
+    std::printf("EPSG reading: %d texts right to 1 mm, %d refused, %d wrong, %d where PROJ differs from the "
+                "registry; %d points compared\n",
+                right, refused, wrong, projDiffers, compared);
     for (const auto& [reason, count] : reasons)
         std::printf("  refused %5d  %s\n", count, reason.c_str());
     EXPECT_EQ(wrong, 0);
     // What the library reads today (both texts of EPSG:3857 among them, as Web
-    // Mercator): a method added may raise these, none may lower them.
-    EXPECT_GE(right, 10118);
-    EXPECT_LE(refused, 109);
+    // Mercator, and the methods described by their descriptor): a method added
+    // may raise these, none may lower them.
+    EXPECT_GE(right, 10224);
+    EXPECT_LE(refused, 1);
+    EXPECT_EQ(projDiffers, 2);
 }
 
 TEST(EpsgCorpus, EstablishedReadingReportsEveryDifference)
@@ -141,7 +158,7 @@ TEST(EpsgCorpus, EstablishedReadingReportsEveryDifference)
                 EXPECT_FALSE(system.GetMessage().empty()) << "EPSG:" << s.code << " " << FormName(form);
                 continue;
             }
-            if (WorstDifference(system, text, form, compared) <= kTolerance) {
+            if (ProjDiffersFromTheRegistry(s.code) || WorstDifference(system, text, form, compared) <= kTolerance) {
                 ++right;
                 continue;
             }
@@ -161,6 +178,6 @@ TEST(EpsgCorpus, EstablishedReadingReportsEveryDifference)
     for (const auto& [warning, count] : warnings)
         std::printf("  warned %5d  %s\n", count, warning.c_str());
     EXPECT_EQ(silent, 0);
-    EXPECT_GE(right, 10044); // ESRI's text of EPSG:3857 among them
-    EXPECT_LE(refused, 109);
+    EXPECT_GE(right, 10152); // ESRI's text of EPSG:3857 among them
+    EXPECT_LE(refused, 1);
 }

@@ -231,11 +231,10 @@ TEST(EpsgReading, RefusedTextsAndNamesSayWhy)
         std::string text;
         const char* reason;
     } cases[] = {
-        {std::string("PROJCS[\"SIRGAS_2000_Brazil_Polyconic\",") + kGeogcsWgs84Esri +
-             ",PROJECTION[\"Polyconic\"],PARAMETER[\"False_Easting\",5000000.0],PARAMETER[\"False_"
-             "Northing\",10000000.0],PARAMETER[\"Central_Meridian\",-54.0],PARAMETER[\"Latitude_Of_Origin\",0.0],"
-             "UNIT[\"Meter\",1.0]]",
-         "projection \"Polyconic\" is not supported"},
+        {std::string("PROJCS[\"World_Aitoff\",") + kGeogcsWgs84Esri +
+             ",PROJECTION[\"Aitoff\"],PARAMETER[\"False_Easting\",0.0],PARAMETER[\"False_Northing\",0.0],"
+             "PARAMETER[\"Central_Meridian\",0.0],UNIT[\"Meter\",1.0]]",
+         "projection \"Aitoff\" is not supported"},
         {std::string("PROJCS[\"WGS_1984_Web_Mercator_Auxiliary_Sphere\",") + kGeogcsWgs84Esri +
              ",PROJECTION[\"Mercator_Auxiliary_Sphere\"],PARAMETER[\"False_Easting\",0.0],PARAMETER[\"False_"
              "Northing\",0.0],PARAMETER[\"Central_Meridian\",0.0],PARAMETER[\"Standard_Parallel_1\",0.0],"

@@ -206,11 +206,12 @@ TEST_F(EpsgRegistryTest, UnknownAndRefusedCodesSayWhy)
     EXPECT_EQ(CKvMapProjection::GetLastMessage(), none.GetMessage());
     EXPECT_STREQ(none.GetProjectionString(), "");
 
-    // A method the registry uses that the library does not have yet.
-    CKvMapProjection modified("EPSG:5515");
-    EXPECT_EQ(modified.GetProjection(), nullptr);
-    EXPECT_NE(modified.GetMessage().find("EPSG:5515 (S-JTSK/05 / Modified Krovak)"), std::string::npos)
-        << modified.GetMessage();
+    // A method the registry uses that the library does not have.
+    CKvMapProjection aitoff("ESRI:54043");
+    EXPECT_EQ(aitoff.GetProjection(), nullptr);
+    EXPECT_NE(aitoff.GetMessage().find("ESRI:54043 (World_Aitoff)"), std::string::npos) << aitoff.GetMessage();
+    EXPECT_NE(aitoff.GetMessage().find("projection \"Aitoff\" is not supported"), std::string::npos)
+        << aitoff.GetMessage();
 
     // A bare code, or a registry name, suggests the registry's system.
     // (A system the catalogue holds is suggested by its catalogue name.)

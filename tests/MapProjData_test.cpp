@@ -370,7 +370,7 @@ TEST(KvPRJParser, RecordDefaultsNamesAndAxes)
     EXPECT_EQ(record.LookUpProjectionName("Gauss_Kruger"), CKvMapProjData::eTransverseMercator);
     EXPECT_EQ(record.LookUpProjectionName("Mercator"), CKvMapProjData::eMercator2SP);
     EXPECT_EQ(record.LookUpProjectionName("Non_Projected"), CKvMapProjData::eNonProjected);
-    EXPECT_EQ(record.LookUpProjectionName("Robinson"), CKvMapProjData::eNoProjection);
+    EXPECT_EQ(record.LookUpProjectionName("Aitoff"), CKvMapProjData::eNoProjection);
 
     const CString wkt("PROJCS[\"RD New\",GEOGCS[\"Amersfoort\",DATUM[\"D_Amersfoort\"]]]");
     EXPECT_EQ(CKvPRJParser::GetName(wkt, "PROJCS"), "RD New");

@@ -299,6 +299,13 @@ TEST(OgcWkt, RegistryCodesWriteTheirSystem)
             const kvtest::EpsgReading reading(true);
             writtenByText = CKvOgcWktWriter::WriteSystem(ogc.wkt, byText, reasonText);
         }
+        // EPSG:4087's registry method is the ellipsoidal equidistant cylindrical,
+        // which OGC WKT 1 cannot name (GDAL's text says "Equirectangular", the
+        // spherical form): its code is refused with that reason.
+        if (!writtenByCode && writtenByText && reasonCode.find("has no name in OGC WKT 1") != std::string::npos) {
+            EXPECT_EQ(s.code, 4087) << reasonCode;
+            continue;
+        }
         EXPECT_EQ(writtenByCode, writtenByText) << code << ": " << reasonCode << " / " << reasonText;
         if (!writtenByCode || !writtenByText)
             continue;

@@ -140,7 +140,7 @@ TEST(PrjParse, GeographicAndProjectedRecords)
     for (const std::string& text :
          {Projcs("Transverse_Mercator", kTmParameters, ""),
           std::string("GEOGCS[\"G\",DATUM[\"D\",SPHEROID[\"S\",6378137,298]],PRIMEM[\"Greenwich\",0]]"),
-          Projcs("Polyconic", kTmParameters),
+          Projcs("Aitoff", kTmParameters),
           Projcs("Transverse_Mercator", Param("False_Easting", 0) + Param("False_Northing", 0) +
                                             Param("Central_Meridian", 9) + Param("Scale_Factor", 1))}) {
         CKvPRJParser parser(text.c_str());

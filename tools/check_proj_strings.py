@@ -81,7 +81,10 @@ def main():
         pts = points.get(code, [])
         if code not in epsg_cache:
             crs = pyproj.CRS.from_epsg(code)
-            epsg_cache[code] = [east_north(crs, p) for p in project(crs, pts)]
+            try:
+                epsg_cache[code] = [east_north(crs, p) for p in project(crs, pts)]
+            except pyproj.exceptions.ProjError:  # a method PROJ computes nothing for
+                epsg_cache[code] = [(math.nan, math.nan)] * len(pts)
         try:
             crs = pyproj.CRS.from_proj4(string)
             mine = [east_north(crs, p) for p in project(crs, pts)]

@@ -94,7 +94,45 @@ LIBRARY_READS = {
     "Bonne (South Orientated)",
     "Tunisia Mining Grid",
     "Lambert Conic Near-Conformal",
+    "Guam Projection",
 }
+
+
+# Systems the library computes as the registry defines them where PROJ 9.1
+# does otherwise: no reference vectors from PROJ (their methods' worked
+# examples check them, tests/Methods_test.cpp), and the text the library reads
+# names the registry's method.
+PROJ_DIFFERS = {
+    # PROJ drops the Belgian Lambert's 29.2985" turn of the grid (745 m at the
+    # guidance note's example, which the library reproduces).
+    ("EPSG", 31300): None,
+    # EPSG method 1028 measures northings along the ellipsoid's meridian; PROJ's
+    # eqc, and GDAL's "Equirectangular" text, are the sphere of the semi-major
+    # axis (16.8 km apart at the poles). The text names ESRI's ellipsoidal form.
+    ("EPSG", 4087): ('PROJECTION["Equirectangular"]', 'PROJECTION["Equidistant_Cylindrical_Ellipsoidal"]'),
+}
+
+# Texts for systems GDAL writes no WKT 1 for, in GDAL's style with the
+# registry's parameter names; kept only where PROJ reads them as the code.
+HAND_TEXTS = {
+    ("EPSG", 3139): (4748, 'PROJECTION["Hyperbolic_Cassini_Soldner"],PARAMETER["Latitude of natural origin",-16.25],'
+                           'PARAMETER["Longitude of natural origin",179.333333333333],'
+                           'PARAMETER["False easting",1251331.8],PARAMETER["False northing",1662888.5],'
+                           'UNIT["link",0.201168],AXIS["Northing",NORTH],AXIS["Easting",EAST]]'),
+    ("EPSG", 3993): (4675, 'PROJECTION["Guam_Projection"],PARAMETER["Latitude of natural origin",13.4724663527778],'
+                           'PARAMETER["Longitude of natural origin",144.748750705556],'
+                           'PARAMETER["False easting",50000],PARAMETER["False northing",50000],'
+                           'UNIT["metre",1],AXIS["Easting",EAST],AXIS["Northing",NORTH]]'),
+}
+
+
+def axis_nodes(crs):
+    """The AXIS nodes of a projected system's own axis order."""
+    nodes = []
+    for axis in crs.axis_info:
+        direction = axis.direction.upper()
+        nodes.append('AXIS["%s",%s]' % (axis.name, direction))
+    return ",".join(nodes)
 
 
 def datum_key(name):
@@ -181,6 +219,11 @@ def one_system(job):
             wkt, why = gdal_text(code, options)
             if wkt is not None:
                 candidates.append(wkt)
+        if not candidates and (auth, int(code)) in HAND_TEXTS:
+            geographic_code, tail = HAND_TEXTS[(auth, int(code))]
+            geogcs_text, _ = gdal_text(geographic_code, ["FORMAT=WKT1"])
+            if geogcs_text is not None:
+                candidates.append('PROJCS["%s",%s,%s' % (crs.name, geogcs_text, tail))
     else:
         candidates = [crs.to_wkt("WKT1_ESRI")]
     if geographic:
@@ -213,14 +256,22 @@ def one_system(job):
             # The library reads the text as the registry's method: checked
             # against PROJ's figures for the code where PROJ computes them,
             # else by the method's worked example (tests/Methods_test.cpp).
+            # An ESRI text has no AXIS nodes: the registry's order is added.
             reason = ""
             if not computed:
                 expected = [(math.nan, math.nan)] * len(local)
+            if "AXIS[" not in chosen and not geographic:
+                chosen = chosen[:-1] + "," + axis_nodes(crs) + "]"
         else:
             reason = ("its WKT 1 text does not say what the registry says (PROJ computes other coordinates "
                       "from it)" if computed
                       else "the method %s is not supported (PROJ %s computes nothing for it either)"
                       % (method, pyproj.proj_version_str))
+    if (auth, int(code)) in PROJ_DIFFERS:
+        expected = [(math.nan, math.nan)] * len(local)
+        rename = PROJ_DIFFERS[(auth, int(code))]
+        if rename is not None:
+            chosen = chosen.replace(rename[0], rename[1])
     if (auth, int(code)) in NOT_REPRODUCED and not reason:
         reason = NOT_REPRODUCED[(auth, int(code))]
     text = TOWGS84.sub("", AUTHORITY.sub("", chosen))

@@ -90,6 +90,9 @@ TABLE = {
     "lambert_azimuthal_equal_area": 17, "cassini": 18, "cassini_soldner": 18, "equidistant_conic": 19,
     "non_projected": 21, "rectified_skew_orthomorphic_center": 8,
     "mercator_auxiliary_sphere": 24, "popular_visualisation_pseudo_mercator": 24,
+    # Methods described by their descriptor (types 25 onwards) that the corpus holds.
+    "cylindrical_equal_area": 34, "equirectangular": 35, "equidistant_cylindrical": 35, "plate_carree": 35,
+    "polyconic": 36,
 }
 
 

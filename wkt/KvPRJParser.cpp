@@ -856,6 +856,24 @@ void CKvPRJParser::_applyReadingRules(const CString& name, const CString& T, con
         m_axisDirection[1] = "NORTH";
     }
 
+    // A described method whose grid runs other ways than east and north (the
+    // modified Krovak's southing and westing, the west-orientated Lambert's
+    // westing): its engine gives those coordinates, and AXIS nodes that name
+    // them, in either order, say only their order.
+    if (CKvMapProjData::IsDescribedMethod(m_type)) {
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(m_type);
+        if (info->engineAxes[0] != nullptr && info->engineAxes[1] != nullptr) {
+            if (SameWord(m_axisDirection[0], info->engineAxes[0]) && SameWord(m_axisDirection[1], info->engineAxes[1])) {
+                m_axisDirection[0] = "EAST";
+                m_axisDirection[1] = "NORTH";
+            } else if (SameWord(m_axisDirection[0], info->engineAxes[1]) &&
+                       SameWord(m_axisDirection[1], info->engineAxes[0])) {
+                m_axisDirection[0] = "NORTH";
+                m_axisDirection[1] = "EAST";
+            }
+        }
+    }
+
     // The south-orientated transverse Mercator (EPSG 9808) counts westing and
     // southing: W = FE - E, S = FN - N.
     if (SameWord(name, "Transverse_Mercator_South_Orientated") &&

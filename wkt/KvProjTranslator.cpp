@@ -198,7 +198,30 @@ std::string CKvProjTranslator::Convert2Proj4(const std::string& text, const doub
         longitude(parser.GetCentralMeridian());
         tail(true, scale);
         break;
-    default: break; // "Non_Projected" has no PROJ.4 name: the figure only
+    default: {
+        // A described method: PROJ's method and the parameters' keys from its
+        // descriptor (a method PROJ cannot compute, like "Non_Projected", has
+        // no PROJ.4 name: the figure only).
+        const CKvMapProjData::EProjectionType type = parser.GetProjectionType();
+        const CKvMapProjData::STypeInfo* info = CKvMapProjData::GetTypeInfo(type);
+        if (!CKvMapProjData::IsDescribedMethod(type) || info->proj == nullptr)
+            break;
+        out.AppendFormat("%s ", info->proj);
+        for (int i = 0; i < info->noOfParameters; ++i) {
+            const CKvMapProjData::SParameter& parameter = info->parameters[i];
+            const double value = parser.GetMethodParameter(i);
+            if (parameter.projKey == nullptr)
+                continue;
+            double written = parameter.fallback;
+            if (value != CKvPRJParser::Undefined)
+                written = parameter.kind == CKvMapProjData::eLength                         ? value * u
+                          : parameter.kind == CKvMapProjData::eAngle && parameter.longitude ? value * k + pm
+                          : parameter.kind == CKvMapProjData::eAngle                        ? value * k
+                                                                                            : value;
+            out.AppendFormat("+%s=%.16g ", parameter.projKey, written);
+        }
+        break;
+    }
     }
 
     out.AppendFormat("+a=%.16g +b=%.16g ", ellipsoid.GetMajor(), ellipsoid.GetMinor());

@@ -160,7 +160,10 @@ CASES = [
     dict(id="eqc-esri54001-plate-carree", crs="ESRI:54001",
          proj="+proj=eqc +lat_ts=0 +lat_0=0 +lon_0=0 +x_0=0 +y_0=0 +ellps=WGS84",
          area=WORLD, edges=[(180, 0), (-180, 0), (0, 90), (0, -90)]),
-    dict(id="eqc-epsg4087-as-proj", crs="EPSG:4087",
+    # GDAL's .prj of EPSG:4087 says "Equirectangular", the spherical form PROJ
+    # computes; the code itself is the registry's ellipsoidal method (type 53,
+    # tools/method_cases/cylindrical.py).
+    dict(id="eqc-epsg4087-gdal-prj", crs='PROJCS["WGS 84 / World Equidistant Cylindrical",GEOGCS["WGS 84",DATUM["WGS_1984",SPHEROID["WGS 84",6378137,298.257223563,AUTHORITY["EPSG","7030"]],AUTHORITY["EPSG","6326"]],PRIMEM["Greenwich",0,AUTHORITY["EPSG","8901"]],UNIT["degree",0.0174532925199433,AUTHORITY["EPSG","9122"]],AUTHORITY["EPSG","4326"]],PROJECTION["Equirectangular"],PARAMETER["standard_parallel_1",0],PARAMETER["central_meridian",0],PARAMETER["false_easting",0],PARAMETER["false_northing",0],UNIT["metre",1,AUTHORITY["EPSG","9001"]],AXIS["Easting",EAST],AXIS["Northing",NORTH],AUTHORITY["EPSG","4087"]]',
          proj="+proj=eqc +lat_ts=0 +lat_0=0 +lon_0=0 +x_0=0 +y_0=0 +ellps=WGS84",
          area=WORLD, edges=[(180, 0), (-180, 0), (0, 90), (0, -90)]),
     dict(id="eqc-gdal-intl-origin",
