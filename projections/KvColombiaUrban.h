@@ -42,6 +42,8 @@ private:
     double m_lon0, m_lat0; // the origin in degrees, as given
     double m_lambda0, m_phi0, m_FE, m_FN, m_h0;
     double m_rho0, m_A, m_B, m_C, m_D;
+    double m_sin0, m_cos0; // of phi0
+    double m_q;            // h0 / (a (1 - e^2)): G = 1 + q w^(3/2), w = 1 - e^2 sin^2(phiM)
     bool m_valid;
 };
 
