@@ -15,7 +15,7 @@ constexpr double kCy = 1.3265004281770023;  // 2 sqrt(pi / (4 + pi))
 // theta / phi for |phi| <= asin 0.9 as a polynomial in x = phi^2 kStartScale - 1
 // (see CKvEckertIV::_theta).
 constexpr double kStartScale = 1.595044176408236; // 2 / asin^2 0.9
-constexpr double kStart[8] = {0.9124649114277298,    0.021471297405409765,  0.0018882030238419334,
+constexpr double kStart[8] = {0.9124649114277298,     0.021471297405409765,  0.0018882030238419334,
                               0.00020478095460144675, 2.489619547352273e-05, 3.2480422483160966e-06,
                               4.634059323826989e-07,  6.602212874184944e-08};
 

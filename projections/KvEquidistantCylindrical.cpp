@@ -37,6 +37,9 @@ CKvEquidistantCylindrical::CKvEquidistantCylindrical(const std::string& name, co
     const bool usable = a > 0.0 && std::isfinite(a) && _e2() < 1.0 && Problem(parameters).empty();
     const double phi1 = parameters[1] * kDeg;
     m_R = a;
+    // On a sphere the meridian distance is R phi in either form, with no series
+    // to sum or invert.
+    m_byRadius = form == eSpherical || _e2() == 0.0;
     m_meridian = CKvConformalLatitude::MakeMeridian(a, form == eEllipsoidal ? _e2() : 0.0);
     double perRadian = a * std::cos(phi1);
     if (form == eEllipsoidal) {
@@ -51,7 +54,7 @@ CKvEquidistantCylindrical::CKvEquidistantCylindrical(const std::string& name, co
 
 double CKvEquidistantCylindrical::_northing(double phi) const
 {
-    if (m_form == eSpherical)
+    if (m_byRadius)
         return m_R * phi - m_originNorthing;
     return CKvConformalLatitude::MeridianDistance(m_meridian, phi) - m_originNorthing;
 }
@@ -75,8 +78,7 @@ void CKvEquidistantCylindrical::Proj2Geo(double x, double y, double* lon, double
     // Beyond the map's width or the poles' northing there is no point.
     if (!(std::fabs(dLon) <= 180.0 + 1e-9) || !(std::fabs(distance) <= pole * (1.0 + 1e-15)))
         return;
-    const double phi = m_form == eSpherical ? distance / m_R
-                                            : CKvConformalLatitude::MeridianLatitude(m_meridian, distance);
+    const double phi = m_byRadius ? distance / m_R : CKvConformalLatitude::MeridianLatitude(m_meridian, distance);
     *lat = std::fmax(-90.0, std::fmin(90.0, phi / kDeg));
     *lon = CKvAngle::InverseLongitudeDegrees(dLon + m_lon0);
 }

@@ -69,6 +69,7 @@ private:
     double _northing(double phi) const;
 
     EForm m_form;
+    bool m_byRadius; // the northing R phi: the spherical form, or a sphere
     double m_lon0, m_lat0, m_FE, m_FN;
     double m_xPerDegree; // the standard parallel's length per degree (NaN: no map)
     double m_R;          // the sphere's radius (spherical form)
