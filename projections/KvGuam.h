@@ -16,9 +16,10 @@
 // e^2 sin^2 phi)), which has no tangent to overflow at the poles. The inverse is
 // the note's fixed-point iteration on the latitude,
 //   M = M0 + (N - FN) - (E - FE)^2 tan phi sqrt(1 - e^2 sin^2 phi) / (2a),
-// from phi = phi0, carried on until it settles (the note stops after three
-// steps, which is the same point to well under a millimetre on Guam) so that
-// the inverse is that of the forward; then
+// whose root is solved here by Newton's method from the footpoint latitude of
+// the northing (two steps on Guam, to round-off, where the note's three
+// fixed-point steps from phi0 reach well under a millimetre) so that the
+// inverse is that of the forward; then
 //   lambda = lambda0 + (E - FE) sqrt(1 - e^2 sin^2 phi) / (a cos phi).
 class CKvGuam : public CKvEngine<CKvGuam, CKvMethodProjection<CKvGuam>>
 {
@@ -34,8 +35,9 @@ public:
     using CKvProjection::Geo2Proj;
     using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
-    // NaN where the iteration does not settle or leads beyond a pole or beyond
-    // 180 degrees from the central meridian.
+    // NaN where the latitude is none (a northing beyond the pole on the central
+    // meridian) or the point lies on a pole or beyond 180 degrees from the
+    // central meridian.
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     void GetOrigin(double* x, double* y) const override;
     // From the meridian's direction on the map; degrees, grid north to true north.
@@ -46,6 +48,7 @@ public:
 private:
     double m_lon0, m_lat0, m_FE, m_FN;
     double m_M0; // NaN: no map
+    double m_Mp; // the quarter meridian
     CKvConformalLatitude::SMeridian m_meridian;
 };
 
