@@ -46,16 +46,20 @@ void CKvBonneCore::Forward(double phi, double dLambda, double* x, double* y) con
 bool CKvBonneCore::Inverse(double x, double y, double* phi, double* dLambda) const
 {
     const double dy = m_C - y;
-    const double rho = m_sign * std::hypot(x, dy);
+    // x^2 + dy^2 overflows only for grid points far beyond the map, which the
+    // meridian distance's check below refuses all the same.
+    const double rho = m_sign * std::sqrt(x * x + dy * dy);
     const double M = m_C + m_M0 - rho;
     if (!(std::fabs(M) <= m_Mp * (1.0 + 1e-15))) {
         *phi = *dLambda = std::nan("");
         return false;
     }
-    const double p = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, CKvConformalLatitude::MeridianLatitude(m_meridian, M)));
+    // On the sphere M = a phi: the latitude needs no footpoint series.
+    const double footpoint = m_e2 == 0.0 ? M / m_a : CKvConformalLatitude::MeridianLatitude(m_meridian, M);
+    const double p = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, footpoint));
     double s, c;
     CKvMathKernel::SinCosAny(p, s, c);
-    const double am = m_a * c / std::sqrt(1.0 - m_e2 * s * s);
+    const double am = m_e2 == 0.0 ? m_a * c : m_a * c / std::sqrt(1.0 - m_e2 * s * s);
     double d = 0.0;
     // On a pole (m = 0) every longitude is the point: the central meridian's.
     if (std::fabs(M) < m_Mp * (1.0 - 1e-15)) {
