@@ -121,7 +121,7 @@ const CKvMapProjData::STypeInfo CKvCylindricalEqualArea::TypeInfo = {
     {0.0, 0.0, 0.0, 0.0},
     9835,
     "Cylindrical_Equal_Area",
-    {"Lambert Cylindrical Equal Area", "Lambert_Cylindrical_Equal_Area"},
+    {"Lambert Cylindrical Equal Area", "Lambert_Cylindrical_Equal_Area", "Behrmann"},
     "+proj=cea",
     &Problem,
 };

@@ -91,7 +91,7 @@ TABLE = {
     "non_projected": 21, "rectified_skew_orthomorphic_center": 8,
     "mercator_auxiliary_sphere": 24, "popular_visualisation_pseudo_mercator": 24,
     # Methods described by their descriptor (types 25 onwards) that the corpus holds.
-    "cylindrical_equal_area": 34, "equirectangular": 35, "equidistant_cylindrical": 35, "plate_carree": 35,
+    "cylindrical_equal_area": 34, "behrmann": 34, "equirectangular": 35, "equidistant_cylindrical": 35, "plate_carree": 35,
     "polyconic": 36,
 }
 

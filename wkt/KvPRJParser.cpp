@@ -565,6 +565,13 @@ void CKvPRJParser::_readMethodParameters(const CString& P, const std::string& lo
         for (const char* name : parameter.wktNames)
             if (name != nullptr && (found = FindParam(P, lowerP, name, value)))
                 break;
+        // ESRI's Behrmann is the cylindrical equal-area map whose true-scale
+        // parallel is 30 degrees; ESRI writes it with or without that parallel.
+        if (!found && m_type == CKvMapProjData::eCylindricalEqualArea && LowerCase(m_typeName.GetStdString()) == "behrmann" &&
+            std::strcmp(parameter.wktNames[0], "Standard_Parallel_1") == 0) {
+            value = 30.0 * (kDegree / m_angularUnit);
+            found = true;
+        }
         if (!found && !std::isnan(parameter.fallback))
             value = parameter.fallback; // in degrees or metres: kept so below
         else if (!found)

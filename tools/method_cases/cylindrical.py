@@ -9,7 +9,14 @@ WGS84_TEXT = ('PROJCS["WGS_1984_World_Equidistant_Cylindrical",GEOGCS["GCS_WGS_1
               'UNIT["Degree",0.0174532925199433]],PROJECTION["Equidistant_Cylindrical_Ellipsoidal"],'
               'PARAMETER["False_Easting",0.0],PARAMETER["False_Northing",0.0],PARAMETER["Central_Meridian",0.0],'
               'PARAMETER["Standard_Parallel_1",0.0],UNIT["Meter",1.0]]')
+# ESRI's Behrmann: the cylindrical equal-area map of the parallel 30 degrees,
+# written without that parallel (ESRI:54017) or with it (ESRI's text of
+# EPSG:6933, EASE-Grid 2.0, which the corpus holds).
 CASES = [
+    dict(id="behrmann-esri54017", crs="ESRI:54017",
+         proj="+proj=cea +lat_ts=30 +lon_0=0 +x_0=0 +y_0=0 +ellps=WGS84",
+         area=(-180, -90, 180, 90), tol=0.002,
+         edges=[(179.9999999, 0), (-179.9999999, 45), (0, 89.99)]),
     dict(id="eqc-ellipsoidal-wgs84", crs=WGS84_TEXT, proj=None,
          area=(-180, -90, 180, 90),
          examples=[(10.0, 55.0, 1113194.91, 6097230.31, "IOGP GN 7-2 Equidistant Cylindrical (EPSG:4087)"),
