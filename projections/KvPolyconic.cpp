@@ -11,6 +11,9 @@ constexpr double kDeg = kPi / 180.0;
 // round-off in a handful of steps over the map; kept within a bracket, it
 // settles in all cases well within the bound, which ends every call.
 constexpr int kMaxSteps = 100;
+// A Newton step below this leaves an error of about its square times
+// |h''| / 2h', far below round-off.
+constexpr double kSettled = 1e-11;
 // Below this size of L = (lambda - lambda0) sin phi the ratios sin L / sin phi
 // and (1 - cos L) / sin phi are taken from their series (sin phi may be of any
 // smallness, down to 0 on the equator); the first term left out is L^6 / 5040.
@@ -97,52 +100,74 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
     }
     const double e2 = _e2(), a = _a();
     const double X2 = X * X;
-    // The footpoint latitude of the northing, kept on the ellipsoid. h is
+    // The latitude is a root of h = sin phi (x^2 + y'^2) - 2 nu cos phi y', with
+    // y' = Y - M(phi): the point on its parallel's circle. h is
     // -(x^2 + (Y + Mp)^2) <= 0 at the south pole and x^2 + (Y - Mp)^2 >= 0 at the
-    // north pole, so the poles bracket a root; a Newton step that would leave
-    // the bracket (from near a pole, where h is flat) is a bisection instead.
-    double phi = CKvConformalLatitude::MeridianLatitude(m_meridian, Y);
+    // north pole, so the poles bracket a root. Newton's method from the
+    // footpoint latitude of the northing (the series alone: its 1e-10 rad are
+    // nothing beside the distance to the root), three or four steps over the
+    // map; a Newton step that would leave the bracket (from near a pole, where
+    // h is flat) is a bisection instead.
+    const bool sphere = e2 == 0.0;
+    double phi = sphere ? Y / a : CKvConformalLatitude::FootpointLatitude(m_meridian, Y);
     phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
     double lo = -kPi / 2.0, hi = kPi / 2.0;
-    bool settled = false;
+    bool newton = false, bisected = false;
     double s = 0.0, c = 1.0, nu = a, yp = 0.0;
     for (int i = 0; i < kMaxSteps; ++i) {
         CKvMathKernel::SinCosAny(phi, s, c);
-        const double w2 = 1.0 - e2 * s * s;
-        nu = a / std::sqrt(w2);
-        const double rho = nu * (1.0 - e2) / w2;
-        const double dNu = nu * e2 * s * c / w2;
-        yp = Y - CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
+        // nu, the meridian's radius of curvature rho = dM/dphi and dnu/dphi; on
+        // the sphere a, a and 0, and M = a phi.
+        double rho = a, dNu = 0.0;
+        if (sphere) {
+            yp = Y - a * phi;
+        } else {
+            const double w2 = 1.0 - e2 * s * s;
+            nu = a / std::sqrt(w2);
+            rho = nu * (1.0 - e2) / w2;
+            dNu = nu * e2 * s * c / w2;
+            yp = Y - CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
+        }
         const double r2 = X2 + yp * yp;
         const double h = s * r2 - 2.0 * nu * c * yp;
-        if (h == 0.0) {
-            settled = true;
+        const double dh = c * r2 - 2.0 * s * yp * rho - 2.0 * (dNu * c - nu * s) * yp + 2.0 * nu * c * rho;
+        const double step = -h / dh;
+        if (std::fabs(step) < kSettled) {
+            // Taken whole, even where it rounds to nothing or onto the
+            // bracket's end (a bisection there would throw the root away), with
+            // sin phi, cos phi, nu and y' carried along it to first order.
+            phi += step;
+            const double s1 = s + c * step;
+            c -= s * step;
+            s = s1;
+            nu += dNu * step;
+            yp -= rho * step;
+            newton = true;
             break;
         }
         if (h < 0.0)
             lo = phi;
         else
             hi = phi;
-        const double dh = c * r2 - 2.0 * s * yp * rho - 2.0 * (dNu * c - nu * s) * yp + 2.0 * nu * c * rho;
-        double next = phi - h / dh;
-        if (!(next > lo && next < hi))
-            next = 0.5 * (lo + hi);
-        const double step = next - phi;
-        phi = next;
-        if (!(std::fabs(step) >= 1e-14) || hi - lo < 1e-14) {
-            settled = true;
+        const double next = phi + step;
+        phi = next > lo && next < hi ? next : 0.5 * (lo + hi);
+        if (hi - lo < kSettled) {
+            bisected = true;
             break;
         }
     }
-    if (!settled) {
+    if (!newton && !bisected) {
         *lon = *lat = std::nan("");
         return;
     }
     phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
-    CKvMathKernel::SinCosAny(phi, s, c);
-    nu = a / std::sqrt(1.0 - e2 * s * s);
-    yp = Y - CKvConformalLatitude::MeridianDistance(m_meridian, phi);
-    // sin L and cos L in proportion, both multiplied by nu cos phi > 0.
+    if (bisected) {
+        CKvMathKernel::SinCosAny(phi, s, c);
+        nu = a / std::sqrt(1.0 - e2 * s * s);
+        yp = Y - CKvConformalLatitude::MeridianDistance(m_meridian, phi);
+    }
+    // sin L and cos L in proportion, both multiplied by nu cos phi > 0. On the
+    // root (X, y') lies on the parallel's circle, and L is its angle there.
     const double L = std::atan2(X * s, nu * c - yp * s);
     const double dLambda = std::fabs(s) > 1e-100 ? L / s : X / (nu * c - yp * s);
     if (!(std::fabs(dLambda) <= kPi * (1.0 + 1e-12))) {
@@ -151,12 +176,16 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
     }
     // A root of h is on the circle of its parallel, not necessarily within the
     // arc of the map (a grid point beyond the map still has roots, at the
-    // poles' side): the point must give the grid point back.
-    double gx, gy;
-    _grid(phi, dLambda, &gx, &gy, nullptr, nullptr);
-    if (!(std::hypot(gx - X, gy - (Y - m_M0)) <= 1e-5)) {
-        *lon = *lat = std::nan("");
-        return;
+    // poles' side): those have |lambda - lambda0| beyond pi, refused above.
+    // Newton's settled root gives the grid point back to its rounding; one
+    // found by bisection (h flat or folded there) is checked.
+    if (bisected) {
+        double gx, gy;
+        _grid(phi, dLambda, &gx, &gy, nullptr, nullptr);
+        if (!(std::hypot(gx - X, gy - (Y - m_M0)) <= 1e-5)) {
+            *lon = *lat = std::nan("");
+            return;
+        }
     }
     *lat = phi / kDeg;
     *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + dLambda / kDeg);
