@@ -1,7 +1,8 @@
 // The methods described by their descriptor, in nanoseconds per point, forward
 // and inverse, beside PROJ's proj_trans on the same points: every case of the
 // reference files tests/data/method_vectors_*.txt, on the points PROJ computed
-// for it (its forward grid over the area).
+// for it (its forward grid over the area), or on its worked examples where PROJ
+// has no such method.
 #include "catalogue/KvCartSetup.h"
 #include "coordsys/KvMapProjection.h"
 #include "projections/KvProjection.h"
@@ -65,7 +66,10 @@ std::vector<MethodCase>& Cases()
                     all.back().crs = f[1];
                 } else if (!all.empty() && f.size() == 2 && f[0] == "PROJ") {
                     all.back().proj = f[1] == "-" ? std::string() : f[1];
-                } else if (!all.empty() && f.size() == 6 && f[0] == "F" && f[3] != "nan") {
+                } else if (!all.empty() && ((f.size() == 6 && f[0] == "F" && f[3] != "nan") ||
+                                            (f.size() == 7 && f[0] == "X" && all.back().proj.empty()))) {
+                    // PROJ's points, or for a method PROJ has none of, the
+                    // worked examples.
                     MethodCase& c = all.back();
                     c.lon.push_back(std::strtod(f[1].c_str(), nullptr));
                     c.lat.push_back(std::strtod(f[2].c_str(), nullptr));
