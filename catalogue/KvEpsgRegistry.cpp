@@ -160,19 +160,28 @@ std::string CKvEpsgRegistry::GetPath() const
     std::lock_guard<std::mutex> lock(m_mutex);
     if (!m_explicitPath.empty())
         return m_explicitPath;
-    return CKvCartSetup::Instance()->GetSystemDirectory() + kFileName;
+    const std::string& directory = CKvCartSetup::Instance()->GetSystemDirectory();
+    return directory.empty() ? std::string() : directory + kFileName;
 }
 
 std::shared_ptr<const CKvEpsgRegistry::SData> CKvEpsgRegistry::_data() const
 {
     std::lock_guard<std::mutex> lock(m_mutex);
+    // Without a catalogue directory there is no registry: a file of its name in
+    // whatever the working directory is would be a guess, not the host's data.
+    const std::string& directory = CKvCartSetup::Instance()->GetSystemDirectory();
     const std::string path =
-        !m_explicitPath.empty() ? m_explicitPath : CKvCartSetup::Instance()->GetSystemDirectory() + kFileName;
+        !m_explicitPath.empty() ? m_explicitPath : directory.empty() ? std::string() : directory + kFileName;
     if (m_data && m_data->path == path)
         return m_data;
 
     auto data = std::make_shared<SData>();
     data->path = path;
+    if (path.empty()) {
+        data->error = "no catalogue directory is set (CARTSETUPLINUX was not called): the EPSG registry is not read";
+        m_data = data;
+        return m_data;
+    }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         data->error = "the EPSG registry '" + path + "' cannot be read (is the catalogue directory set?)";

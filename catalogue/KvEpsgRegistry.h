@@ -75,7 +75,8 @@ public:
     std::string GetError() const;
     // The header line of the file that was read: the dataset's version.
     std::string GetVersion() const;
-    // The file that is (or would be) read.
+    // The file that is (or would be) read; empty while no catalogue directory
+    // is set, when no file is read.
     std::string GetPath() const;
 
     // Reads an explicit file instead of the catalogue directory's (tests, tools).

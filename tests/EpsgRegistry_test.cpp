@@ -250,6 +250,31 @@ TEST_F(EpsgRegistryTest, TheEpsgReadingHoldsWhateverTheProcessWideSetting)
     EXPECT_TRUE(lo.GetMessage().empty()) << lo.GetMessage();
 }
 
+// A host that never named its catalogue directory gets no registry at all: a
+// file of the registry's name in the working directory is not read, whatever
+// it holds. (The helper program sets up no catalogue.)
+TEST(EpsgRegistryFile, NoCatalogueDirectoryReadsNoFileOfTheWorkingDirectory)
+{
+    const kvtest::TempDir dir;
+    ASSERT_FALSE(dir.Path().empty());
+    kvtest::WriteFile(dir.File("epsg_registry.txt"),
+                      kvtest::ReadFile(std::string(KVCART_SHIPPED_DATA_DIR) + "epsg_registry.txt"));
+    // ESRI's .prj of EPSG:27700 names its datum without a shift: the registry,
+    // were it read, would add OSGB 1936's.
+    kvtest::WriteFile(dir.File("in.txt"),
+                      "bng\tPROJCS[\"British_National_Grid\",GEOGCS[\"GCS_OSGB_1936\",DATUM[\"D_OSGB_1936\","
+                      "SPHEROID[\"Airy_1830\",6377563.396,299.3249646]],PRIMEM[\"Greenwich\",0.0],UNIT[\"Degree\","
+                      "0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"False_Easting\",400000.0],"
+                      "PARAMETER[\"False_Northing\",-100000.0],PARAMETER[\"Central_Meridian\",-2.0],"
+                      "PARAMETER[\"Scale_Factor\",0.9996012717],PARAMETER[\"Latitude_Of_Origin\",49.0],"
+                      "UNIT[\"Meter\",1.0]]\n");
+    const std::string command = "cd '" + dir.Path() + "' && '" + KVCART_WKT_TRANSLATE + "' --proj < in.txt > out.txt";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const std::string out = kvtest::ReadFile(dir.File("out.txt"));
+    EXPECT_NE(out.find("+proj=tmerc"), std::string::npos) << out;
+    EXPECT_EQ(out.find("+towgs84"), std::string::npos) << out;
+}
+
 TEST(EpsgRegistryFile, AMissingOrDamagedFileIsReportedNotGuessed)
 {
     kvtest::ShippedCatalogue();
