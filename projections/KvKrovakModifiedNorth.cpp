@@ -32,38 +32,30 @@ double CKvKrovakModifiedNorth::GetConvergence(double lon, double lat) const
     return CKvMeridianDirection::Convergence(*this, lon, lat);
 }
 
-const CKvMapProjData::STypeInfo CKvKrovakModifiedNorth::TypeInfo = {
-    CKvMapProjData::eKrovakModifiedNorth,
-    "KROVAK_MODIFIED_NORTH_PROJECTION",
-    nullptr,
-    "Krovak Modified (North Orientated)",
-    "Krovak_Modified_(North_Orientated)",
-    7,
-    {
-        {"Center_Latitude", "Latitude of center:", CKvMapProjData::eAngle, nullptr,
-         {"Latitude of projection centre", nullptr, "latitude_of_center", "Latitude_Of_Center"}, "lat_0", false},
-        {"Center_Longitude", "Longitude of origin:", CKvMapProjData::eAngle, nullptr,
-         {"Longitude of origin", nullptr, "longitude_of_center", "Longitude_Of_Center"}, "lon_0", true},
-        {"Azimuth", "Co-latitude of cone axis:", CKvMapProjData::eAngle, nullptr,
-         {"Co-latitude of cone axis", nullptr, "azimuth", "Azimuth"}, "alpha", false},
-        {"Pseudo_Parallel", "Pseudo standard parallel:", CKvMapProjData::eAngle, nullptr,
-         {"Latitude of pseudo standard parallel", nullptr, "pseudo_standard_parallel_1", "Pseudo_Standard_Parallel_1"},
-         nullptr, false},
-        {"Scale_At_Pseudo_Parallel", "Scale at pseudo parallel:", CKvMapProjData::eDimensionless, nullptr,
-         {"Scale factor on pseudo standard parallel", nullptr, "scale_factor", "Scale_Factor"}, "k", false},
-        {"Feast", "False easting:", CKvMapProjData::eLength, nullptr,
-         {"False easting", nullptr, "false_easting", "False_Easting"}, "x_0", false, 0.0},
-        {"Fnorth", "False northing:", CKvMapProjData::eLength, nullptr,
-         {"False northing", nullptr, "false_northing", "False_Northing"}, "y_0", false, 0.0},
-    },
-    "Default Krovak Modified (North Orientated)",
-    "BR",
-    // S-JTSK/05 / Modified Krovak East North (EPSG:5516).
-    {49.5, 24.8333333333333, 30.2881397222222, 78.5, 0.9999, 5000000.0, 5000000.0},
-    1043,
-    "Krovak_Modified_(North_Orientated)",
-    {"Krovak Modified (North Orientated)"},
-    // PROJ 9.1 has no modified Krovak.
-    nullptr,
-    &CKvKrovakModified::Problem,
-};
+namespace {
+
+// The same parameters as the modified Krovak's, read and written under the same
+// names; only the method's names and its grid's orientation differ.
+CKvMapProjData::STypeInfo NorthOrientated()
+{
+    CKvMapProjData::STypeInfo info = CKvKrovakModified::TypeInfo;
+    info.type = CKvMapProjData::eKrovakModifiedNorth;
+    info.sectionID = "KROVAK_MODIFIED_NORTH_PROJECTION";
+    info.title = "Krovak Modified (North Orientated)";
+    info.wktName = "Krovak_Modified_(North_Orientated)";
+    // S-JTSK/05 / Modified Krovak East North (EPSG:5516), whose parameters are
+    // those of EPSG:5515.
+    info.defaultName = "Default Krovak Modified (North Orientated)";
+    info.epsgMethod = 1043;
+    info.ogcName = "Krovak_Modified_(North_Orientated)";
+    info.otherNames[0] = "Krovak Modified (North Orientated)";
+    // Easting and northing: the grid's own axes are the usual ones.
+    info.engineAxes[0] = info.engineAxes[1] = nullptr;
+    return info;
+}
+
+} // namespace
+
+// Initialised from the modified Krovak's descriptor, which is a constant
+// aggregate and so set before any dynamic initialisation.
+const CKvMapProjData::STypeInfo CKvKrovakModifiedNorth::TypeInfo = NorthOrientated();

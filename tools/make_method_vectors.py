@@ -136,9 +136,9 @@ def main():
         sys.exit("usage: make_method_vectors.py GROUP")
     group = sys.argv[1]
     path = os.path.join(ROOT, "tools", "method_cases", group + ".py")
-    spec = importlib.util.spec_from_file_location("cases_" + group, path)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
+    source = importlib.util.spec_from_file_location("cases_" + group, path)
+    module = importlib.util.module_from_spec(source)
+    source.loader.exec_module(module)
     target = os.path.join(ROOT, "tests", "data", "method_vectors_%s.txt" % group)
     with open(target, "w") as out:
         out.write("# Reference vectors of the projection methods of tools/method_cases/%s.py,\n"
