@@ -2,11 +2,13 @@
 # Installs the Debian packages the build needs, when they are missing.
 # Only the compilers (clang for the fuzz targets), CMake, pkg-config (the install
 # test builds a host with it) and the test/benchmark
-# frameworks: the library itself
+# frameworks, and for the Python package pybind11, numpy and pytest (pyproj is
+# its tests' reference): the library itself
 # depends on the C++ standard library and libm alone.
 set -e
 need=""
-for pkg in g++ cmake make pkgconf libgtest-dev libbenchmark-dev locales clang libclang-rt-14-dev; do
+for pkg in g++ cmake make pkgconf libgtest-dev libbenchmark-dev locales clang libclang-rt-14-dev \
+           pybind11-dev python3-dev python3-numpy python3-pytest python3-pyproj; do
   dpkg -s "$pkg" >/dev/null 2>&1 || need="$need $pkg"
 done
 [ -z "$need" ] && exit 0
