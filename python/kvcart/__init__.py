@@ -164,7 +164,8 @@ def _float_array(value, what):
     kind = array.dtype.kind
     if kind in "biuf":
         return array
-    if kind == "O":
+    if kind == "O" and not any(v is None for v in array.flat):
+        # Numbers held as objects; None would become NaN, and is refused.
         try:
             return array.astype(_np.float64)
         except (TypeError, ValueError):
