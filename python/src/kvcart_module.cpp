@@ -174,7 +174,9 @@ public:
     {
         py::array* arrays[2] = {&x, &y};
         for (py::array* a : arrays) {
-            if (a->ndim() != 1 || !a->dtype().is(py::dtype::of<double>()))
+            // Equivalent to native float64, not the same dtype object: an
+            // unpickled array carries a dtype of its own.
+            if (a->ndim() != 1 || !py::isinstance<py::array_t<double>>(*a))
                 throw py::type_error("run() takes one-dimensional float64 arrays");
             if (!a->writeable())
                 throw py::value_error("the arrays are not writable");

@@ -2,6 +2,8 @@
 systems, the shapes and types of input, in-place conversion, the domain, and
 every refusal."""
 
+import pickle
+
 import numpy as np
 import pyproj
 import pytest
@@ -321,3 +323,16 @@ def test_repr_names_both_systems():
     t = kvcart.Transformer.from_crs("EPSG:4326", "UTM-32", always_xy=False)
     assert repr(t) == "<kvcart.Transformer from 'EPSG:4326' to 'UTM-32', always_xy=False>"
     assert t.source_crs.srs == "EPSG:4326" and t.target_crs.name == "UTM-32" and t.always_xy is False
+
+
+def test_arrays_that_went_through_pickle(utm):
+    # An unpickled array's float64 dtype is an object of its own, not numpy's
+    # float64 singleton; it is the same type all the same.
+    lon, lat = np.array([7.0, 9.5, 11.0]), np.array([45.0, 47.5, 55.0])
+    want = utm.transform(lon, lat)
+    px, py = pickle.loads(pickle.dumps((lon, lat)))
+    assert px.dtype is not np.dtype(np.float64)
+    got = utm.transform(px, py)
+    assert np.array_equal(got[0], want[0]) and np.array_equal(got[1], want[1])
+    utm.transform(px, py, inplace=True)
+    assert np.array_equal(px, want[0]) and np.array_equal(py, want[1])
