@@ -159,6 +159,14 @@ def _inverse(direction):
         raise ValueError('direction is "FORWARD" or "INVERSE", not %r' % direction) from None
 
 
+def _threads(threads):
+    if isinstance(threads, bool) or not isinstance(threads, (int, _np.integer)):
+        raise TypeError("threads is a whole number, not %s" % type(threads).__name__)
+    if threads < 0:
+        raise ValueError("threads is 0 (one per core) or more, not %d" % threads)
+    return int(threads) if threads > 0 else (_os.cpu_count() or 1)
+
+
 def _float_array(value, what):
     array = _np.asarray(value)
     kind = array.dtype.kind
@@ -229,52 +237,65 @@ class Transformer:
         """Why points may be off by a missing datum shift (empty when none is missing)."""
         return self._core.message
 
-    def transform(self, xx, yy, direction="FORWARD", inplace=False):
-        """Converts points: scalars give floats; lists and arrays of any shape
-        give float64 arrays of that shape (other dtypes converted, strided views
-        read as they are). inplace=True writes the results into xx and yy,
-        which must be writable float64 numpy arrays, and returns them. A point
-        outside the systems' domain (NaN, infinite, beyond a pole) is NaN."""
-        inverse = _inverse(direction)
-        if inplace:
-            return self._transform_inplace(xx, yy, inverse)
-        scalar = not isinstance(xx, _np.ndarray) and not isinstance(yy, _np.ndarray) and \
-            _np.ndim(xx) == 0 and _np.ndim(yy) == 0
-        ax = _float_array(xx, "xx")
-        ay = _float_array(yy, "yy")
-        if ax.shape != ay.shape:
-            raise ValueError("xx and yy differ in shape: %s and %s" % (ax.shape, ay.shape))
-        ox = _np.array(ax, dtype=_np.float64, order="C", copy=True)
-        oy = _np.array(ay, dtype=_np.float64, order="C", copy=True)
-        self._core.run(ox.reshape(-1), oy.reshape(-1), inverse)
-        if scalar:
-            return float(ox), float(oy)
-        return ox, oy
+    def transform(self, xx, yy, zz=None, direction="FORWARD", inplace=False, threads=1):
+        """Converts points.
 
-    def _transform_inplace(self, xx, yy, inverse):
-        for name, array in (("xx", xx), ("yy", yy)):
+        xx, yy (and zz, ellipsoidal heights in metres, when given): scalars give
+        floats; lists and arrays of any shape give new float64 arrays of that
+        shape (other dtypes converted, strided views read as they are).
+        Returns (x, y), or (x, y, z) when zz is given.
+
+        direction: "FORWARD" (source to target) or "INVERSE".
+        inplace=True writes the results into xx, yy (and zz), which must be
+        writable float64 numpy arrays, and returns them.
+        threads=N converts one call on N threads (0: one per core); the
+        results are those of one thread, bit for bit.
+
+        A point outside the systems' domain (NaN, infinite, beyond a pole,
+        where a projection has no point) is NaN in every output."""
+        inverse = _inverse(direction)
+        count = _threads(threads)
+        if inplace:
+            return self._transform_inplace(xx, yy, zz, inverse, count)
+        given = (xx, yy) if zz is None else (xx, yy, zz)
+        scalar = all(not isinstance(v, _np.ndarray) and _np.ndim(v) == 0 for v in given)
+        arrays = [_float_array(v, name) for v, name in zip(given, ("xx", "yy", "zz"))]
+        for name, a in zip(("yy", "zz"), arrays[1:]):
+            if a.shape != arrays[0].shape:
+                raise ValueError("xx and %s differ in shape: %s and %s" % (name, arrays[0].shape, a.shape))
+        out = [_np.array(a, dtype=_np.float64, order="C", copy=True) for a in arrays]
+        flat = [a.reshape(-1) for a in out]
+        self._core.run(flat[0], flat[1], flat[2] if zz is not None else None, inverse, count)
+        if scalar:
+            return tuple(float(a) for a in out)
+        return tuple(out)
+
+    def _transform_inplace(self, xx, yy, zz, inverse, threads):
+        given = [("xx", xx), ("yy", yy)] + ([] if zz is None else [("zz", zz)])
+        for name, array in given:
             if not isinstance(array, _np.ndarray):
                 raise TypeError("inplace=True takes numpy arrays; %s is %s" % (name, type(array).__name__))
             if array.dtype != _np.float64:
                 raise TypeError("inplace=True takes float64 arrays; %s is %s" % (name, array.dtype))
             if not array.flags.writeable:
                 raise ValueError("inplace=True: %s is read-only" % name)
-        if xx.shape != yy.shape:
-            raise ValueError("xx and yy differ in shape: %s and %s" % (xx.shape, yy.shape))
-        if xx.size > 0 and _np.shares_memory(xx, yy):
-            raise ValueError("inplace=True: xx and yy share memory")
+        for name, array in given[1:]:
+            if array.shape != xx.shape:
+                raise ValueError("xx and %s differ in shape: %s and %s" % (name, xx.shape, array.shape))
+        if xx.size > 0:
+            for i in range(len(given)):
+                for j in range(i + 1, len(given)):
+                    if _np.shares_memory(given[i][1], given[j][1]):
+                        raise ValueError("inplace=True: %s and %s share memory" % (given[i][0], given[j][0]))
         # A one-dimensional view is converted where it lies, whatever its stride;
         # an array of more dimensions that is not contiguous goes through a copy.
-        fx = xx if xx.ndim == 1 else xx.reshape(-1) if xx.flags.c_contiguous else None
-        fy = yy if yy.ndim == 1 else yy.reshape(-1) if yy.flags.c_contiguous else None
-        cx = _np.ascontiguousarray(xx).reshape(-1) if fx is None else fx
-        cy = _np.ascontiguousarray(yy).reshape(-1) if fy is None else fy
-        self._core.run(cx, cy, inverse)
-        if fx is None:
-            xx[...] = cx.reshape(xx.shape)
-        if fy is None:
-            yy[...] = cy.reshape(yy.shape)
-        return xx, yy
+        views = [a if a.ndim == 1 else a.reshape(-1) if a.flags.c_contiguous else None for _, a in given]
+        work = [_np.ascontiguousarray(a).reshape(-1) if v is None else v for (_, a), v in zip(given, views)]
+        self._core.run(work[0], work[1], work[2] if zz is not None else None, inverse, threads)
+        for (_, a), v, w in zip(given, views, work):
+            if v is None:
+                a[...] = w.reshape(a.shape)
+        return tuple(a for _, a in given)
 
     def __repr__(self):
         return "<kvcart.Transformer from %r to %r%s>" % (

@@ -21,7 +21,9 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
+#include <vector>
 
 namespace py = pybind11;
 
@@ -168,66 +170,143 @@ public:
     double Unit(bool source) const { return m_units[source ? 0 : 1]; }
     bool Swaps(bool source) const { return m_swap[source ? 0 : 1]; }
 
-    // x and y: one-dimensional, writable float64 arrays of one length, with any
-    // strides; converted in place.
-    void Run(py::array x, py::array y, bool inverse) const
+    // x, y and (unless None) h: one-dimensional, writable float64 arrays of
+    // one length, with any strides; converted in place. threads > 1 splits the
+    // points into that many contiguous runs, each converted on a thread of its
+    // own; the results are those of one thread, bit for bit, since every point
+    // is converted on its own.
+    void Run(py::array x, py::array y, py::object h, bool inverse, int threads) const
     {
-        py::array* arrays[2] = {&x, &y};
+        py::array z;
+        const bool heights = !h.is_none();
+        if (heights) {
+            if (!py::isinstance<py::array>(h))
+                throw py::type_error("run() takes float64 arrays");
+            z = py::reinterpret_borrow<py::array>(h);
+        }
+        py::array* arrays[3] = {&x, &y, heights ? &z : nullptr};
         for (py::array* a : arrays) {
+            if (a == nullptr)
+                continue;
             // Equivalent to native float64, not the same dtype object: an
             // unpickled array carries a dtype of its own.
             if (a->ndim() != 1 || !py::isinstance<py::array_t<double>>(*a))
                 throw py::type_error("run() takes one-dimensional float64 arrays");
             if (!a->writeable())
                 throw py::value_error("the arrays are not writable");
+            if (a->shape(0) != x.shape(0))
+                throw py::value_error("the arrays differ in length");
         }
-        if (x.shape(0) != y.shape(0))
-            throw py::value_error("the x and y arrays differ in length");
-        const std::size_t n = static_cast<std::size_t>(x.shape(0));
-        char* const xBase = static_cast<char*>(x.mutable_data());
-        char* const yBase = static_cast<char*>(y.mutable_data());
-        if (n > 0 && xBase == yBase)
-            throw py::value_error("x and y are the same memory");
-        const std::ptrdiff_t xStride = x.strides(0), yStride = y.strides(0);
+        if (threads < 1)
+            throw py::value_error("threads must be at least 1");
+        SPoints points;
+        points.n = static_cast<std::size_t>(x.shape(0));
+        points.base[0] = static_cast<char*>(x.mutable_data());
+        points.base[1] = static_cast<char*>(y.mutable_data());
+        points.base[2] = heights ? static_cast<char*>(z.mutable_data()) : nullptr;
+        points.stride[0] = x.strides(0);
+        points.stride[1] = y.strides(0);
+        points.stride[2] = heights ? z.strides(0) : 0;
+        if (points.n > 0 && (points.base[0] == points.base[1] || (heights && (points.base[2] == points.base[0] ||
+                                                                             points.base[2] == points.base[1]))))
+            throw py::value_error("two of the arrays are the same memory");
+
+        // Fewer threads than asked for when there are few points: a thread is
+        // worth its start only over some thousands of them.
+        constexpr std::size_t MinPerThread = 4096;
+        std::size_t parts = static_cast<std::size_t>(threads);
+        if (parts > 1 && points.n / parts < MinPerThread)
+            parts = points.n / MinPerThread > 1 ? points.n / MinPerThread : 1;
+
+        py::gil_scoped_release release;
+        if (parts <= 1) {
+            _convert(points, 0, points.n, inverse);
+            return;
+        }
+        std::vector<std::thread> workers;
+        workers.reserve(parts - 1);
+        const std::size_t share = points.n / parts, extra = points.n % parts;
+        std::size_t first = 0;
+        std::size_t mine = 0;
+        try {
+            for (std::size_t p = 0; p < parts; ++p) {
+                const std::size_t count = share + (p < extra ? 1 : 0);
+                if (p + 1 == parts)
+                    mine = first; // the calling thread takes the last run
+                else
+                    workers.emplace_back([this, &points, first, count, inverse] {
+                        _convert(points, first, first + count, inverse);
+                    });
+                first += count;
+            }
+        } catch (...) {
+            // No thread to be had: the runs started finish, and the call fails.
+            for (std::thread& worker : workers)
+                worker.join();
+            throw;
+        }
+        _convert(points, mine, points.n, inverse);
+        for (std::thread& worker : workers)
+            worker.join();
+    }
+
+private:
+    // The coordinates of run(): x, y and heights (null base when none).
+    struct SPoints
+    {
+        std::size_t n = 0;
+        char* base[3] = {nullptr, nullptr, nullptr};
+        std::ptrdiff_t stride[3] = {0, 0, 0};
+    };
+
+    // Converts points [begin, end) through blocks on the stack: no allocation
+    // per point, and the engines' batch loops run on contiguous memory.
+    void _convert(const SPoints& points, std::size_t begin, std::size_t end, bool inverse) const
+    {
         const int in = inverse ? 1 : 0, out = inverse ? 0 : 1;
         const double unitIn = m_units[in], unitOut = m_units[out];
         const bool swapIn = m_swap[in], swapOut = m_swap[out];
-
-        py::gil_scoped_release release;
+        const bool heights = points.base[2] != nullptr;
         constexpr std::size_t Block = 256;
-        double bx[Block], by[Block];
-        for (std::size_t first = 0; first < n; first += Block) {
-            const std::size_t count = n - first < Block ? n - first : Block;
+        double bx[Block], by[Block], bh[Block];
+        auto at = [&points](int axis, std::size_t k) {
+            return reinterpret_cast<double*>(points.base[axis] +
+                                             static_cast<std::ptrdiff_t>(k) * points.stride[axis]);
+        };
+        for (std::size_t first = begin; first < end; first += Block) {
+            const std::size_t count = end - first < Block ? end - first : Block;
             for (std::size_t i = 0; i < count; ++i) {
-                const std::ptrdiff_t k = static_cast<std::ptrdiff_t>(first + i);
-                const double vx = *reinterpret_cast<const double*>(xBase + k * xStride);
-                const double vy = *reinterpret_cast<const double*>(yBase + k * yStride);
+                const double vx = *at(0, first + i), vy = *at(1, first + i);
                 bx[i] = swapIn ? vy : vx;
                 by[i] = swapIn ? vx : vy;
             }
+            if (heights)
+                for (std::size_t i = 0; i < count; ++i)
+                    bh[i] = *at(2, first + i);
             if (unitIn != 1.0)
                 for (std::size_t i = 0; i < count; ++i) {
                     bx[i] *= unitIn;
                     by[i] *= unitIn;
                 }
             if (inverse)
-                m_converter->InvConvert(count, bx, by);
+                m_converter->InvConvert(count, bx, by, heights ? bh : nullptr);
             else
-                m_converter->Convert(count, bx, by);
+                m_converter->Convert(count, bx, by, heights ? bh : nullptr);
             if (unitOut != 1.0)
                 for (std::size_t i = 0; i < count; ++i) {
                     bx[i] /= unitOut;
                     by[i] /= unitOut;
                 }
             for (std::size_t i = 0; i < count; ++i) {
-                const std::ptrdiff_t k = static_cast<std::ptrdiff_t>(first + i);
-                *reinterpret_cast<double*>(xBase + k * xStride) = swapOut ? by[i] : bx[i];
-                *reinterpret_cast<double*>(yBase + k * yStride) = swapOut ? bx[i] : by[i];
+                *at(0, first + i) = swapOut ? by[i] : bx[i];
+                *at(1, first + i) = swapOut ? bx[i] : by[i];
             }
+            if (heights)
+                for (std::size_t i = 0; i < count; ++i)
+                    *at(2, first + i) = bh[i];
         }
     }
 
-private:
     std::unique_ptr<CKvMapProjection> m_systems[2];
     std::unique_ptr<CKvDatumConverter> m_converter;
     double m_units[2] = {1.0, 1.0};
@@ -269,5 +348,6 @@ PYBIND11_MODULE(_kvcart, m)
         .def_property_readonly("message", &CoreTransformer::Message)
         .def("unit", &CoreTransformer::Unit, py::arg("source"))
         .def("swaps", &CoreTransformer::Swaps, py::arg("source"))
-        .def("run", &CoreTransformer::Run, py::arg("x"), py::arg("y"), py::arg("inverse"));
+        .def("run", &CoreTransformer::Run, py::arg("x"), py::arg("y"), py::arg("h"), py::arg("inverse"),
+             py::arg("threads"));
 }

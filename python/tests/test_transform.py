@@ -285,15 +285,23 @@ def test_inplace_refusals(utm):
 
 def test_core_refuses_what_the_package_never_hands_it(utm):
     core = utm._core
-    with pytest.raises(TypeError):
-        core.run(np.zeros((2, 2)), np.zeros((2, 2)), False)
-    with pytest.raises(TypeError):
-        core.run(np.zeros(2, np.float32), np.zeros(2, np.float32), False)
-    with pytest.raises(ValueError):
-        core.run(np.zeros(2), np.zeros(3), False)
-    a = np.zeros(2)
-    with pytest.raises(ValueError):
-        core.run(a, a, False)
+    with pytest.raises(TypeError, match="one-dimensional"):
+        core.run(np.zeros((2, 2)), np.zeros((2, 2)), None, False, 1)
+    with pytest.raises(TypeError, match="float64"):
+        core.run(np.zeros(2, np.float32), np.zeros(2, np.float32), None, False, 1)
+    with pytest.raises(TypeError, match="float64"):
+        core.run(np.zeros(2), np.zeros(2), [0.0, 0.0], False, 1)
+    with pytest.raises(ValueError, match="length"):
+        core.run(np.zeros(2), np.zeros(3), None, False, 1)
+    with pytest.raises(ValueError, match="length"):
+        core.run(np.zeros(2), np.zeros(2), np.zeros(3), False, 1)
+    a, b = np.zeros(2), np.zeros(2)
+    with pytest.raises(ValueError, match="same memory"):
+        core.run(a, a, None, False, 1)
+    with pytest.raises(ValueError, match="same memory"):
+        core.run(a, b, b, False, 1)
+    with pytest.raises(ValueError, match="threads"):
+        core.run(a, b, None, False, 0)
 
 
 def test_from_crs_refusals():
@@ -336,3 +344,76 @@ def test_arrays_that_went_through_pickle(utm):
     assert np.array_equal(got[0], want[0]) and np.array_equal(got[1], want[1])
     utm.transform(px, py, inplace=True)
     assert np.array_equal(px, want[0]) and np.array_equal(py, want[1])
+
+
+# PROJ's pipeline for EPSG:4326 to EPSG:27700 through EPSG:1314 written out in
+# full, so that PROJ carries the height through the Helmert (its 2-D systems
+# leave a height untouched).
+OSGB_PIPELINE_3D = (
+    "+proj=pipeline +step +proj=axisswap +order=2,1 +step +proj=unitconvert +xy_in=deg +xy_out=rad "
+    "+step +proj=cart +ellps=WGS84 +step +inv +proj=helmert +x=446.448 +y=-125.157 +z=542.06 "
+    "+rx=0.15 +ry=0.247 +rz=0.842 +s=-20.489 +convention=position_vector +step +inv +proj=cart "
+    "+ellps=airy +step +proj=tmerc +lat_0=49 +lon_0=-2 +k=0.9996012717 +x_0=400000 +y_0=-100000 +ellps=airy"
+)
+
+
+def test_heights_go_through_the_datum_shift_as_proj_takes_them(rng):
+    t = kvcart.Transformer.from_crs("EPSG:4326", "EPSG:27700")
+    lon = rng.uniform(-7.5, 1.7, 3000)
+    lat = rng.uniform(49.9, 60.8, 3000)
+    h = rng.uniform(-100.0, 4000.0, 3000)
+    x, y, z = t.transform(lon, lat, h)
+    px, py, pz = pyproj.Transformer.from_pipeline(OSGB_PIPELINE_3D).transform(lat, lon, h)
+    assert np.max(np.abs(x - px)) < 1e-3 and np.max(np.abs(y - py)) < 1e-3
+    assert np.max(np.abs(z - pz)) < 1e-3
+    # The height changes the plane position through the shift (by millimetres
+    # here): the two-dimensional call is the one at height 0.
+    x0, y0 = t.transform(lon, lat)
+    xz, yz, _ = t.transform(lon, lat, np.zeros_like(lon))
+    assert np.array_equal(x0, xz) and np.array_equal(y0, yz)
+    assert np.max(np.hypot(x - x0, y - y0)) > 1e-4
+    # And back.
+    blon, blat, bh = t.transform(x, y, z, direction="INVERSE")
+    assert np.max(np.abs(blon - lon)) < 1e-9 and np.max(np.abs(blat - lat)) < 1e-9
+    assert np.max(np.abs(bh - h)) < 1e-6
+
+
+def test_heights_without_a_datum_change_are_kept(utm):
+    x, y, z = utm.transform([9.0, 10.0], [48.0, np.nan], [5.0, 7.0])
+    assert z[0] == 5.0 and np.isnan(x[1]) and np.isnan(y[1])
+    assert utm.transform(9.0, 48.0, 12.5)[2] == 12.5
+    hx, hy, hz = np.array([9.0]), np.array([48.0]), np.array([3.0])
+    assert utm.transform(hx, hy, hz, inplace=True)[2] is hz and hz[0] == 3.0 and hx[0] == 500000.0
+    with pytest.raises(ValueError, match="zz"):
+        utm.transform([9.0, 10.0], [48.0, 49.0], [1.0])
+    with pytest.raises(ValueError, match="share memory"):
+        utm.transform(hx, hy, hx, inplace=True)
+    with pytest.raises(TypeError, match="zz"):
+        utm.transform(hx, hy, [1.0], inplace=True)
+
+
+@pytest.mark.parametrize("threads", [0, 2, 3, 8])
+def test_threads_give_the_single_thread_bits(utm, rng, threads):
+    n = 100_003  # not a multiple of the runs
+    lon = rng.uniform(3.0, 15.0, n)
+    lat = rng.uniform(-80.0, 84.0, n)
+    lon[::101] = np.nan
+    want = utm.transform(lon, lat)
+    got = utm.transform(lon, lat, threads=threads)
+    assert all(np.array_equal(a, b, equal_nan=True) for a, b in zip(want, got))
+    # In place on strided views, and inverse.
+    gx, gy = want[0].copy(), want[1].copy()
+    back = utm.transform(want[0], want[1], direction="INVERSE")
+    vx = np.empty(2 * n)
+    vx[::2] = gx
+    utm.transform(vx[::2], gy, direction="INVERSE", inplace=True, threads=threads)
+    assert np.array_equal(vx[::2], back[0], equal_nan=True) and np.array_equal(gy, back[1], equal_nan=True)
+    # A few points take one thread whatever is asked.
+    assert utm.transform([9.0], [48.0], threads=threads)[0][0] == 500000.0
+
+
+@pytest.mark.parametrize("bad, error", [(-1, ValueError), (1.5, TypeError), (True, TypeError), ("2", TypeError),
+                                        (None, TypeError)])
+def test_threads_refusals(utm, bad, error):
+    with pytest.raises(error, match="threads"):
+        utm.transform(9.0, 48.0, threads=bad)
