@@ -150,6 +150,9 @@ public:
     // beyond +-90); longitudes of any size are reduced exactly.
     bool GetInverseGeodesic(double lon1, double lat1, double lon2, double lat2, double& distance, double& azimuth1,
                             double& azimuth2) const;
+    // The geodesic figure of GetInverseGeodesic (not valid for a system without
+    // engine or ellipsoid).
+    const CKvGeodesic& GetGeodesic() const { return m_geodesic; }
 
     static const char* IDtoProjectionString(int id);
 

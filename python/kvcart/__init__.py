@@ -16,6 +16,7 @@ own definitions from $KVCART_USER_DIR, else $XDG_CONFIG_HOME/kvcart/, else
 no home).
 """
 
+import collections as _collections
 import os as _os
 import tempfile as _tempfile
 import warnings as _warnings
@@ -25,7 +26,18 @@ import numpy as _np
 from . import _config
 from . import _kvcart
 
-__all__ = ["CRS", "Transformer", "DatumWarning", "catalogue_directory"]
+__all__ = ["CRS", "Transformer", "Geod", "SiteGrid", "Axis", "AreaOfUse", "DatumWarning", "catalogue_directory",
+           "ellipsoids"]
+
+
+Axis = _collections.namedtuple("Axis", "direction unit_name unit_conversion_factor")
+Axis.__doc__ = """One axis of a coordinate system: its direction ("east", "north", "west",
+"south"), its unit's name and the unit's size in metres (degrees for a
+geographic system's axes)."""
+
+AreaOfUse = _collections.namedtuple("AreaOfUse", "west south east north")
+AreaOfUse.__doc__ = """Where the EPSG registry says a system is used: Greenwich longitudes and
+latitudes in degrees; west > east when the area crosses the antimeridian."""
 
 
 class DatumWarning(UserWarning):
@@ -128,6 +140,67 @@ class CRS:
         """What the library said on reading the system (empty when nothing)."""
         return self._core.message
 
+    @property
+    def axis_info(self):
+        """The two axes, in the order the library reads and writes the
+        coordinates (Transformer with always_xy=False): geographic systems are
+        longitude, latitude in degrees; a projected system's axes carry its
+        linear unit (US survey feet for a state plane kept in feet)."""
+        return [Axis(*axis) for axis in self._core.axes]
+
+    @property
+    def is_projected(self):
+        """Neither geographic nor a local grid without a georeference."""
+        return not self.is_geographic and not self._core.is_local
+
+    @property
+    def area_of_use(self):
+        """The registry's area of use (AreaOfUse), or None for a system that
+        was not given by its EPSG code."""
+        area = self._core.area_of_use
+        return None if area is None else AreaOfUse(*area)
+
+    @property
+    def default_area(self):
+        """A map area around the system's origin, (x0, y0, x1, y1) in its
+        engine's coordinates (metres, or degrees for a geographic system)."""
+        return self._core.default_area
+
+    def convergence(self, lon, lat):
+        """Grid convergence in degrees: the angle from true north to grid north
+        at each point (lon, lat in degrees, broadcast together); 0 for a
+        geographic system, NaN for a point that is none."""
+        columns, shape, scalar = _columns((lon, lat), ("lon", "lat"))
+        out = _outputs(1, columns)
+        self._core.convergence(*columns, *out)
+        return _shaped(out, shape, scalar)[0]
+
+    def to_geocentric(self, lon, lat, h=0.0):
+        """Geocentric X, Y, Z in metres on the system's ellipsoid from
+        longitude, latitude (degrees) and ellipsoidal height (metres). NaN for
+        a latitude beyond +-90, a longitude that is no number, or a height
+        below a quarter of the semi-major axis under the ellipsoid; ValueError
+        for a system without an ellipsoid (LONG/LAT, NON-UTM)."""
+        columns, shape, scalar = _columns((lon, lat, h), ("lon", "lat", "h"))
+        out = _outputs(3, columns)
+        self._core.to_geocentric(*columns, *out)
+        return _shaped(out, shape, scalar)
+
+    def from_geocentric(self, x, y, z):
+        """Longitude, latitude (degrees) and ellipsoidal height (metres) from
+        geocentric coordinates on the system's ellipsoid (Bowring's method, one
+        step: micrometres up to 10 km above or below the ellipsoid)."""
+        columns, shape, scalar = _columns((x, y, z), ("x", "y", "z"))
+        out = _outputs(3, columns)
+        self._core.from_geocentric(*columns, *out)
+        return _shaped(out, shape, scalar)
+
+    def get_geod(self):
+        """A Geod on the system's ellipsoid (WGS 84 for a geographic system
+        that names none); None for a system without an ellipsoid."""
+        figure = self._core.figure
+        return None if figure is None else Geod(a=figure[0], f=figure[1])
+
     def to_wkt(self):
         """The system as OGC WKT 1, as GDAL writes it (ValueError with the
         reason for a system OGC WKT 1 has no form for, LONG/LAT and NON-UTM)."""
@@ -179,6 +252,30 @@ def _float_array(value, what):
         except (TypeError, ValueError):
             pass
     raise TypeError("%s must be real numbers, not %s" % (what, array.dtype))
+
+
+def _columns(values, names):
+    """Broadcasts the arguments to one shape and gives them as contiguous
+    float64 columns: (columns, shape, whether all were scalars)."""
+    arrays = [_float_array(v, name) for v, name in zip(values, names)]
+    try:
+        shape = _np.broadcast_shapes(*(a.shape for a in arrays))
+    except ValueError:
+        raise ValueError("%s do not broadcast together: shapes %s" % (
+            ", ".join(names), ", ".join(str(a.shape) for a in arrays))) from None
+    columns = [_np.ascontiguousarray(_np.broadcast_to(a, shape), dtype=_np.float64).reshape(-1) for a in arrays]
+    scalar = all(not isinstance(v, _np.ndarray) and _np.ndim(v) == 0 for v in values)
+    return columns, shape, scalar
+
+
+def _outputs(count, columns):
+    return [_np.empty(columns[0].size) for _ in range(count)]
+
+
+def _shaped(outputs, shape, scalar):
+    if scalar:
+        return tuple(float(a[0]) for a in outputs)
+    return tuple(a.reshape(shape) for a in outputs)
 
 
 class Transformer:
@@ -311,3 +408,236 @@ class Transformer:
 def _restore_transformer(source, target, always_xy):
     # The warning, if any, was given where the transformer was first made.
     return Transformer._make(CRS(source), CRS(target), always_xy, False)
+
+
+def ellipsoids():
+    """The names of the catalogue's ellipsoids (the system's, then the user's),
+    each a name Geod takes."""
+    return list(_kvcart._Geod.names())
+
+
+_WGS84 = (6378137.0, 1.0 / 298.257223563)
+
+
+def _folded(name):
+    return "".join(c for c in name.lower() if c.isalnum())
+
+
+def _ellipsoid_name(given):
+    # The catalogue's spelling of a name given in another case or without its
+    # spaces ("WGS84", "clarke 1866"); an unknown name is refused with the
+    # closest the catalogue holds.
+    names = ellipsoids()
+    if given in names:
+        return given
+    folded = _folded(given)
+    same = [n for n in names if _folded(n) == folded]
+    if len(same) == 1:
+        return same[0]
+    import difflib
+    close = difflib.get_close_matches(folded, [_folded(n) for n in names], n=3, cutoff=0.6)
+    hint = [n for c in close for n in names if _folded(n) == c]
+    raise ValueError("unknown ellipsoid %r%s" % (
+        given, "; did you mean %s?" % ", ".join(repr(n) for n in hint) if hint else
+        ": kvcart.ellipsoids() lists the catalogue's"))
+
+
+class Geod:
+    """Geodesics on an ellipsoid, by Karney's method (C. F. F. Karney,
+    "Algorithms for geodesics", J. Geodesy 87, 2013): the direct and inverse
+    problems over numpy arrays, to round-off for the earth's flattening.
+
+    Geod() is WGS 84; Geod("International 1924") a catalogue ellipsoid by its
+    name (kvcart.ellipsoids() lists them); Geod(a=..., f=...) or
+    Geod(a=..., rf=...) an ellipsoid of semi-major axis a metres and flattening
+    f (rf: 1 / f; a sphere has f = 0). CRS.get_geod() gives the Geod of a
+    system's ellipsoid. Angles are degrees, azimuths clockwise from north in
+    (-180, 180], distances metres."""
+
+    __slots__ = ("_core", "_name")
+
+    def __init__(self, ellps=None, *, a=None, f=None, rf=None):
+        if ellps is not None:
+            if a is not None or f is not None or rf is not None:
+                raise TypeError("Geod takes an ellipsoid's name or its a and f (or rf), not both")
+            if not isinstance(ellps, str):
+                raise TypeError("an ellipsoid is named by a string, not %s" % type(ellps).__name__)
+            if "\0" in ellps:
+                raise ValueError("an ellipsoid's name cannot hold a NUL character")
+            name = _ellipsoid_name(ellps)
+            axis, flattening = _kvcart._Geod.catalogue(name)
+        elif a is None and f is None and rf is None:
+            axis, flattening = _WGS84
+            name = "WGS 84"
+        else:
+            if a is None or (f is None) == (rf is None):
+                raise TypeError("Geod(a=..., f=...) or Geod(a=..., rf=...): a with one of f and rf")
+            axis = _real(a, "a")
+            flattening = _real(f, "f") if rf is None else (0.0 if _real(rf, "rf") == 0.0 else 1.0 / rf)
+            name = None
+        self._core = _kvcart._Geod(axis, flattening)
+        self._name = name
+
+    @property
+    def a(self):
+        """The semi-major axis, metres."""
+        return self._core.a
+
+    @property
+    def f(self):
+        """The flattening (0 for a sphere)."""
+        return self._core.f
+
+    @property
+    def b(self):
+        """The semi-minor axis, metres."""
+        return self._core.a * (1.0 - self._core.f)
+
+    def fwd(self, lons, lats, az, dist):
+        """The direct problem: from (lons, lats) along the azimuths az for
+        dist metres (negative: backwards; beyond half a meridian the geodesic
+        goes on round the ellipsoid). Arguments broadcast together. Returns
+        (lons, lats, back_az): the end points, longitudes within [-180, 180],
+        and the azimuths from the end points back to the start. NaN for a
+        point, azimuth or distance that is none."""
+        columns, shape, scalar = _columns((lons, lats, az, dist), ("lons", "lats", "az", "dist"))
+        out = _outputs(3, columns)
+        self._core.direct(*columns, *out)
+        out[2] = _back_azimuth(out[2])
+        return _shaped(out, shape, scalar)
+
+    def inv(self, lons1, lats1, lons2, lats2):
+        """The inverse problem: the shortest geodesics from (lons1, lats1) to
+        (lons2, lats2). Returns (az12, az21, dist): the azimuth at the first
+        point, the back azimuth from the second point to the first, and the
+        length in metres. NaN for a point that is none (a latitude beyond
+        +-90, NaN, infinite)."""
+        columns, shape, scalar = _columns((lons1, lats1, lons2, lats2), ("lons1", "lats1", "lons2", "lats2"))
+        dist, az1, az2 = _outputs(3, columns)
+        self._core.inverse(*columns, dist, az1, az2)
+        return _shaped([az1, _back_azimuth(az2), dist], shape, scalar)
+
+    def line_length(self, lons, lats):
+        """The length in metres of the line through the points in order, each
+        leg the shortest geodesic."""
+        columns, _, _ = _columns((lons, lats), ("lons", "lats"))
+        lon, lat = columns
+        if lon.size < 2:
+            return 0.0
+        _, _, dist = self.inv(lon[:-1], lat[:-1], lon[1:], lat[1:])
+        return float(_np.sum(dist))
+
+    def __repr__(self):
+        if self._name is not None:
+            return "<kvcart.Geod %r: a=%r, f=%r>" % (self._name, self.a, self.f)
+        return "<kvcart.Geod a=%r, f=%r>" % (self.a, self.f)
+
+    def __eq__(self, other):
+        return isinstance(other, Geod) and (self.a, self.f) == (other.a, other.f)
+
+    def __hash__(self):
+        return hash((self.a, self.f))
+
+    def __reduce__(self):
+        return (_restore_geod, (self.a, self.f, self._name))
+
+
+def _restore_geod(a, f, name):
+    geod = Geod(a=a, f=f)
+    geod._name = name
+    return geod
+
+
+def _real(value, what):
+    if isinstance(value, bool) or not isinstance(value, (int, float, _np.integer, _np.floating)):
+        raise TypeError("%s is a real number, not %s" % (what, type(value).__name__))
+    return float(value)
+
+
+def _back_azimuth(azimuth):
+    # The forward azimuth at the end point turned half round, within (-180, 180].
+    return _np.where(azimuth > 0.0, azimuth - 180.0, azimuth + 180.0)
+
+
+class SiteGrid:
+    """A local site grid: a plane grid in metres whose origin is the point
+    (lon0, lat0) and whose y axis is turned orientation degrees from true
+    north towards east, laid on a map projection (crs: a CRS or any string a
+    CRS takes; "UTM" takes the zone of lon0).
+
+    Local (x, y), projected (X, Y, in the system's own unit as a Transformer
+    gives them) and geographic coordinates convert into one another; every
+    method takes scalars or arrays that broadcast together."""
+
+    __slots__ = ("_core", "_crs", "_origin", "_orientation")
+
+    def __init__(self, crs, lon0, lat0, orientation=0.0):
+        origin = (_real(lon0, "lon0"), _real(lat0, "lat0"))
+        turn = _real(orientation, "orientation")
+        if isinstance(crs, str) and crs.strip().upper() == "UTM":
+            self._core = _kvcart._SiteGrid(None, "UTM", origin[0], origin[1], turn)
+            self._crs = CRS(self._core.srs)
+        else:
+            self._crs = CRS(crs)
+            self._core = _kvcart._SiteGrid(self._crs._core, self._crs.srs, origin[0], origin[1], turn)
+        self._origin = origin
+        self._orientation = turn
+
+    @property
+    def crs(self):
+        """The map projection the grid lies on (for "UTM" the origin's zone)."""
+        return self._crs
+
+    @property
+    def origin(self):
+        """(lon0, lat0), degrees."""
+        return self._origin
+
+    @property
+    def orientation(self):
+        """The y axis from true north at the origin, degrees towards east."""
+        return self._orientation
+
+    @property
+    def projection_north(self):
+        """The y axis from grid north, degrees: the orientation less the grid
+        convergence at the origin."""
+        return self._core.projection_north
+
+    def _convert(self, what, a, b, names):
+        columns, shape, scalar = _columns((a, b), names)
+        out = _outputs(2, columns)
+        self._core.convert(what, *columns, *out)
+        return _shaped(out, shape, scalar)
+
+    def from_geographic(self, lon, lat):
+        """Local (x, y) in metres of points given in degrees."""
+        return self._convert(0, lon, lat, ("lon", "lat"))
+
+    def to_geographic(self, x, y):
+        """Longitude and latitude, degrees, of local points."""
+        return self._convert(1, x, y, ("x", "y"))
+
+    def from_projected(self, x, y):
+        """Local (x, y) of projected coordinates."""
+        return self._convert(2, x, y, ("x", "y"))
+
+    def to_projected(self, x, y):
+        """Projected coordinates of local points."""
+        return self._convert(3, x, y, ("x", "y"))
+
+    def true_north(self, x, y):
+        """The angle of the grid's y axis from true north at local points,
+        degrees (the orientation at the origin)."""
+        columns, shape, scalar = _columns((x, y), ("x", "y"))
+        out = _outputs(1, columns)
+        self._core.true_north(*columns, *out)
+        return _shaped(out, shape, scalar)[0]
+
+    def __repr__(self):
+        return "<kvcart.SiteGrid on %r at (%r, %r), orientation %r>" % (
+            self._crs.srs if len(self._crs.srs) <= 60 else self._crs.name, self._origin[0], self._origin[1],
+            self._orientation)
+
+    def __reduce__(self):
+        return (SiteGrid, (self._crs.srs, self._origin[0], self._origin[1], self._orientation))

@@ -4,9 +4,12 @@
 // layer (kvcart/__init__.py) shapes the arguments; what reaches run() here is
 // two one-dimensional float64 arrays to convert in place.
 #include "catalogue/KvCartSetup.h"
+#include "catalogue/KvEllipsoidList.h"
+#include "coordsys/KvCartography.h"
 #include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumConverter.h"
 #include "geodesy/KvDatumShift.h"
+#include "geodesy/KvGeodesic.h"
 #include "paramfile/String.h"
 #include "projections/KvProjection.h"
 #include "wkt/KvOgcWktWriter.h"
@@ -17,7 +20,10 @@
 #include <pybind11/pybind11.h>
 
 #include <cstddef>
+#include <cmath>
 #include <cstdint>
+#include <cstdio>
+#include <initializer_list>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -28,6 +34,51 @@
 namespace py = pybind11;
 
 namespace {
+
+// Columns of points for the per-point functions (convergence, geocentric
+// coordinates, geodesics, site grids): one-dimensional, C-contiguous float64
+// arrays of one length, which the Python layer makes by broadcasting its
+// arguments. The loop runs without the GIL and allocates nothing.
+struct SColumns
+{
+    std::size_t n = 0;
+    const double* in[4] = {nullptr, nullptr, nullptr, nullptr};
+    double* out[3] = {nullptr, nullptr, nullptr};
+};
+
+bool IsColumn(const py::array& a)
+{
+    return a.ndim() == 1 && py::isinstance<py::array_t<double>>(a) &&
+           (a.flags() & py::array::c_style) != 0;
+}
+
+SColumns Columns(std::initializer_list<py::array> in, std::initializer_list<py::array> out)
+{
+    SColumns columns;
+    bool first = true;
+    auto check = [&](const py::array& a) {
+        if (!IsColumn(a))
+            throw py::type_error("the core takes one-dimensional contiguous float64 arrays");
+        const std::size_t n = static_cast<std::size_t>(a.shape(0));
+        if (!first && n != columns.n)
+            throw py::value_error("the arrays differ in length");
+        columns.n = n;
+        first = false;
+    };
+    std::size_t k = 0;
+    for (const py::array& a : in) {
+        check(a);
+        columns.in[k++] = static_cast<const double*>(a.data());
+    }
+    k = 0;
+    for (py::array a : out) {
+        check(a);
+        if (!a.writeable())
+            throw py::value_error("the arrays are not writable");
+        columns.out[k++] = static_cast<double*>(a.mutable_data());
+    }
+    return columns;
+}
 
 // One coordinate system and the text it was made from (the catalogue's
 // spelling of a name given in another case, as the program takes it).
@@ -104,7 +155,154 @@ public:
 
     const std::string& Message() const { return m_system->GetMessage(); }
 
+    // The coordinates' axes, in the order the library reads and writes them:
+    // (direction, unit name, metres or degrees per unit) for each.
+    py::list Axes() const
+    {
+        static const char* const kDirections[4] = {"east", "north", "west", "south"};
+        py::list axes;
+        if (m_system->IsGeographical()) {
+            axes.append(py::make_tuple("east", "degree", 1.0));
+            axes.append(py::make_tuple("north", "degree", 1.0));
+            return axes;
+        }
+        int directions[2] = {0, 1};
+        Directions(directions);
+        double factor = 0.0;
+        std::string unit = LinearUnit(factor);
+        axes.append(py::make_tuple(kDirections[directions[0]], unit, factor));
+        axes.append(py::make_tuple(kDirections[directions[1]], unit, factor));
+        return axes;
+    }
+
+    // The directions (0 east, 1 north, 2 west, 3 south) of a projected
+    // system's two coordinates as they are written, whichever way the engine
+    // and the text's axes make them: seen on the map, as the coordinates move
+    // for a step east and a step north from a point inside the system's area
+    // (the registry's area, else around the projection's origin). A grid
+    // that is turned against the meridians gets the nearest directions.
+    void Directions(int directions[2]) const
+    {
+        double west = 0.0, south = 0.0, east = 0.0, north = 0.0;
+        double bases[3][2] = {{0.0, 0.0}, {0.0, 0.0}, {0.0, 45.0}};
+        int count = 0;
+        if (m_system->GetAreaOfUse(west, south, east, north)) {
+            const double width = east >= west ? east - west : east - west + 360.0;
+            bases[count][0] = west + width / 2.0;
+            bases[count++][1] = (south + north) / 2.0;
+        }
+        double x0 = 0.0, y0 = 0.0, x1 = 0.0, y1 = 0.0;
+        m_system->GetDefaultArea(&x0, &y0, &x1, &y1);
+        m_system->Proj2Geo((x0 + x1) / 2.0, (y0 + y1) / 2.0, &bases[count][0], &bases[count][1]);
+        count = 3; // then the two fixed points
+        constexpr double Step = 1e-4; // degrees: some 10 m
+        for (int b = 0; b < count; ++b) {
+            const double lon = bases[b][0], lat = bases[b][1];
+            if (!std::isfinite(lon) || !(std::fabs(lat) < 89.0))
+                continue;
+            double x = 0.0, y = 0.0, xe = 0.0, ye = 0.0, xn = 0.0, yn = 0.0;
+            m_system->Geo2Proj(lon, lat, &x, &y);
+            m_system->Geo2Proj(lon + Step, lat, &xe, &ye);
+            m_system->Geo2Proj(lon, lat + Step, &xn, &yn);
+            const double ex = xe - x, ey = ye - y, nx = xn - x, ny = yn - y;
+            if (!std::isfinite(ex + ey + nx + ny) || ex * ny - ey * nx == 0.0)
+                continue;
+            // The first coordinate follows east or west when the step east moves
+            // it more than the step north does.
+            const bool firstEastWest = std::fabs(ex) * std::hypot(nx, ny) >= std::fabs(nx) * std::hypot(ex, ey);
+            if (firstEastWest) {
+                directions[0] = ex > 0.0 ? 0 : 2;
+                directions[1] = ny > 0.0 ? 1 : 3;
+            } else {
+                directions[0] = nx > 0.0 ? 1 : 3;
+                directions[1] = ey > 0.0 ? 0 : 2;
+            }
+            return;
+        }
+    }
+
+    // The name and size (metres per unit) of a projected system's unit, as
+    // a transformer reads and writes its coordinates: a catalogue grid kept in
+    // US survey feet is in feet, where its engine's description is in metres.
+    std::string LinearUnit(double& factor) const
+    {
+        factor = m_system->GetLinearUnit();
+        double described = 0.0;
+        char name[CKvProjectionInfo::UnitNameSize + 1] = {0};
+        const bool named = m_system->GetUnit(CKvMapProjection::eProjUnit, &described, name);
+        if (!(factor > 0.0)) {
+            // No usable unit named (a local grid): the engine's metres.
+            factor = 1.0;
+            return "metre";
+        }
+        if (named && name[0] != '\0' && described == factor)
+            return name;
+        if (factor == 1200.0 / 3937.0)
+            return "US survey foot";
+        return factor == 1.0 ? "metre" : "unnamed";
+    }
+
+    py::object AreaOfUse() const
+    {
+        double west = 0.0, south = 0.0, east = 0.0, north = 0.0;
+        if (!m_system->GetAreaOfUse(west, south, east, north))
+            return py::none();
+        return py::make_tuple(west, south, east, north);
+    }
+
+    py::tuple DefaultArea() const
+    {
+        double x0 = 0.0, y0 = 0.0, x1 = 0.0, y1 = 0.0;
+        m_system->GetDefaultArea(&x0, &y0, &x1, &y1);
+        return py::make_tuple(x0, y0, x1, y1);
+    }
+
+    // The angle from true north to grid north at each (lon, lat), degrees.
+    void Convergence(py::array lon, py::array lat, py::array out) const
+    {
+        const SColumns c = Columns({lon, lat}, {out});
+        py::gil_scoped_release release;
+        for (std::size_t i = 0; i < c.n; ++i)
+            c.out[0][i] = m_system->GetConvergence(c.in[0][i], c.in[1][i]);
+    }
+
+    // Geocentric X, Y, Z on the system's ellipsoid, and back.
+    void ToGeocentric(py::array lon, py::array lat, py::array h, py::array X, py::array Y, py::array Z) const
+    {
+        const SColumns c = Columns({lon, lat, h}, {X, Y, Z});
+        if (!HasFigure())
+            throw py::value_error(Shown() + " has no ellipsoid: no geocentric coordinates");
+        py::gil_scoped_release release;
+        for (std::size_t i = 0; i < c.n; ++i)
+            m_system->Geo2XYZ(c.in[0][i], c.in[1][i], c.in[2][i], &c.out[0][i], &c.out[1][i], &c.out[2][i]);
+    }
+
+    void FromGeocentric(py::array X, py::array Y, py::array Z, py::array lon, py::array lat, py::array h) const
+    {
+        const SColumns c = Columns({X, Y, Z}, {lon, lat, h});
+        if (!HasFigure())
+            throw py::value_error(Shown() + " has no ellipsoid: no geocentric coordinates");
+        py::gil_scoped_release release;
+        for (std::size_t i = 0; i < c.n; ++i)
+            m_system->XYZ2Geo(c.in[0][i], c.in[1][i], c.in[2][i], &c.out[0][i], &c.out[1][i], &c.out[2][i]);
+    }
+
+    // The figure of the system's geodesics: (a, f), or None without one.
+    py::object Figure() const
+    {
+        const CKvGeodesic& geodesic = m_system->GetGeodesic();
+        if (!geodesic.IsValid())
+            return py::none();
+        return py::make_tuple(geodesic.GetMajor(), geodesic.GetFlattening());
+    }
+
 private:
+    bool HasFigure() const
+    {
+        CKvEllipsoid figure;
+        return m_system->GetProjection()->GetAnonymousEllipsoid(figure);
+    }
+
     std::string m_text;
     std::shared_ptr<const CKvMapProjection> m_system;
 };
@@ -313,6 +511,145 @@ private:
     bool m_swap[2] = {false, false};
 };
 
+// Geodesics on one ellipsoid (Karney's method): the direct and inverse
+// problems over columns of points.
+class CoreGeod
+{
+public:
+    CoreGeod(double a, double f) : m_geodesic(a, f)
+    {
+        if (!m_geodesic.IsValid())
+            throw py::value_error("no ellipsoid of semi-major axis " + Number(a) + " m and flattening " + Number(f) +
+                                  ": the axis must be finite and positive, the flattening within [0, 1/10]");
+    }
+
+    double A() const { return m_geodesic.GetMajor(); }
+    double F() const { return m_geodesic.GetFlattening(); }
+
+    void Direct(py::array lon, py::array lat, py::array azimuth, py::array distance, py::array lon2, py::array lat2,
+                py::array azimuth2) const
+    {
+        const SColumns c = Columns({lon, lat, azimuth, distance}, {lon2, lat2, azimuth2});
+        py::gil_scoped_release release;
+        for (std::size_t i = 0; i < c.n; ++i)
+            m_geodesic.Direct(c.in[0][i], c.in[1][i], c.in[2][i], c.in[3][i], c.out[0][i], c.out[1][i],
+                              c.out[2][i]);
+    }
+
+    void Inverse(py::array lon1, py::array lat1, py::array lon2, py::array lat2, py::array distance,
+                 py::array azimuth1, py::array azimuth2) const
+    {
+        const SColumns c = Columns({lon1, lat1, lon2, lat2}, {distance, azimuth1, azimuth2});
+        py::gil_scoped_release release;
+        for (std::size_t i = 0; i < c.n; ++i)
+            m_geodesic.Inverse(c.in[0][i], c.in[1][i], c.in[2][i], c.in[3][i], c.out[0][i], c.out[1][i],
+                               c.out[2][i]);
+    }
+
+    // The (a, f) of a catalogue ellipsoid, by its name or identifier.
+    static py::tuple Catalogue(const std::string& name)
+    {
+        const CKvEllipsoidList& list = CKvCartSetup::Instance()->GetEllipsoidList();
+        const CKvEllipsoid* found = list.GetEllipsoidFromName(name);
+        if (found == nullptr)
+            found = list.GetEllipsoid(name);
+        if (found == nullptr)
+            throw py::value_error("unknown ellipsoid \"" + name + "\": kvcart.ellipsoids() lists the catalogue's");
+        const double inverse = found->GetInvFlatness();
+        return py::make_tuple(found->GetMajor(), inverse > 0.0 ? 1.0 / inverse : 0.0);
+    }
+
+    static py::list Names()
+    {
+        const CKvEllipsoidList& list = CKvCartSetup::Instance()->GetEllipsoidList();
+        py::list names;
+        for (auto it = list.GetIteratorBegin(CKvEllipsoidList::eComplete);
+             it != list.GetIteratorEnd(CKvEllipsoidList::eComplete); ++it)
+            names.append((*it)->GetName());
+        return names;
+    }
+
+private:
+    static std::string Number(double value)
+    {
+        char text[40];
+        std::snprintf(text, sizeof text, "%.17g", value);
+        return text;
+    }
+
+    CKvGeodesic m_geodesic;
+};
+
+// A local site grid on a coordinate system: origin at (lon0, lat0), y axis
+// turned by an orientation from true north. Projected coordinates are in the
+// system's own unit, as a transformer gives them; local ones in metres.
+class CoreSiteGrid
+{
+public:
+    // system: the coordinate system, or None for the text "UTM", whose zone
+    // is the origin's.
+    CoreSiteGrid(py::object system, const std::string& text, double lon0, double lat0, double orientation)
+    {
+        for (double v : {lon0, lat0, orientation})
+            if (!std::isfinite(v))
+                throw py::value_error("a site grid's origin and orientation are finite numbers");
+        if (!(std::fabs(lat0) <= 90.0))
+            throw py::value_error("a site grid's origin latitude lies within [-90, 90]");
+        try {
+            // The generic "UTM" takes the zone of the origin.
+            if (system.is_none())
+                m_grid = std::make_unique<CKvCartography>(text.c_str(), lon0, lat0, orientation);
+            else
+                m_grid = std::make_unique<CKvCartography>(system.cast<const CoreCRS&>().System(), lon0, lat0,
+                                                          orientation);
+        } catch (const std::out_of_range&) {
+            throw py::value_error("'UTM' names no zone for a site grid at longitude " + std::to_string(lon0));
+        }
+        const double factor = m_grid->GetProjection()->GetLinearUnit();
+        m_unit = factor > 0.0 ? factor : 1.0;
+    }
+
+    std::string Text() const { return m_grid->GetProjectionString(); }
+    double ProjectionNorth() const { return m_grid->GetProjectionNorth(); }
+
+    // what: 0 geographic to local, 1 local to geographic, 2 projected to
+    // local, 3 local to projected.
+    void Convert(int what, py::array a, py::array b, py::array outA, py::array outB) const
+    {
+        if (what < 0 || what > 3)
+            throw py::value_error("no such conversion");
+        const SColumns c = Columns({a, b}, {outA, outB});
+        const double unit = m_unit;
+        py::gil_scoped_release release;
+        for (std::size_t i = 0; i < c.n; ++i) {
+            double& u = c.out[0][i];
+            double& v = c.out[1][i];
+            switch (what) {
+            case 0: m_grid->Geo2Xy(c.in[0][i], c.in[1][i], &u, &v); break;
+            case 1: m_grid->Xy2Geo(c.in[0][i], c.in[1][i], &u, &v); break;
+            case 2: m_grid->Proj2Xy(c.in[0][i] * unit, c.in[1][i] * unit, &u, &v); break;
+            default:
+                m_grid->Xy2Proj(c.in[0][i], c.in[1][i], &u, &v);
+                u /= unit;
+                v /= unit;
+                break;
+            }
+        }
+    }
+
+    void TrueNorth(py::array x, py::array y, py::array out) const
+    {
+        const SColumns c = Columns({x, y}, {out});
+        py::gil_scoped_release release;
+        for (std::size_t i = 0; i < c.n; ++i)
+            c.out[0][i] = m_grid->GetTrueNorth(c.in[0][i], c.in[1][i]);
+    }
+
+private:
+    std::unique_ptr<CKvCartography> m_grid;
+    double m_unit = 1.0;
+};
+
 // The catalogue, read once when the package is imported. The package reads
 // WKT as the EPSG registry defines it, as the kvcart program does.
 py::tuple Setup(const std::string& systemDirectory, const std::string& userDirectory)
@@ -339,8 +676,31 @@ PYBIND11_MODULE(_kvcart, m)
         .def_property_readonly("is_local", &CoreCRS::IsLocal)
         .def_property_readonly("datum_shift", &CoreCRS::DatumShift)
         .def_property_readonly("message", &CoreCRS::Message)
+        .def_property_readonly("axes", &CoreCRS::Axes)
+        .def_property_readonly("area_of_use", &CoreCRS::AreaOfUse)
+        .def_property_readonly("default_area", &CoreCRS::DefaultArea)
+        .def_property_readonly("figure", &CoreCRS::Figure)
+        .def("convergence", &CoreCRS::Convergence)
+        .def("to_geocentric", &CoreCRS::ToGeocentric)
+        .def("from_geocentric", &CoreCRS::FromGeocentric)
         .def("to_wkt", &CoreCRS::ToWkt)
         .def("to_proj4", &CoreCRS::ToProj4);
+
+    py::class_<CoreGeod>(m, "_Geod")
+        .def(py::init<double, double>(), py::arg("a"), py::arg("f"))
+        .def_property_readonly("a", &CoreGeod::A)
+        .def_property_readonly("f", &CoreGeod::F)
+        .def("direct", &CoreGeod::Direct)
+        .def("inverse", &CoreGeod::Inverse)
+        .def_static("catalogue", &CoreGeod::Catalogue, py::arg("name"))
+        .def_static("names", &CoreGeod::Names);
+
+    py::class_<CoreSiteGrid>(m, "_SiteGrid")
+        .def(py::init<py::object, const std::string&, double, double, double>())
+        .def_property_readonly("srs", &CoreSiteGrid::Text)
+        .def_property_readonly("projection_north", &CoreSiteGrid::ProjectionNorth)
+        .def("convert", &CoreSiteGrid::Convert)
+        .def("true_north", &CoreSiteGrid::TrueNorth);
 
     py::class_<CoreTransformer>(m, "_Transformer")
         .def(py::init<const CoreCRS&, const CoreCRS&, bool>(), py::arg("source"), py::arg("target"),
