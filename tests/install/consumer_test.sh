@@ -45,4 +45,18 @@ c++ -std=c++17 -o "$scratch/with-pkgconfig" "$source/tests/install/consumer/cons
 out=$(echo "9.5 47.5" | XDG_CONFIG_HOME="$scratch/config" "$prefix/bin/kvcart" transform LONG/LAT UTM-32)
 test "$out" = "537656.6740 5260850.8753" || { echo "installed kvcart gave '$out'"; exit 1; }
 test ! -e "$scratch/config" || { echo "a read-only run created the user directory"; exit 1; }
+# The Python package, when built: the moved installation's package finds the
+# catalogue beside it (share/kvcart, relative to the package).
+package=$(find "$prefix" -path '*/dist-packages/kvcart/__init__.py' -print | head -n 1)
+if [ -f "$build/CMakeCache.txt" ] && grep -q '^KVCART_PYTHON:BOOL=ON' "$build/CMakeCache.txt"; then
+  test -n "$package" || { echo "the Python package was built but not installed"; exit 1; }
+  for f in _config.py py.typed __init__.pyi dask.py; do
+    test -e "$(dirname "$package")/$f" || { echo "not installed: kvcart/$f"; exit 1; }
+  done
+  python=$(sed -n 's/^Python3_EXECUTABLE:FILEPATH=//p' "$build/CMakeCache.txt")
+  out=$(cd "$scratch" && env -u KVCART_DATA_DIR PYTHONPATH="$(dirname "$(dirname "$package")")" \
+        KVCART_USER_DIR="$scratch/py-user/" "$python" -c "import kvcart; print('%.3f %.3f' % kvcart.Transformer.from_crs('EPSG:4326','EPSG:27700', always_xy=True).transform(-0.1281, 51.5080))")
+  test "$out" = "530006.222 180446.284" || { echo "installed Python package gave '$out'"; exit 1; }
+  echo "installed Python package: ok"
+fi
 echo "install, find_package, pkg-config and the installed program: ok"
