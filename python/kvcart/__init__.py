@@ -121,6 +121,7 @@ class CRS:
 
     @property
     def name(self):
+        """The system's name (the WKT's, the registry's or the catalogue's)."""
         return self._core.name
 
     @property
@@ -319,14 +320,17 @@ class Transformer:
 
     @property
     def source_crs(self):
+        """The CRS points are converted from (FORWARD)."""
         return self._source
 
     @property
     def target_crs(self):
+        """The CRS points are converted to (FORWARD)."""
         return self._target
 
     @property
     def always_xy(self):
+        """Whether every side's coordinates are taken and given x first."""
         return self._always_xy
 
     @property

@@ -198,3 +198,24 @@ def test_texts_the_library_cannot_write():
     # OGC WKT 1 has no form for a two-parallel Lambert with a scale factor.
     with pytest.raises(ValueError, match="no OGC WKT"):
         kvcart.CRS("EPSG:6201").to_wkt()
+
+
+def test_help_shows_what_every_public_name_does():
+    import inspect
+    import pydoc
+
+    import kvcart.dask
+
+    for module in (kvcart, kvcart.dask):
+        for name in module.__all__:
+            thing = getattr(module, name)
+            assert (thing.__doc__ or "").strip(), "%s.%s" % (module.__name__, name)
+            if inspect.isclass(thing) and not issubclass(thing, tuple):
+                for member, value in vars(thing).items():
+                    if member.startswith("_"):
+                        continue
+                    value = value.__func__ if isinstance(value, (classmethod, staticmethod)) else value
+                    assert (value.__doc__ or "").strip(), "%s.%s" % (name, member)
+    shown = pydoc.render_doc(kvcart.Transformer, renderer=pydoc.plaintext)
+    for words in ("from_crs", "always_xy", "threads", "INVERSE", "NaN"):
+        assert words in shown
