@@ -364,9 +364,13 @@ class Transformer:
         for name, a in zip(("yy", "zz"), arrays[1:]):
             if a.shape != arrays[0].shape:
                 raise ValueError("xx and %s differ in shape: %s and %s" % (name, arrays[0].shape, a.shape))
-        out = [_np.array(a, dtype=_np.float64, order="C", copy=True) for a in arrays]
-        flat = [a.reshape(-1) for a in out]
-        self._core.run(flat[0], flat[1], flat[2] if zz is not None else None, inverse, count)
+        # The core reads the inputs where they lie (a one-dimensional view with
+        # any stride; a copy for other dtypes and for arrays of more dimensions
+        # that are not contiguous) and writes new arrays.
+        source = [_np.asarray(a, dtype=_np.float64) for a in arrays]
+        source = [a if a.ndim == 1 else a.reshape(-1) for a in source]
+        out = [_np.empty(a.shape, dtype=_np.float64) for a in arrays]
+        self._core.run(tuple(source), tuple(a.reshape(-1) for a in out), inverse, count)
         if scalar:
             return tuple(float(a) for a in out)
         return tuple(out)
@@ -392,7 +396,7 @@ class Transformer:
         # an array of more dimensions that is not contiguous goes through a copy.
         views = [a if a.ndim == 1 else a.reshape(-1) if a.flags.c_contiguous else None for _, a in given]
         work = [_np.ascontiguousarray(a).reshape(-1) if v is None else v for (_, a), v in zip(given, views)]
-        self._core.run(work[0], work[1], work[2] if zz is not None else None, inverse, threads)
+        self._core.run(tuple(work), tuple(work), inverse, threads)
         for (_, a), v, w in zip(given, views, work):
             if v is None:
                 a[...] = w.reshape(a.shape)

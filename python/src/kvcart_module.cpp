@@ -368,46 +368,46 @@ public:
     double Unit(bool source) const { return m_units[source ? 0 : 1]; }
     bool Swaps(bool source) const { return m_swap[source ? 0 : 1]; }
 
-    // x, y and (unless None) h: one-dimensional, writable float64 arrays of
-    // one length, with any strides; converted in place. threads > 1 splits the
+    // source: x, y and, when there are three, heights; target: as many
+    // arrays for the results, which may be the source arrays themselves (in
+    // place). One-dimensional float64 arrays of one length, with any strides;
+    // the targets writable and apart from one another. threads > 1 splits the
     // points into that many contiguous runs, each converted on a thread of its
     // own; the results are those of one thread, bit for bit, since every point
     // is converted on its own.
-    void Run(py::array x, py::array y, py::object h, bool inverse, int threads) const
+    void Run(const py::tuple& source, const py::tuple& target, bool inverse, int threads) const
     {
-        py::array z;
-        const bool heights = !h.is_none();
-        if (heights) {
-            if (!py::isinstance<py::array>(h))
-                throw py::type_error("run() takes float64 arrays");
-            z = py::reinterpret_borrow<py::array>(h);
-        }
-        py::array* arrays[3] = {&x, &y, heights ? &z : nullptr};
-        for (py::array* a : arrays) {
-            if (a == nullptr)
-                continue;
+        const std::size_t axes = source.size();
+        if ((axes != 2 && axes != 3) || target.size() != axes)
+            throw py::value_error("run() takes two or three source arrays and as many target arrays");
+        SPoints points;
+        for (std::size_t k = 0; k < 2 * axes; ++k) {
+            const py::handle item = k < axes ? source[k] : target[k - axes];
             // Equivalent to native float64, not the same dtype object: an
             // unpickled array carries a dtype of its own.
-            if (a->ndim() != 1 || !py::isinstance<py::array_t<double>>(*a))
+            if (!py::isinstance<py::array_t<double>>(item) || py::reinterpret_borrow<py::array>(item).ndim() != 1)
                 throw py::type_error("run() takes one-dimensional float64 arrays");
-            if (!a->writeable())
-                throw py::value_error("the arrays are not writable");
-            if (a->shape(0) != x.shape(0))
+            py::array a = py::reinterpret_borrow<py::array>(item);
+            if (k > 0 && static_cast<std::size_t>(a.shape(0)) != points.n)
                 throw py::value_error("the arrays differ in length");
+            points.n = static_cast<std::size_t>(a.shape(0));
+            if (k < axes) {
+                points.in[k] = static_cast<const char*>(a.data());
+                points.inStride[k] = a.strides(0);
+            } else {
+                if (!a.writeable())
+                    throw py::value_error("the target arrays are not writable");
+                points.out[k - axes] = static_cast<char*>(a.mutable_data());
+                points.outStride[k - axes] = a.strides(0);
+            }
         }
+        if (points.n > 0)
+            for (std::size_t i = 0; i < axes; ++i)
+                for (std::size_t j = i + 1; j < axes; ++j)
+                    if (points.out[i] == points.out[j])
+                        throw py::value_error("two of the target arrays are the same memory");
         if (threads < 1)
             throw py::value_error("threads must be at least 1");
-        SPoints points;
-        points.n = static_cast<std::size_t>(x.shape(0));
-        points.base[0] = static_cast<char*>(x.mutable_data());
-        points.base[1] = static_cast<char*>(y.mutable_data());
-        points.base[2] = heights ? static_cast<char*>(z.mutable_data()) : nullptr;
-        points.stride[0] = x.strides(0);
-        points.stride[1] = y.strides(0);
-        points.stride[2] = heights ? z.strides(0) : 0;
-        if (points.n > 0 && (points.base[0] == points.base[1] || (heights && (points.base[2] == points.base[0] ||
-                                                                             points.base[2] == points.base[1]))))
-            throw py::value_error("two of the arrays are the same memory");
 
         // Fewer threads than asked for when there are few points: a thread is
         // worth its start only over some thousands of them.
@@ -453,8 +453,10 @@ private:
     struct SPoints
     {
         std::size_t n = 0;
-        char* base[3] = {nullptr, nullptr, nullptr};
-        std::ptrdiff_t stride[3] = {0, 0, 0};
+        const char* in[3] = {nullptr, nullptr, nullptr};
+        char* out[3] = {nullptr, nullptr, nullptr};
+        std::ptrdiff_t inStride[3] = {0, 0, 0};
+        std::ptrdiff_t outStride[3] = {0, 0, 0};
     };
 
     // Converts points [begin, end) through blocks on the stack: no allocation
@@ -464,23 +466,26 @@ private:
         const int in = inverse ? 1 : 0, out = inverse ? 0 : 1;
         const double unitIn = m_units[in], unitOut = m_units[out];
         const bool swapIn = m_swap[in], swapOut = m_swap[out];
-        const bool heights = points.base[2] != nullptr;
+        const bool heights = points.in[2] != nullptr;
         constexpr std::size_t Block = 256;
         double bx[Block], by[Block], bh[Block];
-        auto at = [&points](int axis, std::size_t k) {
-            return reinterpret_cast<double*>(points.base[axis] +
-                                             static_cast<std::ptrdiff_t>(k) * points.stride[axis]);
+        auto from = [&points](int axis, std::size_t k) {
+            return *reinterpret_cast<const double*>(points.in[axis] +
+                                                    static_cast<std::ptrdiff_t>(k) * points.inStride[axis]);
+        };
+        auto to = [&points](int axis, std::size_t k) {
+            return reinterpret_cast<double*>(points.out[axis] + static_cast<std::ptrdiff_t>(k) * points.outStride[axis]);
         };
         for (std::size_t first = begin; first < end; first += Block) {
             const std::size_t count = end - first < Block ? end - first : Block;
             for (std::size_t i = 0; i < count; ++i) {
-                const double vx = *at(0, first + i), vy = *at(1, first + i);
+                const double vx = from(0, first + i), vy = from(1, first + i);
                 bx[i] = swapIn ? vy : vx;
                 by[i] = swapIn ? vx : vy;
             }
             if (heights)
                 for (std::size_t i = 0; i < count; ++i)
-                    bh[i] = *at(2, first + i);
+                    bh[i] = from(2, first + i);
             if (unitIn != 1.0)
                 for (std::size_t i = 0; i < count; ++i) {
                     bx[i] *= unitIn;
@@ -496,12 +501,12 @@ private:
                     by[i] /= unitOut;
                 }
             for (std::size_t i = 0; i < count; ++i) {
-                *at(0, first + i) = swapOut ? by[i] : bx[i];
-                *at(1, first + i) = swapOut ? bx[i] : by[i];
+                *to(0, first + i) = swapOut ? by[i] : bx[i];
+                *to(1, first + i) = swapOut ? bx[i] : by[i];
             }
             if (heights)
                 for (std::size_t i = 0; i < count; ++i)
-                    *at(2, first + i) = bh[i];
+                    *to(2, first + i) = bh[i];
         }
     }
 
@@ -708,6 +713,6 @@ PYBIND11_MODULE(_kvcart, m)
         .def_property_readonly("message", &CoreTransformer::Message)
         .def("unit", &CoreTransformer::Unit, py::arg("source"))
         .def("swaps", &CoreTransformer::Swaps, py::arg("source"))
-        .def("run", &CoreTransformer::Run, py::arg("x"), py::arg("y"), py::arg("h"), py::arg("inverse"),
+        .def("run", &CoreTransformer::Run, py::arg("source"), py::arg("target"), py::arg("inverse"),
              py::arg("threads"));
 }

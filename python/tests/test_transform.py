@@ -285,23 +285,35 @@ def test_inplace_refusals(utm):
 
 def test_core_refuses_what_the_package_never_hands_it(utm):
     core = utm._core
+    a, b, c = np.zeros(2), np.zeros(2), np.zeros(2)
     with pytest.raises(TypeError, match="one-dimensional"):
-        core.run(np.zeros((2, 2)), np.zeros((2, 2)), None, False, 1)
+        core.run((np.zeros((2, 2)), np.zeros((2, 2))), (a, b), False, 1)
     with pytest.raises(TypeError, match="float64"):
-        core.run(np.zeros(2, np.float32), np.zeros(2, np.float32), None, False, 1)
+        core.run((np.zeros(2, np.float32), a), (a, b), False, 1)
     with pytest.raises(TypeError, match="float64"):
-        core.run(np.zeros(2), np.zeros(2), [0.0, 0.0], False, 1)
+        core.run((a, b), (a, [0.0, 0.0]), False, 1)
+    with pytest.raises(ValueError, match="two or three"):
+        core.run((a, b, c), (a, b), False, 1)
     with pytest.raises(ValueError, match="length"):
-        core.run(np.zeros(2), np.zeros(3), None, False, 1)
+        core.run((a, np.zeros(3)), (a, b), False, 1)
     with pytest.raises(ValueError, match="length"):
-        core.run(np.zeros(2), np.zeros(2), np.zeros(3), False, 1)
-    a, b = np.zeros(2), np.zeros(2)
+        core.run((a, b), (a, np.zeros(3)), False, 1)
     with pytest.raises(ValueError, match="same memory"):
-        core.run(a, a, None, False, 1)
+        core.run((a, b), (a, a), False, 1)
     with pytest.raises(ValueError, match="same memory"):
-        core.run(a, b, b, False, 1)
+        core.run((a, b, c), (a, b, b), False, 1)
+    readonly = np.zeros(2)
+    readonly.flags.writeable = False
+    with pytest.raises(ValueError, match="writable"):
+        core.run((a, b), (readonly, c), False, 1)
     with pytest.raises(ValueError, match="threads"):
-        core.run(a, b, None, False, 0)
+        core.run((a, b), (a, b), False, 0)
+    # Read-only input is read where it lies, into other arrays.
+    readonly = np.array([9.0, 48.0])
+    readonly.flags.writeable = False
+    out = np.zeros(2), np.zeros(2)
+    core.run((readonly[:1], readonly[1:]), (out[0][:1], out[1][:1]), False, 1)
+    assert out[0][0] == 500000.0
 
 
 def test_from_crs_refusals():
