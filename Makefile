@@ -46,11 +46,18 @@ test-tsan: deps
 # Three runs of each benchmark, reported by their mean, median and spread, then
 # the ratios (from the medians) against PROJ, the per-point path and the
 # vector-maths reference. BENCH_ARGS passes Google Benchmark options, such as
-# BENCH_ARGS=--benchmark_filter=Interface.
+# BENCH_ARGS=--benchmark_filter=Interface. Then the Python package beside
+# pyproj and the C batch function (python/bench.py; PY_BENCH_ARGS passes its
+# options, such as PY_BENCH_ARGS=--no-dask).
 bench: deps
 	$(CMAKE) -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DKVCART_BENCH=ON -DKVCART_TESTS=OFF
 	$(CMAKE) --build $(BENCH_BUILD) -j $(JOBS)
 	$(BENCH_BUILD)/bench/kvcart_bench --benchmark_repetitions=3 --benchmark_report_aggregates_only=true $(BENCH_ARGS)
+	@if [ -d $(BENCH_BUILD)/python/kvcart ]; then \
+		PYTHONPATH=$(BENCH_BUILD)/python KVCART_USER_DIR=$(BENCH_BUILD)/python-user/ \
+			$$(sed -n 's/^Python3_EXECUTABLE:FILEPATH=//p' $(BENCH_BUILD)/CMakeCache.txt) python/bench.py \
+			--lib $(BENCH_BUILD)/libkvcart.so $(PY_BENCH_ARGS); \
+	fi
 
 # libFuzzer under ASan and UBSan (clang): any crash, hang (10 s), leak or sanitizer
 # report fails. New inputs go to a scratch corpus; the committed seeds stay as they are.

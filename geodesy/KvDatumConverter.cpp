@@ -24,6 +24,23 @@ bool EllipsoidOf(const CKvMapProjection* system, CKvEllipsoid& ellipsoid)
     return system->GetProjection() != nullptr && system->GetProjection()->GetAnonymousEllipsoid(ellipsoid);
 }
 
+// Whether two ellipsoids are one figure for a change of datum: equivalent, or
+// GRS 80 and WGS 84. Those two share their semi-major axis and differ in the
+// flattening's eleventh digit (0.1 mm in the semi-minor axis); geodesy takes
+// them as one figure, and the registry's zero-parameter transformations from
+// datums on GRS 80 to WGS 84 (RGF93, ETRS89, NAD83, GDA94 and others) keep
+// latitude and longitude as they are, as PROJ applies them (a null
+// operation), rather than moving points by up to 0.1 mm through a geocentric
+// step from one flattening to the other.
+bool OneFigure(const CKvEllipsoid& a, const CKvEllipsoid& b)
+{
+    if (a.IsEquivalent(b))
+        return true;
+    const CKvEllipsoid grs80("GRS 1980", "", 6378137.0, 298.257222101);
+    const CKvEllipsoid wgs84("WGS 84", "", 6378137.0, 298.257223563);
+    return (a.IsEquivalent(grs80) && b.IsEquivalent(wgs84)) || (a.IsEquivalent(wgs84) && b.IsEquivalent(grs80));
+}
+
 // The shift as the converter uses it: rotations from arc-seconds to radians,
 // the scale from ppm to a plain correction.
 CKvCartDef::ETypeOfDatumShift TakeShift(const CKvMapProjection* system, double* shift)
@@ -239,7 +256,7 @@ void CKvDatumConverter::_init()
     const bool targetKnown = EllipsoidOf(m_pTarget, targetEllipsoid);
     m_sourceOwn = sourceKnown ? CKvGeocentric(sourceEllipsoid) : CKvGeocentric();
     m_targetOwn = targetKnown ? CKvGeocentric(targetEllipsoid) : CKvGeocentric();
-    m_sameEllipsoid = sourceKnown && targetKnown && sourceEllipsoid.IsEquivalent(targetEllipsoid);
+    m_sameEllipsoid = sourceKnown && targetKnown && OneFigure(sourceEllipsoid, targetEllipsoid);
     m_sourceType = TakeShift(m_pSource, m_sourceShift);
     m_targetType = TakeShift(m_pTarget, m_targetShift);
     m_explicitShift = false;

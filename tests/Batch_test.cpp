@@ -239,11 +239,17 @@ TEST(Batch, CInterfaceAndDatumConverter)
     }
     C_KVMP_DESTROY(&utm, &status);
 
-    // UTM 31 on WGS 84 to Lambert-93 on GRS 1980 through geocentric coordinates
-    // (the two figures differ): in place with and without heights, against
-    // the single-point conversion.
+    // UTM 31 on WGS 84 to UTM 31 on ED50 (International 1924) through
+    // geocentric coordinates and the shift: in place with and without
+    // heights, against the single-point conversion.
+    const char ed50Utm31[] =
+        "PROJCS[\"ED50 / UTM zone 31N\",GEOGCS[\"ED50\",DATUM[\"European_Datum_1950\",SPHEROID[\"International "
+        "1924\",6378388,297],TOWGS84[-87,-98,-121,0,0,0,0]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\","
+        "0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\",0],"
+        "PARAMETER[\"central_meridian\",3],PARAMETER[\"scale_factor\",0.9996],PARAMETER[\"false_easting\",500000],"
+        "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]";
     KVDC_HANDLE converter = nullptr;
-    C_KVDC_CREATE("UTM-31", kLambert93NorthEast, &converter, &status);
+    C_KVDC_CREATE("UTM-31", ed50Utm31, &converter, &status);
     ASSERT_EQ(status, 0);
     C_KVDC_SETCONVERSIONTYPE(converter, 0);
     ASSERT_EQ(C_KVDC_GETBYPASSXYZ(converter), 0);

@@ -443,6 +443,56 @@ TEST(DatumConverter, LongLatIsWgs84WhenTheOtherSideHasAShift)
 // Values outside the enumerations, missing or non-finite shift values: refused,
 // the converter left as it was. The C interface reports -1 for a refused shift
 // and leaves the conversion type; the C++ members throw std::invalid_argument.
+// GRS 80 and WGS 84 are one figure for a change of datum: a zero shift between
+// them keeps latitude and longitude, as PROJ applies the registry's
+// zero-parameter transformations (RGF93 to WGS 84, EPSG:1671: +proj=noop). A
+// zero shift between other figures still goes through geocentric coordinates,
+// as PROJ does for a TOWGS84 of zeros on International 1924 (45 N on it is
+// 44.99917787 N on WGS 84).
+TEST(DatumConverter, GrsEightyAndWgs84AreOneFigure)
+{
+    kvtest::ShippedCatalogue();
+    const std::string wgs84 = CKvMapProjection::IDtoProjectionString(CKvMapProjection::eWgs84Geographic);
+    auto geographic = [](const char* name, const char* figure) {
+        return std::string("GEOGCS[\"X\",DATUM[\"X_datum\",SPHEROID[\"E\",") + figure +
+               "],TOWGS84[0,0,0,0,0,0,0]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]" + name;
+    };
+    const std::string grs80 = geographic("", "6378137,298.257222101");
+    CKvDatumConverter same(grs80.c_str(), wgs84.c_str());
+    same.SetConversionType(CKvDatumConverter::eGeoToGeo);
+    EXPECT_TRUE(same.GetBypassXYZ());
+    double x = 10.0, y = 45.0, h = 100.0;
+    same.Convert(x, y, h);
+    EXPECT_EQ(x, 10.0);
+    EXPECT_EQ(y, 45.0);
+    EXPECT_EQ(h, 100.0);
+
+    const std::string hayford = geographic("", "6378388,297");
+    CKvDatumConverter other(hayford.c_str(), wgs84.c_str());
+    other.SetConversionType(CKvDatumConverter::eGeoToGeo);
+    EXPECT_FALSE(other.GetBypassXYZ());
+    x = 10.0, y = 45.0;
+    other.Convert(x, y);
+    EXPECT_NEAR(y, 44.999177869798686, 1e-9);
+    // A flattening near GRS 80's that is not it is another figure, as for PROJ.
+    const std::string near = geographic("", "6378137,298.257222");
+    CKvDatumConverter nearly(near.c_str(), wgs84.c_str());
+    nearly.SetConversionType(CKvDatumConverter::eGeoToGeo);
+    EXPECT_FALSE(nearly.GetBypassXYZ());
+
+    // WGS 84 to Lambert-93 (RGF93, known shift of zero) only projects: the
+    // registry's points, PROJ's to the nanometre.
+    CKvDatumConverter lambert(wgs84.c_str(), "EPSG:2154");
+    lambert.SetConversionType(CKvDatumConverter::eGeoToProj);
+    EXPECT_TRUE(lambert.GetBypassXYZ());
+    x = 2.35, y = 48.85;
+    lambert.Convert(x, y);
+    double px = 0.0, py = 0.0;
+    CKvMapProjection("EPSG:2154").Geo2Proj(2.35, 48.85, &px, &py);
+    EXPECT_EQ(x, px);
+    EXPECT_EQ(y, py);
+}
+
 TEST(DatumConverter, RefusesWhatIsNotATypeOrAShift)
 {
     kvtest::ShippedCatalogue();
