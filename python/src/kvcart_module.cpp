@@ -23,6 +23,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <initializer_list>
 #include <memory>
 #include <stdexcept>
@@ -467,6 +468,26 @@ private:
         const double unitIn = m_units[in], unitOut = m_units[out];
         const bool swapIn = m_swap[in], swapOut = m_swap[out];
         const bool heights = points.in[2] != nullptr;
+        // Contiguous arrays in the engines' own axes and unit (the common case:
+        // lon/lat to metres) go to the converter as they lie, after one copy of
+        // the input into the output when they differ.
+        bool direct = !swapIn && !swapOut && unitIn == 1.0 && unitOut == 1.0;
+        for (int axis = 0; axis < (heights ? 3 : 2); ++axis)
+            direct = direct && points.inStride[axis] == sizeof(double) && points.outStride[axis] == sizeof(double);
+        if (direct) {
+            double* target[3] = {nullptr, nullptr, nullptr};
+            for (int axis = 0; axis < (heights ? 3 : 2); ++axis) {
+                target[axis] = reinterpret_cast<double*>(points.out[axis]) + begin;
+                const double* source = reinterpret_cast<const double*>(points.in[axis]) + begin;
+                if (source != target[axis])
+                    std::memmove(target[axis], source, (end - begin) * sizeof(double));
+            }
+            if (inverse)
+                m_converter->InvConvert(end - begin, target[0], target[1], target[2]);
+            else
+                m_converter->Convert(end - begin, target[0], target[1], target[2]);
+            return;
+        }
         constexpr std::size_t Block = 256;
         double bx[Block], by[Block], bh[Block];
         auto from = [&points](int axis, std::size_t k) {
