@@ -430,3 +430,23 @@ def test_threads_give_the_single_thread_bits(utm, rng, threads):
 def test_threads_refusals(utm, bad, error):
     with pytest.raises(error, match="threads"):
         utm.transform(9.0, 48.0, threads=bad)
+
+
+@pytest.mark.parametrize("target", ["EPSG:32632", "EPSG:27700", "EPSG:2193", "EPSG:2263"])
+def test_contiguous_and_strided_arrays_give_the_same_bits(target, rng):
+    # Contiguous arrays in the engines' axes and unit are converted where they
+    # lie; strided ones, swapped axes and other units through a block buffer.
+    t = kvcart.Transformer.from_crs("EPSG:4326", target)
+    lon = rng.uniform(-180.0, 180.0, 5000)
+    lat = rng.uniform(-90.0, 90.0, 5000)
+    h = rng.uniform(-100.0, 3000.0, 5000)
+    lon[::7] = np.nan
+    wide = np.empty((3, 5000 * 2))
+    wide[0, ::2], wide[1, ::2], wide[2, ::2] = lon, lat, h
+    for heights in (False, True):
+        args = (lon, lat, h) if heights else (lon, lat)
+        strided = (wide[0, ::2], wide[1, ::2], wide[2, ::2]) if heights else (wide[0, ::2], wide[1, ::2])
+        for direction in ("FORWARD", "INVERSE"):
+            a = t.transform(*args, direction=direction)
+            b = t.transform(*strided, direction=direction)
+            assert all(np.array_equal(u, v, equal_nan=True) for u, v in zip(a, b))
