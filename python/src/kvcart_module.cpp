@@ -475,17 +475,23 @@ private:
         for (int axis = 0; axis < (heights ? 3 : 2); ++axis)
             direct = direct && points.inStride[axis] == sizeof(double) && points.outStride[axis] == sizeof(double);
         if (direct) {
-            double* target[3] = {nullptr, nullptr, nullptr};
-            for (int axis = 0; axis < (heights ? 3 : 2); ++axis) {
-                target[axis] = reinterpret_cast<double*>(points.out[axis]) + begin;
-                const double* source = reinterpret_cast<const double*>(points.in[axis]) + begin;
-                if (source != target[axis])
-                    std::memmove(target[axis], source, (end - begin) * sizeof(double));
+            // In runs that stay in the core's cache between the copy and the
+            // conversion, so that memory is passed over once.
+            constexpr std::size_t Run = 8192;
+            for (std::size_t first = begin; first < end; first += Run) {
+                const std::size_t count = end - first < Run ? end - first : Run;
+                double* target[3] = {nullptr, nullptr, nullptr};
+                for (int axis = 0; axis < (heights ? 3 : 2); ++axis) {
+                    target[axis] = reinterpret_cast<double*>(points.out[axis]) + first;
+                    const double* source = reinterpret_cast<const double*>(points.in[axis]) + first;
+                    if (source != target[axis])
+                        std::memmove(target[axis], source, count * sizeof(double));
+                }
+                if (inverse)
+                    m_converter->InvConvert(count, target[0], target[1], target[2]);
+                else
+                    m_converter->Convert(count, target[0], target[1], target[2]);
             }
-            if (inverse)
-                m_converter->InvConvert(end - begin, target[0], target[1], target[2]);
-            else
-                m_converter->Convert(end - begin, target[0], target[1], target[2]);
             return;
         }
         constexpr std::size_t Block = 256;
