@@ -5,6 +5,7 @@
 #include "coordsys/KvMapProjection.h"
 #include "projections/KvAngle.h"
 #include "projections/KvBatch.h"
+#include "projections/KvMathKernel.h"
 #include "projections/KvProjection.h"
 
 #include <algorithm>
@@ -59,7 +60,27 @@ CKvCartDef::ETypeOfDatumShift TakeShift(const CKvMapProjection* system, double* 
     return type;
 }
 
-// Position-vector Helmert, small angles: from the shift's datum to WGS 84.
+// Position-vector Helmert, small angles (EPSG method 9606), all seven
+// parameters: from the shift's datum to WGS 84.
+KVCART_ALWAYS_INLINE void ApplyHelmert(const double* s, double& X, double& Y, double& Z)
+{
+    const double k = 1.0 + s[6];
+    const double x = X, y = Y, z = Z;
+    X = (x - s[5] * y + s[4] * z) * k + s[0];
+    Y = (s[5] * x + y - s[3] * z) * k + s[1];
+    Z = (-s[4] * x + s[3] * y + z) * k + s[2];
+}
+
+// From WGS 84 back to the shift's datum: the transposed rotation, divided by the scale.
+KVCART_ALWAYS_INLINE void RemoveHelmert(const double* s, double& X, double& Y, double& Z)
+{
+    const double k = 1.0 + s[6];
+    const double dx = X - s[0], dy = Y - s[1], dz = Z - s[2];
+    X = (dx + s[5] * dy - s[4] * dz) / k;
+    Y = (-s[5] * dx + dy + s[3] * dz) / k;
+    Z = (s[4] * dx - s[3] * dy + dz) / k;
+}
+
 void ApplyShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X, double& Y, double& Z)
 {
     if (type == CKvCartDef::eThreeParameters) {
@@ -67,15 +88,10 @@ void ApplyShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X, 
         Y += s[1];
         Z += s[2];
     } else if (type == CKvCartDef::eSevenParameters) {
-        const double k = 1.0 + s[6];
-        const double x = X, y = Y, z = Z;
-        X = (x - s[5] * y + s[4] * z) * k + s[0];
-        Y = (s[5] * x + y - s[3] * z) * k + s[1];
-        Z = (-s[4] * x + s[3] * y + z) * k + s[2];
+        ApplyHelmert(s, X, Y, Z);
     }
 }
 
-// From WGS 84 back to the shift's datum: the transposed rotation, divided by the scale.
 void RemoveShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X, double& Y, double& Z)
 {
     if (type == CKvCartDef::eThreeParameters) {
@@ -83,12 +99,31 @@ void RemoveShift(CKvCartDef::ETypeOfDatumShift type, const double* s, double& X,
         Y -= s[1];
         Z -= s[2];
     } else if (type == CKvCartDef::eSevenParameters) {
-        const double k = 1.0 + s[6];
-        const double dx = X - s[0], dy = Y - s[1], dz = Z - s[2];
-        X = (dx + s[5] * dy - s[4] * dz) / k;
-        Y = (-s[5] * dx + dy + s[3] * dz) / k;
-        Z = (s[4] * dx - s[3] * dy + dz) / k;
+        RemoveHelmert(s, X, Y, Z);
     }
+}
+
+// The geocentric step by the math kernels, the same arithmetic in the block
+// loop and in a single call. Both shifts are applied in their seven-parameter
+// form whatever their type: the values a shift does not use are zero (as
+// TakeShift and SetDatumShift leave them), and with zero rotations and a scale
+// of exactly 1 the form adds the translation alone, bit for bit, and leaves
+// the coordinates as they are for no shift. lon, lat and h are replaced only
+// where the step holds (the return value); elsewhere they stay for the
+// general step.
+KVCART_ALWAYS_INLINE bool KernelStep(const CKvGeocentric& from, const CKvGeocentric& to, const double* apply,
+                                     const double* remove, double& lon, double& lat, double& h)
+{
+    CKvGeocentric::SAngles angles;
+    double X, Y, Z, lonOut, latOut, hOut;
+    const bool in = from.ForwardKernel(lon, lat, h, X, Y, Z, angles);
+    ApplyHelmert(apply, X, Y, Z);
+    RemoveHelmert(remove, X, Y, Z);
+    const bool ok = in & to.InverseNear(X, Y, Z, angles, lonOut, latOut, hOut);
+    lon = ok ? lonOut : lon;
+    lat = ok ? latOut : lat;
+    h = ok ? hOut : h;
+    return ok;
 }
 
 // What a datum is, as the converter compares two sides.
@@ -395,6 +430,45 @@ void CKvDatumConverter::_geocentric(double& lon, double& lat, double& h, bool fo
 {
     if (m_bypass)
         return;
+    const bool kernel = forward ? KernelStep(m_sourceFigure, m_targetFigure, m_sourceShift, m_targetShift, lon, lat, h)
+                                : KernelStep(m_targetFigure, m_sourceFigure, m_targetShift, m_sourceShift, lon, lat, h);
+    if (!kernel)
+        _geocentricGeneral(lon, lat, h, forward);
+}
+
+void CKvDatumConverter::_geocentricBlock(const CKvDatumConverter& self, std::size_t count, double* lon, double* lat,
+                                         double* h, bool forward, bool* ok)
+{
+    // Local copies: nothing the loop writes can alias them, so the figures and
+    // shifts stay in registers.
+    const CKvGeocentric from = forward ? self.m_sourceFigure : self.m_targetFigure;
+    const CKvGeocentric to = forward ? self.m_targetFigure : self.m_sourceFigure;
+    constexpr int Count = CKvDatumShift::NoOfParameters;
+    const double* first = forward ? self.m_sourceShift : self.m_targetShift;
+    const double* second = forward ? self.m_targetShift : self.m_sourceShift;
+    double applied[Count], removed[Count];
+    std::copy(first, first + Count, applied);
+    std::copy(second, second + Count, removed);
+    KVCART_SIMD_LOOP
+    for (std::size_t i = 0; i < count; ++i)
+        ok[i] = KernelStep(from, to, applied, removed, lon[i], lat[i], h[i]);
+}
+
+void CKvDatumConverter::_geocentricGeneral(double& lon, double& lat, double& h, bool forward) const
+{
+    // A longitude beyond +-180 is brought onto the globe by the exact
+    // remainder, as Forward does, and then goes through the kernels as the
+    // same meridian written within +-180 does (540 and 180 give one point).
+    if (!(std::fabs(lon) <= 180.0)) {
+        double onGlobe = CKvAngle::ReduceLongitudeDegrees(lon);
+        const bool kernel =
+            forward ? KernelStep(m_sourceFigure, m_targetFigure, m_sourceShift, m_targetShift, onGlobe, lat, h)
+                    : KernelStep(m_targetFigure, m_sourceFigure, m_targetShift, m_sourceShift, onGlobe, lat, h);
+        if (kernel) {
+            lon = onGlobe;
+            return;
+        }
+    }
     const CKvGeocentric& from = forward ? m_sourceFigure : m_targetFigure;
     const CKvGeocentric& to = forward ? m_targetFigure : m_sourceFigure;
     double X = 0.0, Y = 0.0, Z = 0.0;
@@ -540,7 +614,8 @@ void CKvDatumConverter::_convert(std::size_t n, double* x, double* y, double* h,
     const CKvMapProjection* to = ends.to;
     const bool projectedIn = ends.projectedIn, projectedOut = ends.projectedOut;
     constexpr std::size_t Block = CKvBatch::BlockSize;
-    double lon[Block], lat[Block];
+    alignas(64) double lon[Block], lat[Block], height[Block];
+    bool ok[Block];
     for (std::size_t first = 0; first < n; first += Block) {
         const std::size_t count = n - first < Block ? n - first : Block;
         double* bx = x + first;
@@ -556,12 +631,15 @@ void CKvDatumConverter::_convert(std::size_t n, double* x, double* y, double* h,
             std::copy(by, by + count, lat);
         }
         if (!m_bypass) {
-            for (std::size_t i = 0; i < count; ++i) {
-                double height = h != nullptr ? h[first + i] : 0.0;
-                _geocentric(lon[i], lat[i], height, forward);
-                if (h != nullptr)
-                    h[first + i] = height;
-            }
+            for (std::size_t i = 0; i < count; ++i)
+                height[i] = h != nullptr ? h[first + i] : 0.0;
+            _geocentricBlock(*this, count, lon, lat, height, forward, ok);
+            // The points the kernels leave, as a single call computes them.
+            for (std::size_t i = 0; i < count; ++i)
+                if (!ok[i])
+                    _geocentricGeneral(lon[i], lat[i], height[i], forward);
+            if (h != nullptr)
+                std::copy(height, height + count, h + first);
         }
         if (projectedOut) {
             to->Geo2Proj(count, lon, lat, bx, by);

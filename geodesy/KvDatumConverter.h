@@ -4,6 +4,7 @@
 #include "geodesy/KvCartDef.h"
 #include "geodesy/KvDatumShift.h"
 #include "geodesy/KvGeocentric.h"
+#include "projections/KvBatch.h"
 
 #include <cstddef>
 #include <string>
@@ -129,8 +130,16 @@ private:
     void _settle();
     // The datum of each side, a shift shared on one datum, and the message.
     void _judgeDatums(bool share);
-    // lon/lat/h of the source through geocentric coordinates to the target (forward).
+    // lon/lat/h of the source through geocentric coordinates to the target
+    // (forward): the kernels' step where it holds, else the general one.
     void _geocentric(double& lon, double& lat, double& h, bool forward) const;
+    // The rest: a longitude beyond +-180 reduced and given to the kernels again,
+    // else the general step (CKvGeocentric's Forward and Inverse and the shifts).
+    void _geocentricGeneral(double& lon, double& lat, double& h, bool forward) const;
+    // The kernels' step on a block of points in place, vectorized; ok[i] is
+    // cleared, and the point left as it was, where the general step must answer.
+    KVCART_VECTOR_CLONES static void _geocentricBlock(const CKvDatumConverter& self, std::size_t count, double* lon,
+                                                      double* lat, double* h, bool forward, bool* ok);
     // The system read and the system written, and whether each side is projected.
     struct SEnds
     {

@@ -37,24 +37,9 @@ CKvGeocentric CKvGeocentric::Wgs84()
 
 void CKvGeocentric::Inverse(double X, double Y, double Z, double& lon, double& lat, double& h) const
 {
-    // Bowring, one step: the parametric latitude u from his 1985 start
-    // tan u = (Z / p) ((1 - f) + e^2 a / r), then
-    // tan phi = (Z + e'^2 b sin^3 u) / (p - e^2 a cos^3 u). Sines and cosines
-    // come from the two tangents' numerators and denominators, so that the only
-    // angles computed are the answers; on the polar axis (p = 0) cos u = 0
-    // exactly and phi is +-90 by the sign of Z.
-    const double p = std::sqrt(X * X + Y * Y);
-    const double r = std::sqrt(p * p + Z * Z);
-    const double t = Z * ((1.0 - m_f) + m_e2 * m_a / r);
-    const double d = std::sqrt(t * t + p * p);
-    const double sinU = t / d, cosU = p / d;
-    const double north = Z + m_ep2 * m_b * sinU * sinU * sinU;
-    const double east = p - m_e2 * m_a * cosU * cosU * cosU;
-    const double q = std::sqrt(north * north + east * east);
-    const double sinPhi = north / q, cosPhi = east / q;
-    // The height along the normal, p cos phi + Z sin phi - a^2 / N: no division
-    // by cos phi, which vanishes at the poles.
-    const double height = p * cosPhi + Z * sinPhi - m_a * std::sqrt(1.0 - m_e2 * sinPhi * sinPhi);
+    double p, north, east, sinPhi, cosPhi;
+    _bowring(X, Y, Z, p, north, east, sinPhi, cosPhi);
+    const double height = _height(p, Z, sinPhi, cosPhi);
     // Non-finite input ends here with an infinite or NaN height, the centre with
     // NaN, points beyond reach with a height out of the domain.
     if (!(height >= m_minHeight && height <= MaxHeight && cosPhi >= 0.0)) {

@@ -2,6 +2,7 @@
 #define KVCART_GEODESY_KVGEOCENTRIC_H
 
 #include "projections/KvAngle.h"
+#include "projections/KvMathKernel.h"
 
 #include <cmath>
 
@@ -69,7 +70,96 @@ public:
     }
     void Inverse(double X, double Y, double Z, double& lon, double& lat, double& h) const;
 
+    // The two conversions by the math kernels for a datum shift's geocentric
+    // step, which moves a point by seconds of arc: plain arithmetic without a
+    // branch, so that a vectorized block loop and a single call give the same
+    // bits. Each returns whether its answer holds; where it does not (outside
+    // the domain, a longitude beyond +-180, an angle beyond the series' reach)
+    // the outputs are of no use and Forward and Inverse answer instead.
+
+    // A point's angles as ForwardKernel took them, for InverseNear.
+    struct SAngles
+    {
+        double lon, lat; // degrees
+        double sinPhi, cosPhi, sinLambda, cosLambda;
+    };
+    // Forward for a longitude within +-180, with CKvMathKernel::SinCos for the
+    // sines and cosines (|angle| <= pi, well within its reach). The
+    // antimeridian is one meridian: -180 is taken as 180 (plus 360 times the
+    // test, a product where a select would keep the loop from vectorizing), so
+    // that every longitude of it gives one answer.
+    KVCART_ALWAYS_INLINE bool ForwardKernel(double lon, double lat, double h, double& X, double& Y, double& Z,
+                                            SAngles& angles) const
+    {
+        lon += 360.0 * static_cast<double>(lon == -180.0);
+        const double phi = lat * CKvAngle::Pi / 180.0, lambda = lon * CKvAngle::Pi / 180.0;
+        double sinPhi, cosPhi, sinLambda, cosLambda, versine;
+        CKvMathKernel::SinCos(phi, sinPhi, cosPhi, versine);
+        CKvMathKernel::SinCos(lambda, sinLambda, cosLambda, versine);
+        const double N = m_a / std::sqrt(1.0 - m_e2 * sinPhi * sinPhi);
+        X = (N + h) * cosPhi * cosLambda;
+        Y = (N + h) * cosPhi * sinLambda;
+        Z = (N * (1.0 - m_e2) + h) * sinPhi;
+        angles = SAngles{lon, lat, sinPhi, cosPhi, sinLambda, cosLambda};
+        return (std::fabs(lon) <= 180.0) & (std::fabs(lat) <= 90.0) & (h >= m_minHeight) & (h <= MaxHeight);
+    }
+    // Inverse for a point near the one `near` describes: Bowring as in
+    // Inverse, then the latitude and the longitude as near's plus the small
+    // angles between the directions, atan of the tangents of the differences
+    // (the sine and cosine of phi - phi0 from those of phi and phi0, likewise
+    // for lambda) by CKvMathKernel::AtanSeries instead of two full atan2.
+    KVCART_ALWAYS_INLINE bool InverseNear(double X, double Y, double Z, const SAngles& near, double& lon, double& lat,
+                                          double& h) const
+    {
+        double p, north, east, sinPhi, cosPhi;
+        _bowring(X, Y, Z, p, north, east, sinPhi, cosPhi);
+        h = _height(p, Z, sinPhi, cosPhi);
+        const double numPhi = north * near.cosPhi - east * near.sinPhi;
+        const double denPhi = east * near.cosPhi + north * near.sinPhi;
+        const double numLambda = Y * near.cosLambda - X * near.sinLambda;
+        const double denLambda = X * near.cosLambda + Y * near.sinLambda;
+        const double tPhi = numPhi / denPhi, tLambda = numLambda / denLambda;
+        constexpr double DegreesPerRadian = 180.0 / CKvAngle::Pi;
+        lat = near.lat + CKvMathKernel::AtanSeries(tPhi) * DegreesPerRadian;
+        // A step across the antimeridian comes back to [-180, 180] as atan2's
+        // longitude lies (the sum and 360 share their binade's spacing: exact).
+        const double lonOut = near.lon + CKvMathKernel::AtanSeries(tLambda) * DegreesPerRadian;
+        lon = lonOut > 180.0 ? lonOut - 360.0 : lonOut < -180.0 ? lonOut + 360.0 : lonOut;
+        // Inverse's domain (east >= 0 is cos phi >= 0), the two differences
+        // within the series' reach and on the near side (positive cosines),
+        // and no step across a pole.
+        return (h >= m_minHeight) & (h <= MaxHeight) & (east >= 0.0) & (denPhi > 0.0) & (denLambda > 0.0) &
+               (std::fabs(tPhi) <= CKvMathKernel::AtanSmallLimit) &
+               (std::fabs(tLambda) <= CKvMathKernel::AtanSmallLimit) & (std::fabs(lat) <= 90.0);
+    }
+
 private:
+    // Bowring, one step: the parametric latitude u from his 1985 start
+    // tan u = (Z / p) ((1 - f) + e^2 a / r), then
+    // tan phi = (Z + e'^2 b sin^3 u) / (p - e^2 a cos^3 u) as north / east.
+    // Sines and cosines come from the two tangents' numerators and
+    // denominators, so that the only angles computed are the answers; on the
+    // polar axis (p = 0) cos u = 0 exactly and phi is +-90 by the sign of Z.
+    KVCART_ALWAYS_INLINE void _bowring(double X, double Y, double Z, double& p, double& north, double& east,
+                                       double& sinPhi, double& cosPhi) const
+    {
+        p = std::sqrt(X * X + Y * Y);
+        const double r = std::sqrt(p * p + Z * Z);
+        const double t = Z * ((1.0 - m_f) + m_e2 * m_a / r);
+        const double d = std::sqrt(t * t + p * p);
+        const double sinU = t / d, cosU = p / d;
+        north = Z + m_ep2 * m_b * sinU * sinU * sinU;
+        east = p - m_e2 * m_a * cosU * cosU * cosU;
+        const double q = std::sqrt(north * north + east * east);
+        sinPhi = north / q;
+        cosPhi = east / q;
+    }
+    // The height along the normal, p cos phi + Z sin phi - a^2 / N: no
+    // division by cos phi, which vanishes at the poles.
+    KVCART_ALWAYS_INLINE double _height(double p, double Z, double sinPhi, double cosPhi) const
+    {
+        return p * cosPhi + Z * sinPhi - m_a * std::sqrt(1.0 - m_e2 * sinPhi * sinPhi);
+    }
     void _setFigure(double a, double inverseFlattening);
 
     double m_a;         // semi-major axis

@@ -2,8 +2,10 @@
 // path against a long-double evaluation of the JHS formulas.
 #include "TestSupport.h"
 
+#include "catalogue/KvEllipsoid.h"
 #include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumConverter.h"
+#include "geodesy/KvGeocentric.h"
 #include "interface/KvCart.h"
 #include "projections/KvAlbersEqualArea.h"
 #include "projections/KvCassiniSoldner.h"
@@ -270,6 +272,180 @@ TEST(Batch, CInterfaceAndDatumConverter)
     }
     C_KVDC_CONVERTXY_N(converter, 0, nullptr, nullptr);
     C_KVDC_DESTROY(&converter, &status);
+}
+
+namespace {
+
+// ED50 / UTM 31N with the three-parameter shift of its WKT.
+const char kEd50Utm31[] =
+    "PROJCS[\"ED50 / UTM zone 31N\",GEOGCS[\"ED50\",DATUM[\"European_Datum_1950\",SPHEROID[\"International "
+    "1924\",6378388,297],TOWGS84[-87,-98,-121,0,0,0,0]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\","
+    "0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\",0],"
+    "PARAMETER[\"central_meridian\",3],PARAMETER[\"scale_factor\",0.9996],PARAMETER[\"false_easting\",500000],"
+    "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]";
+// OSGB 1936 / British National Grid with the seven-parameter shift (EPSG:1314).
+const char kOsgbGrid[] =
+    "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\",SPHEROID[\"Airy "
+    "1830\",6377563.396,299.3249646],TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]],PRIMEM[\"Greenwich\","
+    "0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\","
+    "49],PARAMETER[\"central_meridian\",-2],PARAMETER[\"scale_factor\",0.9996012717],PARAMETER[\"false_easting\","
+    "400000],PARAMETER[\"false_northing\",-100000],UNIT[\"metre\",1]]";
+
+// Points of a region and of the whole globe, mixed, heights from -500 to
+// 9000 m, and every few points one that the geocentric step must not take as
+// it takes the others: off the domain (NaN, infinities, 1e308, latitude 91,
+// heights -1e7 and 1e13), the poles, the antimeridian, a longitude of 540.
+struct DatumCloud
+{
+    std::vector<double> x, y, h;
+};
+DatumCloud MakeDatumCloud(double lon0, double lat0, unsigned seed)
+{
+    const double inf = std::numeric_limits<double>::infinity(), nan = std::nan("");
+    const double odd[][3] = {{nan, 50, 0},     {3, nan, 0},         {3, 50, nan},      {inf, 50, 0},
+                             {-inf, 50, 0},    {3, inf, 0},         {3, 50, inf},      {3, 50, -inf},
+                             {1e308, 50, 0},   {3, 1e308, 0},       {3, 91, 0},        {3, -91, 0},
+                             {3, 50, -1e7},    {3, 50, 1e13},       {3, 90, 0},        {3, -90, 100},
+                             {180, 50, 0},     {-180, -50, 0},      {179.99999, 0, 0}, {-179.99999, 10, 0},
+                             {540, 50, 0},     {-540, 50, 0},       {0, 89.9999999, 0}, {3, 50, 1e12}};
+    std::mt19937_64 random(seed);
+    std::uniform_real_distribution<double> u(0.0, 1.0);
+    DatumCloud c;
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < 450; ++i) {
+        if (i % 7 == 3 && next < sizeof odd / sizeof odd[0]) {
+            c.x.push_back(odd[next][0]);
+            c.y.push_back(odd[next][1]);
+            c.h.push_back(odd[next][2]);
+            ++next;
+            continue;
+        }
+        const bool global = i % 2 == 0;
+        c.x.push_back(global ? 360.0 * u(random) - 180.0 : lon0 + 8.0 * u(random) - 4.0);
+        c.y.push_back(global ? 180.0 * u(random) - 90.0 : lat0 + 8.0 * u(random) - 4.0);
+        c.h.push_back(9500.0 * u(random) - 500.0);
+    }
+    return c;
+}
+
+// The converter's n-point calls, both ways, with and without heights, against
+// its single calls: the same bits. Projected inputs are the cloud's points
+// projected by the system read (the odd ones kept as they are).
+void ExpectConverterBatchMatchesSingle(const CKvDatumConverter& converter, const DatumCloud& cloud, const char* name)
+{
+    for (const bool forward : {true, false}) {
+        const CKvDatumConverter::ETypeOfConversion type = converter.GetConversionType();
+        const bool sourceProjected = type == CKvDatumConverter::eProjToProj || type == CKvDatumConverter::eProjToGeo;
+        const bool targetProjected = type == CKvDatumConverter::eProjToProj || type == CKvDatumConverter::eGeoToProj;
+        const CKvMapProjection* read = converter.GetMapProjection(forward);
+        const std::size_t n = cloud.x.size();
+        std::vector<double> x = cloud.x, y = cloud.y;
+        if (forward ? sourceProjected : targetProjected)
+            for (std::size_t i = 0; i < n; ++i)
+                if (i % 7 != 3)
+                    read->Geo2Proj(cloud.x[i], cloud.y[i], &x[i], &y[i]);
+        std::vector<double> bx = x, by = y, hx = x, hy = y, h = cloud.h;
+        if (forward) {
+            converter.Convert(n, bx.data(), by.data());
+            converter.Convert(n, hx.data(), hy.data(), h.data());
+        } else {
+            converter.InvConvert(n, bx.data(), by.data());
+            converter.InvConvert(n, hx.data(), hy.data(), h.data());
+        }
+        std::size_t shifted = 0;
+        for (std::size_t i = 0; i < n; ++i) {
+            double sx = x[i], sy = y[i], tx = x[i], ty = y[i], th = cloud.h[i];
+            if (forward) {
+                converter.Convert(sx, sy);
+                converter.Convert(tx, ty, th);
+            } else {
+                converter.InvConvert(sx, sy);
+                converter.InvConvert(tx, ty, th);
+            }
+            ASSERT_TRUE(Same(bx[i], sx) && Same(by[i], sy) && Same(hx[i], tx) && Same(hy[i], ty) && Same(h[i], th))
+                << name << " type " << type << (forward ? " forward" : " inverse") << " point " << i << ": " << x[i]
+                << " " << y[i] << " " << cloud.h[i];
+            shifted += std::isfinite(th) && th != cloud.h[i];
+        }
+        // The step ran: the heights change from one datum to the other.
+        EXPECT_GT(shifted, n / 3) << name << (forward ? " forward" : " inverse");
+    }
+}
+
+} // namespace
+
+TEST(Batch, DatumConverterGeocentricStepAgreesWithSinglePointCalls)
+{
+    kvtest::ShippedCatalogue();
+    struct Case
+    {
+        const char* source;
+        const char* target;
+        double lon0, lat0;
+        CKvCartDef::ETypeOfDatumShift sourceShift, targetShift;
+    };
+    const Case cases[] = {
+        {"UTM-31", kEd50Utm31, 3.0, 47.0, CKvCartDef::eNoDatumShift, CKvCartDef::eThreeParameters},
+        {"UTM-30", kOsgbGrid, -2.0, 54.0, CKvCartDef::eNoDatumShift, CKvCartDef::eSevenParameters},
+        {kEd50Utm31, kOsgbGrid, 0.0, 51.0, CKvCartDef::eThreeParameters, CKvCartDef::eSevenParameters},
+    };
+    unsigned seed = 40;
+    for (const Case& c : cases) {
+        CKvDatumConverter converter(c.source, c.target);
+        ASSERT_EQ(converter.GetShiftType(true), c.sourceShift) << c.target;
+        ASSERT_EQ(converter.GetShiftType(false), c.targetShift) << c.target;
+        ASSERT_FALSE(converter.GetBypassXYZ()) << c.target;
+        const DatumCloud cloud = MakeDatumCloud(c.lon0, c.lat0, ++seed);
+        for (const auto type : {CKvDatumConverter::eProjToProj, CKvDatumConverter::eProjToGeo,
+                                CKvDatumConverter::eGeoToProj, CKvDatumConverter::eGeoToGeo}) {
+            converter.SetConversionType(type);
+            ExpectConverterBatchMatchesSingle(converter, cloud, c.target);
+        }
+    }
+}
+
+// The kernels' step against CKvGeocentric's own conversions (libm's sines,
+// cosines and atan2) and the public shift on points all over the globe: the
+// same point to 1 micrometre on the ground and in height, wherever the two
+// give one; NaN where the general step gives NaN.
+TEST(Batch, DatumConverterKernelStepKeepsTheGeneralConversion)
+{
+    kvtest::ShippedCatalogue();
+    CKvDatumConverter converter("LONG/LAT", kOsgbGrid);
+    converter.SetConversionType(CKvDatumConverter::eGeoToGeo);
+    CKvEllipsoid wgs84, airy;
+    wgs84.SetParams(6378137.0, 298.257223563);
+    airy.SetParams(6377563.396, 299.3249646);
+    const CKvGeocentric from(wgs84), to(airy);
+    const DatumCloud cloud = MakeDatumCloud(-2.0, 54.0, 77);
+    const std::size_t n = cloud.x.size();
+    std::vector<double> lon = cloud.x, lat = cloud.y, h = cloud.h;
+    converter.Convert(n, lon.data(), lat.data(), h.data());
+    constexpr double metresPerDegree = 6378137.0 * CKvAngle::Pi / 180.0;
+    for (std::size_t i = 0; i < n; ++i) {
+        double X, Y, Z, rlon, rlat, rh;
+        from.Forward(cloud.x[i], cloud.y[i], cloud.h[i], X, Y, Z);
+        converter.DatumShift(X, Y, Z);
+        to.Inverse(X, Y, Z, rlon, rlat, rh);
+        if (std::isnan(rlat)) {
+            EXPECT_TRUE(std::isnan(lon[i]) && std::isnan(lat[i]) && std::isnan(h[i])) << i;
+            continue;
+        }
+        const double dLon = std::remainder(lon[i] - rlon, 360.0);
+        EXPECT_LE(std::fabs(lat[i] - rlat) * metresPerDegree, 1e-6) << i << ": " << cloud.x[i] << " " << cloud.y[i];
+        EXPECT_LE(std::fabs(dLon) * std::cos(rlat * CKvAngle::Pi / 180.0) * metresPerDegree, 1e-6)
+            << i << ": " << cloud.x[i] << " " << cloud.y[i];
+        EXPECT_NEAR(h[i], rh, 1e-6) << i;
+    }
+    // The antimeridian, however written, is one meridian and gives one point.
+    std::vector<double> meridian = {180.0, -180.0, 540.0, -540.0, 900.0}, parallel(5, 50.0), height(5, 10.0);
+    converter.Convert(meridian.size(), meridian.data(), parallel.data(), height.data());
+    for (std::size_t i = 1; i < meridian.size(); ++i) {
+        EXPECT_EQ(meridian[i], meridian[0]) << i;
+        EXPECT_EQ(parallel[i], parallel[0]) << i;
+        EXPECT_EQ(height[i], height[0]) << i;
+    }
+    EXPECT_LE(std::fabs(meridian[0]), 180.0);
 }
 
 namespace {
