@@ -244,14 +244,8 @@ TEST(Batch, CInterfaceAndDatumConverter)
     // UTM 31 on WGS 84 to UTM 31 on ED50 (International 1924) through
     // geocentric coordinates and the shift: in place with and without
     // heights, against the single-point conversion.
-    const char ed50Utm31[] =
-        "PROJCS[\"ED50 / UTM zone 31N\",GEOGCS[\"ED50\",DATUM[\"European_Datum_1950\",SPHEROID[\"International "
-        "1924\",6378388,297],TOWGS84[-87,-98,-121,0,0,0,0]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\","
-        "0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\",0],"
-        "PARAMETER[\"central_meridian\",3],PARAMETER[\"scale_factor\",0.9996],PARAMETER[\"false_easting\",500000],"
-        "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]";
     KVDC_HANDLE converter = nullptr;
-    C_KVDC_CREATE("UTM-31", ed50Utm31, &converter, &status);
+    C_KVDC_CREATE("UTM-31", kvtest::kEd50Utm31, &converter, &status);
     ASSERT_EQ(status, 0);
     C_KVDC_SETCONVERSIONTYPE(converter, 0);
     ASSERT_EQ(C_KVDC_GETBYPASSXYZ(converter), 0);
@@ -275,19 +269,6 @@ TEST(Batch, CInterfaceAndDatumConverter)
 namespace {
 
 // ED50 / UTM 31N with the three-parameter shift of its WKT.
-const char kEd50Utm31[] =
-    "PROJCS[\"ED50 / UTM zone 31N\",GEOGCS[\"ED50\",DATUM[\"European_Datum_1950\",SPHEROID[\"International "
-    "1924\",6378388,297],TOWGS84[-87,-98,-121,0,0,0,0]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\","
-    "0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\",0],"
-    "PARAMETER[\"central_meridian\",3],PARAMETER[\"scale_factor\",0.9996],PARAMETER[\"false_easting\",500000],"
-    "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]";
-// OSGB 1936 / British National Grid with the seven-parameter shift (EPSG:1314).
-const char kOsgbGrid[] =
-    "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\",SPHEROID[\"Airy "
-    "1830\",6377563.396,299.3249646],TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]],PRIMEM[\"Greenwich\","
-    "0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\","
-    "49],PARAMETER[\"central_meridian\",-2],PARAMETER[\"scale_factor\",0.9996012717],PARAMETER[\"false_easting\","
-    "400000],PARAMETER[\"false_northing\",-100000],UNIT[\"metre\",1]]";
 
 // Points of a region and of the whole globe, mixed, heights from -500 to
 // 9000 m, and every few points one that the geocentric step must not take as
@@ -383,9 +364,9 @@ TEST(Batch, DatumConverterGeocentricStepAgreesWithSinglePointCalls)
         CKvCartDef::ETypeOfDatumShift sourceShift, targetShift;
     };
     const Case cases[] = {
-        {"UTM-31", kEd50Utm31, 3.0, 47.0, CKvCartDef::eNoDatumShift, CKvCartDef::eThreeParameters},
-        {"UTM-30", kOsgbGrid, -2.0, 54.0, CKvCartDef::eNoDatumShift, CKvCartDef::eSevenParameters},
-        {kEd50Utm31, kOsgbGrid, 0.0, 51.0, CKvCartDef::eThreeParameters, CKvCartDef::eSevenParameters},
+        {"UTM-31", kvtest::kEd50Utm31, 3.0, 47.0, CKvCartDef::eNoDatumShift, CKvCartDef::eThreeParameters},
+        {"UTM-30", kvtest::kOsgbGrid, -2.0, 54.0, CKvCartDef::eNoDatumShift, CKvCartDef::eSevenParameters},
+        {kvtest::kEd50Utm31, kvtest::kOsgbGrid, 0.0, 51.0, CKvCartDef::eThreeParameters, CKvCartDef::eSevenParameters},
     };
     unsigned seed = 40;
     for (const Case& c : cases) {
@@ -409,7 +390,7 @@ TEST(Batch, DatumConverterGeocentricStepAgreesWithSinglePointCalls)
 TEST(Batch, DatumConverterKernelStepKeepsTheGeneralConversion)
 {
     kvtest::ShippedCatalogue();
-    CKvDatumConverter converter("LONG/LAT", kOsgbGrid);
+    CKvDatumConverter converter("LONG/LAT", kvtest::kOsgbGrid);
     converter.SetConversionType(CKvDatumConverter::eGeoToGeo);
     CKvEllipsoid wgs84, airy;
     wgs84.SetParams(6378137.0, 298.257223563);

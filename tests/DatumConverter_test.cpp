@@ -116,12 +116,6 @@ void Prepare(CKvDatumConverter& converter, const DatumCase& c)
     }
 }
 
-const char kOsgbGrid[] =
-    "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\",SPHEROID[\"Airy "
-    "1830\",6377563.396,299.3249646],TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]],PRIMEM[\"Greenwich\","
-    "0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\","
-    "49],PARAMETER[\"central_meridian\",-2],PARAMETER[\"scale_factor\",0.9996012717],PARAMETER[\"false_easting\","
-    "400000],PARAMETER[\"false_northing\",-100000],UNIT[\"metre\",1]]";
 
 } // namespace
 
@@ -339,9 +333,9 @@ TEST(DatumConverter, LongLatIsWgs84WhenTheOtherSideHasAShift)
     const double lon[3] = {-0.1281, -3.2, 1.75}, lat[3] = {51.508, 55.9, 52.6}, height[3] = {0.0, 250.0, -40.0};
     for (int order = 0; order < 2; ++order)
         for (int type = 0; type < 4; ++type) {
-            CKvDatumConverter longLat(order == 0 ? "LONG/LAT" : kOsgbGrid, order == 0 ? kOsgbGrid : "LONG/LAT");
-            CKvDatumConverter explicitWgs84(order == 0 ? wgs84.c_str() : kOsgbGrid,
-                                            order == 0 ? kOsgbGrid : wgs84.c_str());
+            CKvDatumConverter longLat(order == 0 ? "LONG/LAT" : kvtest::kOsgbGrid, order == 0 ? kvtest::kOsgbGrid : "LONG/LAT");
+            CKvDatumConverter explicitWgs84(order == 0 ? wgs84.c_str() : kvtest::kOsgbGrid,
+                                            order == 0 ? kvtest::kOsgbGrid : wgs84.c_str());
             longLat.SetConversionType(Conversion(type));
             explicitWgs84.SetConversionType(Conversion(type));
             EXPECT_FALSE(longLat.GetBypassXYZ());
@@ -379,7 +373,7 @@ TEST(DatumConverter, LongLatIsWgs84WhenTheOtherSideHasAShift)
     // (+proj=longlat +datum=WGS84 +to the grid with +towgs84=446.448,...): 530006.222 180446.284.
     KVDC_HANDLE handle = nullptr;
     int status = -1;
-    C_KVDC_CREATE("LONG/LAT", kOsgbGrid, &handle, &status);
+    C_KVDC_CREATE("LONG/LAT", kvtest::kOsgbGrid, &handle, &status);
     ASSERT_EQ(status, 0);
     C_KVDC_SETCONVERSIONTYPE(handle, 2);
     double x = -0.1281, y = 51.508;
@@ -498,7 +492,7 @@ TEST(DatumConverter, RefusesWhatIsNotATypeOrAShift)
     kvtest::ShippedCatalogue();
     KVDC_HANDLE handle = nullptr;
     int status = -1;
-    C_KVDC_CREATE(kOsgbGrid, "UTM-30", &handle, &status);
+    C_KVDC_CREATE(kvtest::kOsgbGrid, "UTM-30", &handle, &status);
     ASSERT_EQ(status, 0);
     C_KVDC_SETCONVERSIONTYPE(handle, 2);
     for (int type : {-1, 4, 7, 99, INT_MIN, INT_MAX}) {
@@ -546,7 +540,7 @@ TEST(DatumConverter, RefusesWhatIsNotATypeOrAShift)
     C_KVDC_DESTROY(&handle, &status);
 
     // The C++ members, with values brought in from integers.
-    CKvDatumConverter converter(kOsgbGrid, "UTM-30");
+    CKvDatumConverter converter(kvtest::kOsgbGrid, "UTM-30");
     converter.SetConversionType(CKvDatumConverter::eProjToGeo);
     EXPECT_THROW(converter.SetConversionType(static_cast<CKvDatumConverter::ETypeOfConversion>(4)),
                  std::invalid_argument);

@@ -25,12 +25,6 @@ const double kInf = std::numeric_limits<double>::infinity();
 const double kWgs84A = 6378137.0;
 const double kWgs84B = 6356752.314245179;
 
-const char kOsgbGrid[] =
-    "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\",SPHEROID[\"Airy "
-    "1830\",6377563.396,299.3249646],TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]],PRIMEM[\"Greenwich\","
-    "0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\","
-    "49],PARAMETER[\"central_meridian\",-2],PARAMETER[\"scale_factor\",0.9996012717],PARAMETER[\"false_easting\","
-    "400000],PARAMETER[\"false_northing\",-100000],UNIT[\"metre\",1]]";
 const char kSjtsk[] =
     "GEOGCS[\"S-JTSK\",DATUM[\"S-JTSK\",SPHEROID[\"Bessel 1841\",6377397.155,299.1528128],TOWGS84[570.8,85.7,462.8,"
     "4.998,1.587,5.261,3.56]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]]";
@@ -222,7 +216,7 @@ TEST(DatumPathDomain, DatumConvertersGiveNaNForEveryPointOffTheDomain)
     kvtest::ShippedCatalogue();
     const std::string wgs84 = Wgs84();
     const std::pair<std::string, std::string> pairs[] = {
-        {wgs84, kOsgbGrid}, {"LONG/LAT", kOsgbGrid}, {kEd50Utm32, wgs84}, {kSjtsk, kEd50Utm32}, {wgs84, "UTM-32"},
+        {wgs84, kvtest::kOsgbGrid}, {"LONG/LAT", kvtest::kOsgbGrid}, {kEd50Utm32, wgs84}, {kSjtsk, kEd50Utm32}, {wgs84, "UTM-32"},
         {"LONG/LAT", "UTM-32"}, // bypassed: no geocentric step, heights pass untouched
     };
     struct SPoint

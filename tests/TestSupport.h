@@ -11,6 +11,22 @@
 
 namespace kvtest {
 
+// Systems the datum tests share. OSGB 1936 / British National Grid with the
+// seven-parameter shift of EPSG:1314; ED50 / UTM zone 31N with the
+// three-parameter shift of EPSG:1133.
+inline constexpr char kOsgbGrid[] =
+    "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\",SPHEROID[\"Airy "
+    "1830\",6377563.396,299.3249646],TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]],PRIMEM[\"Greenwich\","
+    "0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\","
+    "49],PARAMETER[\"central_meridian\",-2],PARAMETER[\"scale_factor\",0.9996012717],PARAMETER[\"false_easting\","
+    "400000],PARAMETER[\"false_northing\",-100000],UNIT[\"metre\",1]]";
+inline constexpr char kEd50Utm31[] =
+    "PROJCS[\"ED50 / UTM zone 31N\",GEOGCS[\"ED50\",DATUM[\"European_Datum_1950\",SPHEROID[\"International "
+    "1924\",6378388,297],TOWGS84[-87,-98,-121,0,0,0,0]],PRIMEM[\"Greenwich\",0],UNIT[\"degree\","
+    "0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],PARAMETER[\"latitude_of_origin\",0],"
+    "PARAMETER[\"central_meridian\",3],PARAMETER[\"scale_factor\",0.9996],PARAMETER[\"false_easting\",500000],"
+    "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]";
+
 // A fresh directory under /tmp, removed with its files when the object goes.
 class TempDir
 {

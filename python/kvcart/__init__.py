@@ -184,7 +184,7 @@ class CRS:
         for a system without an ellipsoid (LONG/LAT, NON-UTM)."""
         columns, shape, scalar = _columns((lon, lat, h), ("lon", "lat", "h"))
         out = _outputs(3, columns)
-        self._core.to_geocentric(*columns, *out)
+        self._core.geocentric(True, *columns, *out)
         return _shaped(out, shape, scalar)
 
     def from_geocentric(self, x, y, z):
@@ -193,7 +193,7 @@ class CRS:
         step: micrometres up to 10 km above or below the ellipsoid)."""
         columns, shape, scalar = _columns((x, y, z), ("x", "y", "z"))
         out = _outputs(3, columns)
-        self._core.from_geocentric(*columns, *out)
+        self._core.geocentric(False, *columns, *out)
         return _shaped(out, shape, scalar)
 
     def get_geod(self):

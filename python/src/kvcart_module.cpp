@@ -267,25 +267,20 @@ public:
             c.out[0][i] = m_system->GetConvergence(c.in[0][i], c.in[1][i]);
     }
 
-    // Geocentric X, Y, Z on the system's ellipsoid, and back.
-    void ToGeocentric(py::array lon, py::array lat, py::array h, py::array X, py::array Y, py::array Z) const
+    // Geocentric X, Y, Z on the system's ellipsoid from longitude, latitude
+    // and height (toXYZ), or back.
+    void Geocentric(bool toXYZ, py::array a, py::array b, py::array c3, py::array u, py::array v, py::array w) const
     {
-        const SColumns c = Columns({lon, lat, h}, {X, Y, Z});
+        const SColumns c = Columns({a, b, c3}, {u, v, w});
         if (!HasFigure())
             throw py::value_error(Shown() + " has no ellipsoid: no geocentric coordinates");
         py::gil_scoped_release release;
-        for (std::size_t i = 0; i < c.n; ++i)
-            m_system->Geo2XYZ(c.in[0][i], c.in[1][i], c.in[2][i], &c.out[0][i], &c.out[1][i], &c.out[2][i]);
-    }
-
-    void FromGeocentric(py::array X, py::array Y, py::array Z, py::array lon, py::array lat, py::array h) const
-    {
-        const SColumns c = Columns({X, Y, Z}, {lon, lat, h});
-        if (!HasFigure())
-            throw py::value_error(Shown() + " has no ellipsoid: no geocentric coordinates");
-        py::gil_scoped_release release;
-        for (std::size_t i = 0; i < c.n; ++i)
-            m_system->XYZ2Geo(c.in[0][i], c.in[1][i], c.in[2][i], &c.out[0][i], &c.out[1][i], &c.out[2][i]);
+        for (std::size_t i = 0; i < c.n; ++i) {
+            if (toXYZ)
+                m_system->Geo2XYZ(c.in[0][i], c.in[1][i], c.in[2][i], &c.out[0][i], &c.out[1][i], &c.out[2][i]);
+            else
+                m_system->XYZ2Geo(c.in[0][i], c.in[1][i], c.in[2][i], &c.out[0][i], &c.out[1][i], &c.out[2][i]);
+        }
     }
 
     // The figure of the system's geodesics: (a, f), or None without one.
@@ -713,8 +708,7 @@ PYBIND11_MODULE(_kvcart, m)
         .def_property_readonly("default_area", &CoreCRS::DefaultArea)
         .def_property_readonly("figure", &CoreCRS::Figure)
         .def("convergence", &CoreCRS::Convergence)
-        .def("to_geocentric", &CoreCRS::ToGeocentric)
-        .def("from_geocentric", &CoreCRS::FromGeocentric)
+        .def("geocentric", &CoreCRS::Geocentric)
         .def("to_wkt", &CoreCRS::ToWkt)
         .def("to_proj4", &CoreCRS::ToProj4);
 
