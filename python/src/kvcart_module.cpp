@@ -184,21 +184,23 @@ public:
     // that is turned against the meridians gets the nearest directions.
     void Directions(int directions[2]) const
     {
+        // Candidates in order: the registry's area's centre, the projection's
+        // default area's centre, then two fixed points.
+        double bases[4][2] = {{0.0, 0.0}, {0.0, 0.0}, {0.0, 0.0}, {0.0, 45.0}};
         double west = 0.0, south = 0.0, east = 0.0, north = 0.0;
-        double bases[3][2] = {{0.0, 0.0}, {0.0, 0.0}, {0.0, 45.0}};
-        int count = 0;
         if (m_system->GetAreaOfUse(west, south, east, north)) {
             const double width = east >= west ? east - west : east - west + 360.0;
-            bases[count][0] = west + width / 2.0;
-            bases[count++][1] = (south + north) / 2.0;
+            bases[0][0] = west + width / 2.0;
+            bases[0][1] = (south + north) / 2.0;
+        } else {
+            bases[0][0] = std::nan("");
         }
         double x0 = 0.0, y0 = 0.0, x1 = 0.0, y1 = 0.0;
         m_system->GetDefaultArea(&x0, &y0, &x1, &y1);
-        m_system->Proj2Geo((x0 + x1) / 2.0, (y0 + y1) / 2.0, &bases[count][0], &bases[count][1]);
-        count = 3; // then the two fixed points
+        m_system->Proj2Geo((x0 + x1) / 2.0, (y0 + y1) / 2.0, &bases[1][0], &bases[1][1]);
         constexpr double Step = 1e-4; // degrees: some 10 m
-        for (int b = 0; b < count; ++b) {
-            const double lon = bases[b][0], lat = bases[b][1];
+        for (const auto& base : bases) {
+            const double lon = base[0], lat = base[1];
             if (!std::isfinite(lon) || !(std::fabs(lat) < 89.0))
                 continue;
             double x = 0.0, y = 0.0, xe = 0.0, ye = 0.0, xn = 0.0, yn = 0.0;
