@@ -7,6 +7,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -72,6 +73,166 @@ const char* FieldsEnd(const char* p, const char* end, int count, bool decimalCom
     return p;
 }
 
+// Powers of ten that are doubles exactly (5^22 < 2^53).
+constexpr double kExactPowers[23] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                     1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// std::from_chars in the C locale, with a fast path for the plain decimals
+// point files hold ("-12.3456789"): at most 19 digits making an integer m of
+// at most 2^53, and k <= 22 of them decimals. m and 10^k are then doubles
+// exactly and m / 10^k is the one correctly rounded division (Clinger, "How to
+// read floating point numbers accurately", 1990), so the value is the one
+// from_chars gives, bit for bit. Every other form (exponents, more digits, no
+// digit before or after the point, inf, nan) goes to from_chars.
+inline std::from_chars_result ReadDouble(const char* p, const char* end, double& value)
+{
+    const char* q = p;
+    const bool negative = q < end && *q == '-';
+    if (negative)
+        ++q;
+    const char* digits = q;
+    std::uint64_t m = 0; // wraps beyond 19 digits, which are not taken
+    while (q < end && IsDigit(*q))
+        m = 10 * m + static_cast<unsigned>(*q++ - '0');
+    const std::ptrdiff_t whole = q - digits;
+    std::ptrdiff_t decimals = 0;
+    if (whole > 0 && q < end && *q == '.') {
+        const char* first = ++q;
+        while (q < end && IsDigit(*q))
+            m = 10 * m + static_cast<unsigned>(*q++ - '0');
+        decimals = q - first;
+        if (decimals == 0)
+            return std::from_chars(p, end, value);
+    }
+    if (whole == 0 || whole + decimals > 19 || m > (std::uint64_t(1) << 53) || (q < end && (*q == 'e' || *q == 'E')))
+        return std::from_chars(p, end, value);
+    const double magnitude = static_cast<double>(m) / kExactPowers[decimals];
+    value = negative ? -magnitude : magnitude;
+    return {q, std::errc()};
+}
+
+__extension__ typedef unsigned __int128 UInt128;
+
+constexpr std::uint64_t kPowers10[19] = {1ULL,
+                                         10ULL,
+                                         100ULL,
+                                         1000ULL,
+                                         10000ULL,
+                                         100000ULL,
+                                         1000000ULL,
+                                         10000000ULL,
+                                         100000000ULL,
+                                         1000000000ULL,
+                                         10000000000ULL,
+                                         100000000000ULL,
+                                         1000000000000ULL,
+                                         10000000000000ULL,
+                                         100000000000000ULL,
+                                         1000000000000000ULL,
+                                         10000000000000000ULL,
+                                         100000000000000000ULL,
+                                         1000000000000000000ULL};
+
+const char kDigitPairs[] = "00010203040506070809101112131415161718192021222324252627282930313233343536373839"
+                           "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
+                           "8081828384858687888990919293949596979899";
+
+// Writes the decimal digits of v < 10^19; returns the end.
+char* WriteUnsigned(char* out, std::uint64_t v)
+{
+    int n = 1;
+    while (n < 19 && v >= kPowers10[n])
+        ++n;
+    char* p = out + n;
+    while (v >= 100) {
+        const unsigned pair = static_cast<unsigned>(v % 100);
+        v /= 100;
+        p -= 2;
+        std::memcpy(p, kDigitPairs + 2 * pair, 2);
+    }
+    if (v >= 10)
+        std::memcpy(p - 2, kDigitPairs + 2 * v, 2);
+    else
+        p[-1] = static_cast<char>('0' + v);
+    return out + n;
+}
+
+// Writes v in exactly width digits, with leading zeros.
+void WritePadded(char* out, std::uint64_t v, int width)
+{
+    for (int i = width; i > 0;) {
+        if (i >= 2) {
+            const unsigned pair = static_cast<unsigned>(v % 100);
+            v /= 100;
+            i -= 2;
+            std::memcpy(out + i, kDigitPairs + 2 * pair, 2);
+        } else {
+            out[--i] = static_cast<char>('0' + v % 10);
+            v /= 10;
+        }
+    }
+}
+
+constexpr size_t kFixedBuffer = 400; // a fixed-notation 1e308 with 17 decimals fits
+
+char* WriteFixedByLibrary(char* out, double value, int precision, char mark)
+{
+    char* const end = std::to_chars(out, out + kFixedBuffer, value, std::chars_format::fixed, precision).ptr;
+    if (mark != '.')
+        std::replace(out, end, '.', mark);
+    return end;
+}
+
+// value in fixed notation with precision decimals (0 to 17) and the decimal
+// mark given, as std::to_chars and printf write it: the exact binary value
+// correctly rounded, an exact tie to the even last digit. A double is
+// m 2^-s with m < 2^53: its whole part is m >> s, and the bits f of its
+// fraction give the decimals f 10^p / 2^s, where f 10^p < 2^110 is exact in
+// 128 bits; the quotient and the remainder against the half give the rounded
+// decimals exactly, and a carry goes into the whole part. Values that are
+// large integers (beyond 2^63) or tiny (s >= 128), and non-finite ones, go to
+// std::to_chars.
+// The buffer holds at least kFixedBuffer bytes; returns the end.
+char* WriteFixed(char* out, double value, int precision, char mark)
+{
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    const int exponent = static_cast<int>((bits >> 52) & 0x7FF);
+    std::uint64_t m = bits & ((std::uint64_t(1) << 52) - 1);
+    const int shift = exponent == 0 ? 1074 : 1075 - exponent;
+    if (exponent != 0)
+        m |= std::uint64_t(1) << 52;
+    if (exponent == 0x7FF || precision < 0 || precision > 17 || shift < -10 || shift >= 128)
+        return WriteFixedByLibrary(out, value, precision, mark);
+    std::uint64_t whole = 0, fraction = 0;
+    if (shift <= 0) {
+        whole = m << -shift;
+    } else {
+        whole = shift < 64 ? m >> shift : 0;
+        const std::uint64_t f = m - (shift < 64 ? whole << shift : 0);
+        const UInt128 n = static_cast<UInt128>(f) * kPowers10[precision];
+        fraction = static_cast<std::uint64_t>(n >> shift); // < 10^p
+        const UInt128 rest = n - (static_cast<UInt128>(fraction) << shift);
+        const UInt128 half = static_cast<UInt128>(1) << (shift - 1);
+        const bool odd = ((precision > 0 ? fraction : whole) & 1) != 0; // the last digit written
+        if (rest > half || (rest == half && odd)) {
+            if (++fraction == kPowers10[precision]) {
+                fraction = 0;
+                ++whole;
+            }
+        }
+    }
+    if ((bits >> 63) != 0)
+        *out++ = '-';
+    out = WriteUnsigned(out, whole);
+    if (precision > 0) {
+        *out++ = mark;
+        WritePadded(out, fraction, precision);
+        out += precision;
+    }
+    return out;
+}
+
 enum class ENumber
 {
     eOk,
@@ -109,7 +270,7 @@ ENumber ReadCommaNumber(const char* p, const char* end, double& value)
     const size_t n = static_cast<size_t>(end - p);
     std::memcpy(copy, p, n);
     copy[comma - p] = '.';
-    const std::from_chars_result r = std::from_chars(copy, copy + n, value);
+    const std::from_chars_result r = ReadDouble(copy, copy + n, value);
     if (r.ptr != copy + n)
         return ENumber::eNotANumber;
     return Classify(r, value);
@@ -134,7 +295,7 @@ inline ENumber ReadNumber(const char* p, const char* end, bool decimalComma, dou
                           bool& comma)
 {
     comma = false;
-    const std::from_chars_result r = std::from_chars(SkipPlus(p, end), end, value);
+    const std::from_chars_result r = ReadDouble(SkipPlus(p, end), end, value);
     after = r.ptr;
     if (r.ec != std::errc::invalid_argument && (r.ptr == end || EndsField(*r.ptr, decimalComma)))
         return Classify(r, value);
@@ -235,10 +396,11 @@ bool HasDigit(const char* p, size_t length)
 
 void AppendCoordinate(std::string& out, double value, int precision, bool decimalComma)
 {
-    const size_t at = out.size();
-    CKvPointStream::AppendFixed(out, value, precision);
-    if (decimalComma)
-        std::replace(out.begin() + static_cast<std::ptrdiff_t>(at), out.end(), '.', ',');
+    if (value == 0.0)
+        value = 0.0; // no "-0.000"
+    char buffer[kFixedBuffer];
+    const char* end = WriteFixed(buffer, value, precision, decimalComma ? ',' : '.');
+    out.append(buffer, static_cast<size_t>(end - buffer));
 }
 
 } // namespace
@@ -253,12 +415,7 @@ bool CKvPointStream::ParseNumber(const std::string& text, double& value)
 
 void CKvPointStream::AppendFixed(std::string& out, double value, int precision)
 {
-    if (value == 0.0)
-        value = 0.0; // no "-0.000"
-    char buffer[400]; // a fixed-notation 1e308 with 17 decimals fits
-    const std::to_chars_result r =
-        std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, precision);
-    out.append(buffer, r.ptr);
+    AppendCoordinate(out, value, precision, false);
 }
 
 void CKvPointStream::AppendEscaped(std::string& out, const char* text, size_t length)
@@ -301,7 +458,7 @@ bool CKvPointStream::_parse(const char* line, size_t length, SLine& parsed, std:
     // tabs alone make it a decimal comma. The first field is most often a
     // number that ends at a blank: then it holds no comma and is read once.
     double x = 0.0;
-    const std::from_chars_result r = std::from_chars(SkipPlus(p, end), end, x);
+    const std::from_chars_result r = ReadDouble(SkipPlus(p, end), end, x);
     bool haveX = r.ec == std::errc() && std::isfinite(x) && (r.ptr == end || IsBlank(*r.ptr) || *r.ptr == ';');
     const char* first = r.ptr;
     if (!haveX) {
