@@ -28,6 +28,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <sys/stat.h>
+#include <thread>
 
 #ifndef KVCART_VERSION
 #define KVCART_VERSION "0"
@@ -433,7 +434,7 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
         {"transform", kTransformHelp, &CKvCliCommands::_transform, 2, -1,
          {{"inverse", false}, {"towgs84-from", true}, {"towgs84-to", true}, {"towgs84-convention", true},
           {"strict-datum", false}, {"bypass-datum", false},
-          {"precision", true}, {"skip-header", true}, {"metres", false}}},
+          {"precision", true}, {"skip-header", true}, {"metres", false}, {"threads", true}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
         {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}, {"legacy", false}}},
         {"wkt", kWktHelp, &CKvCliCommands::_wkt, 1, 1, {{"esri", false}, {"ogc", false}}},
@@ -829,6 +830,16 @@ int CKvCliCommands::_transform()
         skipHeader = static_cast<long>(value);
     }
 
+    // One thread reads, the others convert: by default as many as the cores.
+    int threads = static_cast<int>(std::max(1u, std::thread::hardware_concurrency()));
+    if (m_args.Has("threads")) {
+        double value = 0.0;
+        if (!CKvPointStream::ParseNumber(m_args.GetValue("threads"), value) || value < 1 || value > 256 ||
+            value != std::floor(value))
+            return _usage("--threads takes a whole number from 1 to 256");
+        threads = static_cast<int>(value);
+    }
+
     // Projected coordinates are in their system's own linear unit (US survey
     // feet for a state plane in feet); the engines work in metres, so the unit
     // is applied around the conversion. --metres keeps the engines' metres.
@@ -844,6 +855,7 @@ int CKvCliCommands::_transform()
     for (int i = 0; i < 2; ++i)
         SetAreaOfUse(stream, *systems[i], i == 1);
     stream.SetSkipHeader(skipHeader);
+    stream.SetThreads(threads);
     std::vector<std::string> files(args.begin() + 2, args.end());
     if (files.empty())
         files.emplace_back("-");

@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <system_error>
+#include <thread>
 
 namespace {
 
@@ -685,41 +687,83 @@ bool CKvPointStream::SBox::Holds(double x, double y) const
     return d <= width;
 }
 
-void CKvPointStream::_convertBlock(size_t count)
+void CKvPointStream::_convertBlock(SBlock& block) const
 {
+    block.out.clear();
+    block.ends.resize(block.count);
+    block.boxLine = -1;
+    block.points = 0;
+    const char* text = block.text.data();
+    // A batch at a time: its lines parsed, their points converted together,
+    // and the lines formatted while they are in cache.
+    for (size_t first = 0; first < block.count; first += kBlockLines) {
+        const size_t count = std::min(kBlockLines, block.count - first);
+        for (size_t i = first; i < first + count; ++i) {
+            SLine& line = block.lines[i];
+            if (line.tooLong)
+                continue;
+            const char* p = text + line.offset;
+            if (block.firstLine + static_cast<long>(i) <= m_skipHeader) {
+                line.kind = SLine::eCopy;
+            } else if (!_parse(p, line.length, line, line.problem)) {
+                line.kind = SLine::eBad;
+                line.noCoordinates = !HasDigit(p, line.length);
+            }
+        }
+        _convertBatch(block, first, count);
+        for (size_t i = first; i < first + count; ++i) {
+            SLine& line = block.lines[i];
+            line.marked = !_format(text + line.offset, line.length, line, block.out, line.problem);
+            if (line.cr)
+                block.out.push_back('\r');
+            block.out.push_back('\n');
+            block.ends[i] = block.out.size();
+        }
+    }
+}
+
+void CKvPointStream::_convertBatch(SBlock& block, size_t first, size_t count) const
+{
+    SLine* const lines = block.lines.data() + first;
+    double x[kBlockLines], y[kBlockLines], h[kBlockLines];
+    // Points far outside a system's area of use: the first of the block is
+    // reported, unless one was before.
+    const bool checkBox = block.boxLine < 0 && !m_boxReported.load(std::memory_order_relaxed);
+    long boxLine = -1;
+    int boxSide = 0;
     // Points with and without heights go through the converter's batch form in
     // two groups; each keeps the rules of its single-point form.
     for (int withHeight = 0; withHeight < 2; ++withHeight) {
         size_t n = 0;
         for (size_t i = 0; i < count; ++i) {
-            const SLine& line = m_lines[i];
+            const SLine& line = lines[i];
             if (line.kind != SLine::ePoint || line.hasHeight != (withHeight == 1))
                 continue;
-            m_x[n] = line.value[0];
-            m_y[n] = line.value[1];
-            m_h[n] = line.value[2];
+            x[n] = line.value[0];
+            y[n] = line.value[1];
+            h[n] = line.value[2];
             ++n;
         }
         if (n == 0)
             continue;
+        block.points += n;
         if (m_unitIn != 1.0)
             for (size_t i = 0; i < n; ++i) {
-                m_x[i] *= m_unitIn;
-                m_y[i] *= m_unitIn;
+                x[i] *= m_unitIn;
+                y[i] *= m_unitIn;
             }
-        // Points far outside a system's area of use: the first is reported.
-        const auto beyond = [this, count, withHeight](int side) {
-            if (m_boxReported || !m_box[side].set)
+        const auto beyond = [&](int side) {
+            if (!checkBox || !m_box[side].set)
                 return;
             size_t k = 0;
             for (size_t i = 0; i < count; ++i) {
-                const SLine& line = m_lines[i];
+                const SLine& line = lines[i];
                 if (line.kind != SLine::ePoint || line.hasHeight != (withHeight == 1))
                     continue;
-                if (!m_box[side].Holds(m_x[k], m_y[k])) {
-                    if (m_boxLine < 0 || static_cast<long>(i) < m_boxLine) {
-                        m_boxLine = static_cast<long>(i);
-                        m_boxSide = side;
+                if (!m_box[side].Holds(x[k], y[k])) {
+                    if (boxLine < 0 || static_cast<long>(i) < boxLine) {
+                        boxLine = static_cast<long>(i);
+                        boxSide = side;
                     }
                     return;
                 }
@@ -727,28 +771,32 @@ void CKvPointStream::_convertBlock(size_t count)
             }
         };
         beyond(0);
-        double* h = withHeight == 1 ? m_h : nullptr;
+        double* heights = withHeight == 1 ? h : nullptr;
         if (m_bInverse)
-            m_converter.InvConvert(n, m_x, m_y, h);
+            m_converter.InvConvert(n, x, y, heights);
         else
-            m_converter.Convert(n, m_x, m_y, h);
+            m_converter.Convert(n, x, y, heights);
         beyond(1);
         if (m_unitOut != 1.0)
             for (size_t i = 0; i < n; ++i) {
-                m_x[i] /= m_unitOut;
-                m_y[i] /= m_unitOut;
+                x[i] /= m_unitOut;
+                y[i] /= m_unitOut;
             }
         n = 0;
         for (size_t i = 0; i < count; ++i) {
-            SLine& line = m_lines[i];
+            SLine& line = lines[i];
             if (line.kind != SLine::ePoint || line.hasHeight != (withHeight == 1))
                 continue;
-            line.value[0] = m_x[n];
-            line.value[1] = m_y[n];
+            line.value[0] = x[n];
+            line.value[1] = y[n];
             if (withHeight == 1)
-                line.value[2] = m_h[n];
+                line.value[2] = h[n];
             ++n;
         }
+    }
+    if (boxLine >= 0) {
+        block.boxLine = static_cast<long>(first) + boxLine;
+        block.boxSide = boxSide;
     }
 }
 
@@ -838,13 +886,238 @@ CKvPointStream::ENext CKvPointStream::_nextLine(FILE* in, bool mayMove, const ch
     }
 }
 
+void CKvPointStream::SetThreads(int threads, size_t blockLines)
+{
+    m_threads = std::max(1, threads);
+    m_blockLines = std::max<size_t>(1, blockLines);
+}
+
+bool CKvPointStream::_readBlock(FILE* in, SBlock& block, long& lineNumber)
+{
+    block.firstLine = lineNumber + 1;
+    block.count = 0;
+    block.text.clear();
+    block.failed = block.done = false;
+    if (block.lines.size() < m_blockLines)
+        block.lines.resize(m_blockLines);
+    while (block.count < m_blockLines && block.text.size() < kPipelineBytes) {
+        const char* text = nullptr;
+        size_t length = 0;
+        unsigned long long skipped = 0;
+        const ENext next = _nextLine(in, true, text, length, skipped);
+        if (next == ENext::eEnd)
+            break;
+        SLine& line = block.lines[block.count++];
+        line = SLine();
+        line.offset = block.text.size();
+        const long number = ++lineNumber;
+        if (next == ENext::eTooLong) {
+            line.kind = SLine::eBad;
+            line.tooLong = true;
+            line.problem = "line " + std::to_string(number) + " is longer than " + std::to_string(m_lineLimit) +
+                           " bytes (" + std::to_string(skipped) + " bytes)" +
+                           (m_lineLimit < kMaxLineLength ? ": no memory to hold more" : "");
+            continue;
+        }
+        line.cr = length > 0 && text[length - 1] == '\r';
+        line.length = line.cr ? length - 1 : length;
+        block.text.append(text, line.length);
+    }
+    return block.count > 0;
+}
+
+bool CKvPointStream::_writeBlock(const SBlock& block, SWriter& writer)
+{
+    // The output is flushed at the first line end past kFlushSize, whatever
+    // the blocks, so that what is written before a message or a failure does
+    // not depend on them.
+    size_t start = 0;
+    for (size_t i = 0; i < block.count; ++i) {
+        const SLine& line = block.lines[i];
+        const long number = ++writer.lines;
+        if (static_cast<long>(i) == block.boxLine && !m_boxReported) {
+            m_boxReported = true;
+            std::fprintf(writer.err,
+                         "kvcart: warning: %s:%ld: the point lies far outside the area of use of %s "
+                         "(later points are not checked)\n",
+                         writer.name.c_str(), number, m_box[block.boxSide].what.c_str());
+        }
+        bool header = false;
+        if (!writer.sawData && line.kind != SLine::eCopy) {
+            header = line.noCoordinates;
+            writer.sawData = true;
+        }
+        if (line.marked) {
+            ++writer.marked;
+            if (header)
+                std::fprintf(writer.err,
+                             "kvcart: %s:%ld: line %ld holds no coordinates; if it is a header, use --skip-header "
+                             "%ld\n",
+                             writer.name.c_str(), number, number, number);
+            else
+                std::fprintf(writer.err, "kvcart: %s:%ld: %s\n", writer.name.c_str(), number, line.problem.c_str());
+        }
+        if (m_out.size() + (block.ends[i] - start) >= kFlushSize) {
+            m_out.append(block.out, start, block.ends[i] - start);
+            start = block.ends[i];
+            const bool written = std::fwrite(m_out.data(), 1, m_out.size(), writer.out) == m_out.size();
+            m_out.clear();
+            if (!written) {
+                writer.failedWrite = true;
+                writer.writeErrno = errno;
+                return false;
+            }
+        }
+    }
+    m_out.append(block.out, start, std::string::npos);
+    return true;
+}
+
+bool CKvPointStream::_runThreads(FILE* in, SWriter& writer, long& lineNumber)
+{
+    const size_t blocks = 2 * static_cast<size_t>(m_threads) + 2;
+    while (m_blocks.size() < blocks)
+        m_blocks.push_back(std::make_unique<SBlock>());
+    m_free.clear();
+    for (size_t i = 0; i < blocks; ++i)
+        m_free.push_back(m_blocks[i].get());
+    m_toConvert.clear();
+    m_toWrite.clear();
+    m_readingDone = false;
+    m_stop = false;
+    std::atomic<bool> outOfMemory{false};
+
+    const auto convert = [this]() {
+        for (;;) {
+            SBlock* block = nullptr;
+            {
+                std::unique_lock<std::mutex> lock(m_mutex);
+                m_blockRead.wait(lock, [this] { return !m_toConvert.empty() || m_readingDone; });
+                if (m_toConvert.empty())
+                    return;
+                block = m_toConvert.front();
+                m_toConvert.pop_front();
+            }
+            if (!m_stop) {
+                try {
+                    _convertBlock(*block);
+                } catch (const std::bad_alloc&) {
+                    block->failed = true;
+                }
+            }
+            {
+                std::lock_guard<std::mutex> lock(m_mutex);
+                block->done = true;
+            }
+            m_blockDone.notify_one();
+        }
+    };
+    const auto write = [this, &writer, &outOfMemory]() {
+        for (;;) {
+            SBlock* block = nullptr;
+            {
+                std::unique_lock<std::mutex> lock(m_mutex);
+                m_blockDone.wait(lock, [this] {
+                    return m_toWrite.empty() ? m_readingDone : m_toWrite.front()->done;
+                });
+                if (m_toWrite.empty())
+                    return;
+                block = m_toWrite.front();
+                m_toWrite.pop_front();
+            }
+            if (!m_stop) {
+                bool written = false;
+                try {
+                    written = !block->failed && _writeBlock(*block, writer);
+                } catch (const std::bad_alloc&) {
+                    block->failed = true;
+                }
+                if (block->failed)
+                    outOfMemory = true;
+                if (!written)
+                    m_stop = true;
+            }
+            {
+                std::lock_guard<std::mutex> lock(m_mutex);
+                m_free.push_back(block);
+            }
+            m_blockFree.notify_one();
+        }
+    };
+    const auto finishReading = [this]() {
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_readingDone = true;
+        }
+        m_blockRead.notify_all();
+        m_blockDone.notify_all();
+    };
+
+    std::vector<std::thread> threads;
+    try {
+        for (int i = 0; i < m_threads; ++i)
+            threads.emplace_back(convert);
+        threads.emplace_back(write);
+    } catch (const std::system_error&) {
+        // No more threads to be had: those started end, and this one converts.
+        finishReading();
+        for (std::thread& thread : threads)
+            thread.join();
+        SBlock& block = *m_blocks[0];
+        while (!writer.failedWrite && _readBlock(in, block, lineNumber)) {
+            _convertBlock(block);
+            _writeBlock(block, writer);
+        }
+        return true;
+    }
+
+    // This thread reads, while blocks are free, until the input ends or the
+    // writer stops.
+    for (;;) {
+        SBlock* block = nullptr;
+        {
+            std::unique_lock<std::mutex> lock(m_mutex);
+            m_blockFree.wait(lock, [this] { return !m_free.empty(); });
+            block = m_free.back();
+            m_free.pop_back();
+        }
+        bool read = false;
+        if (!m_stop) {
+            try {
+                read = _readBlock(in, *block, lineNumber);
+            } catch (const std::bad_alloc&) {
+                outOfMemory = true;
+                m_stop = true;
+            }
+        }
+        if (!read) {
+            {
+                std::lock_guard<std::mutex> lock(m_mutex);
+                m_free.push_back(block);
+            }
+            finishReading();
+            break;
+        }
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_toConvert.push_back(block);
+            m_toWrite.push_back(block);
+        }
+        m_blockRead.notify_one();
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    return !outOfMemory;
+}
+
 long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
 {
-    std::string shownName;
-    AppendEscaped(shownName, name, std::strlen(name));
-    long lineNumber = 0, marked = 0;
-    bool failedWrite = false, outOfMemory = false, sawData = false;
-    int writeErrno = 0;
+    SWriter writer;
+    writer.out = out;
+    writer.err = err;
+    AppendEscaped(writer.name, name, std::strlen(name));
+    long lineNumber = 0; // lines read
+    bool outOfMemory = false;
     m_begin = m_end = 0;
     m_eof = false;
     m_readErrno = 0;
@@ -858,100 +1131,38 @@ long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
         _read(in);
         if (m_end >= 3 && std::memcmp(m_pBuffer, "\xEF\xBB\xBF", 3) == 0)
             m_begin = 3; // a UTF-8 byte-order mark
-        // Lines are taken a block at a time from the read buffer, parsed,
-        // converted together and written in their order. A block ends early
-        // where the buffer must be refilled, which moves the lines held.
-        bool more = true;
-        while (more && !failedWrite) {
-            size_t count = 0;
-            while (count < kBlockLines) {
-                const char* text = nullptr;
-                size_t length = 0;
-                unsigned long long skipped = 0;
-                const ENext next = _nextLine(in, count == 0, text, length, skipped);
-                if (next == ENext::eWait)
-                    break;
-                if (next == ENext::eEnd) {
-                    more = false;
-                    break;
-                }
-                const long number = lineNumber + static_cast<long>(count) + 1;
-                SLine& line = m_lines[count];
-                std::string& problem = m_problems[count];
-                line.cr = false;
-                if (next == ENext::eTooLong) {
-                    line.kind = SLine::eBad;
-                    line.text = nullptr;
-                    line.length = line.tail = 0;
-                    problem = "line " + std::to_string(number) + " is longer than " + std::to_string(m_lineLimit) +
-                              " bytes (" + std::to_string(skipped) + " bytes)" +
-                              (m_lineLimit < kMaxLineLength ? ": no memory to hold more" : "");
-                    sawData = true;
-                    ++count;
-                    continue;
-                }
-                line.cr = length > 0 && text[length - 1] == '\r';
-                line.text = text;
-                line.length = line.cr ? length - 1 : length;
-                if (number <= m_skipHeader) {
-                    line.kind = SLine::eCopy;
-                } else if (!_parse(text, line.length, line, problem)) {
-                    line.kind = SLine::eBad;
-                    if (!sawData && !HasDigit(text, line.length))
-                        problem = "line " + std::to_string(number) +
-                                  " holds no coordinates; if it is a header, use --skip-header " +
-                                  std::to_string(number);
-                }
-                sawData = sawData || line.kind != SLine::eCopy;
-                ++count;
-            }
-            m_boxLine = -1;
-            _convertBlock(count);
-            for (size_t i = 0; i < count; ++i) {
-                const SLine& line = m_lines[i];
-                ++lineNumber;
-                if (static_cast<long>(i) == m_boxLine && !m_boxReported) {
-                    m_boxReported = true;
-                    std::fprintf(err,
-                                 "kvcart: warning: %s:%ld: the point lies far outside the area of use of %s "
-                                 "(later points are not checked)\n",
-                                 shownName.c_str(), lineNumber, m_box[m_boxSide].what.c_str());
-                }
-                if (!_format(line.text, line.length, line, m_out, m_problems[i])) {
-                    ++marked;
-                    std::fprintf(err, "kvcart: %s:%ld: %s\n", shownName.c_str(), lineNumber, m_problems[i].c_str());
-                }
-                if (line.cr)
-                    m_out.push_back('\r');
-                m_out.push_back('\n');
-            }
-            if (m_out.size() >= kFlushSize) {
-                if (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size()) {
-                    failedWrite = true;
-                    writeErrno = errno;
-                }
-                m_out.clear();
+        if (m_threads > 1) {
+            outOfMemory = !_runThreads(in, writer, lineNumber);
+        } else {
+            if (m_blocks.empty())
+                m_blocks.push_back(std::make_unique<SBlock>());
+            SBlock& block = *m_blocks[0];
+            while (!writer.failedWrite && _readBlock(in, block, lineNumber)) {
+                _convertBlock(block);
+                _writeBlock(block, writer);
             }
         }
     } catch (const std::bad_alloc&) {
         outOfMemory = true;
     }
     // What was converted is written before any message about what was not.
-    if (!failedWrite && (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size() || std::fflush(out) != 0)) {
-        failedWrite = true;
-        writeErrno = errno;
+    if (!writer.failedWrite &&
+        (std::fwrite(m_out.data(), 1, m_out.size(), out) != m_out.size() || std::fflush(out) != 0)) {
+        writer.failedWrite = true;
+        writer.writeErrno = errno;
     }
     m_out.clear();
+    const char* shownName = writer.name.c_str();
     if (m_readErrno != 0) {
-        if (lineNumber > 0)
-            std::fprintf(err, "kvcart: %s: cannot read after line %ld: %s\n", shownName.c_str(), lineNumber,
+        if (writer.lines > 0)
+            std::fprintf(err, "kvcart: %s: cannot read after line %ld: %s\n", shownName, writer.lines,
                          std::strerror(m_readErrno));
         else
-            std::fprintf(err, "kvcart: %s: cannot read: %s\n", shownName.c_str(), std::strerror(m_readErrno));
+            std::fprintf(err, "kvcart: %s: cannot read: %s\n", shownName, std::strerror(m_readErrno));
     }
     if (outOfMemory)
-        std::fprintf(err, "kvcart: %s: out of memory after line %ld\n", shownName.c_str(), lineNumber);
-    if (failedWrite)
-        std::fprintf(err, "kvcart: cannot write the output: %s\n", std::strerror(writeErrno));
-    return m_readErrno != 0 || outOfMemory || failedWrite ? -1 : marked;
+        std::fprintf(err, "kvcart: %s: out of memory after line %ld\n", shownName, writer.lines);
+    if (writer.failedWrite)
+        std::fprintf(err, "kvcart: cannot write the output: %s\n", std::strerror(writer.writeErrno));
+    return m_readErrno != 0 || outOfMemory || writer.failedWrite ? -1 : writer.marked;
 }

@@ -1,8 +1,15 @@
 #ifndef KVCART_TOOLS_KVPOINTSTREAM_H
 #define KVCART_TOOLS_KVPOINTSTREAM_H
 
+#include <atomic>
+#include <condition_variable>
 #include <cstdio>
+#include <deque>
+#include <memory>
+#include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 class CKvDatumConverter;
 
@@ -36,6 +43,15 @@ class CKvDatumConverter;
 // Run reads through one buffer that grows to hold a line of at most
 // kMaxLineLength bytes; a longer line is marked as such and skipped, so memory
 // stays bounded whatever the input holds.
+//
+// Run takes the lines in blocks. With one thread (SetThreads) it reads,
+// converts and writes each block in turn. With more, the calling thread reads
+// the blocks, that many worker threads parse, convert and format them, and a
+// writer thread writes them in input order, with the messages about their
+// lines: the output and the messages are byte for byte those of one thread,
+// whatever the number of threads and the size of the blocks, and at most
+// 2 threads + 2 blocks are held at a time. The threads share the converter,
+// which they only read (its conversions are const), and the settings above.
 class CKvPointStream
 {
 public:
@@ -61,6 +77,9 @@ public:
                         const std::string& what);
     // The first lines of each input that Run copies unchanged (a header).
     void SetSkipHeader(long lines) { m_skipHeader = lines; }
+    // The threads that convert (at least 1) and the lines of a block (at least
+    // 1; kPipelineLines by default). One thread converts in the calling thread.
+    void SetThreads(int threads, size_t blockLines = kPipelineLines);
 
     // Converts one line (without its line end) and appends the output line
     // (without line end) to out. Returns false for a marked line, with the reason
@@ -85,6 +104,10 @@ public:
 
     // Lines converted together by Run, through the converter's batch form.
     static constexpr size_t kBlockLines = 256;
+    // Lines of a block Run reads, hands to a thread and writes; a block also
+    // ends after kPipelineBytes bytes of text.
+    static constexpr size_t kPipelineLines = 4096;
+    static constexpr size_t kPipelineBytes = 1 << 20;
     // The longest line Run reads, in bytes without its line end.
     static constexpr size_t kMaxLineLength = 1 << 20;
 
@@ -104,9 +127,42 @@ private:
         bool decimalComma = false;          // written with decimal commas
         size_t separator[4] = {0, 0, 0, 0}; // begin and end of the separators before y and h
         size_t tail = 0;
-        const char* text = nullptr; // the line in the read buffer
+        size_t offset = 0; // where the line lies in its block's text
         size_t length = 0;
         bool cr = false;
+        bool tooLong = false;       // skipped as too long; its message is set when read
+        bool noCoordinates = false; // unreadable, and holds no digit (a header?)
+        bool marked = false;        // written as "* *", for the reason in problem
+        std::string problem;
+    };
+
+    // Lines as read, converted and written together. The reader fills text,
+    // lines and count; the thread that converts the block fills the rest.
+    struct SBlock
+    {
+        long firstLine = 0; // the number of its first line in the input
+        size_t count = 0;
+        std::string text;
+        std::vector<SLine> lines;
+        std::string out;          // the output lines with their line ends
+        std::vector<size_t> ends; // where each output line ends in out
+        long boxLine = -1;        // the first line beyond an expected box
+        int boxSide = 0;
+        size_t points = 0;  // point lines converted
+        bool failed = false; // memory ran out converting it
+        bool done = false;
+    };
+
+    // The state of the writer through one Run.
+    struct SWriter
+    {
+        FILE* out = nullptr;
+        FILE* err = nullptr;
+        std::string name;
+        long lines = 0, marked = 0;
+        bool sawData = false;
+        bool failedWrite = false;
+        int writeErrno = 0;
     };
 
     enum class ENext
@@ -122,8 +178,17 @@ private:
     bool _parse(const char* line, size_t length, SLine& parsed, std::string& problem) const;
     // Writes the output line of a parsed (and converted) line; false for a marked one.
     bool _format(const char* line, size_t length, const SLine& parsed, std::string& out, std::string& problem) const;
-    // Converts the points among the first count lines of the block.
-    void _convertBlock(size_t count);
+    // Parses, converts and formats the lines of a block. Reads only the
+    // settings, m_converter and m_boxReported: threads call it at once.
+    void _convertBlock(SBlock& block) const;
+    // Converts the points among count lines from first, in one batch.
+    void _convertBatch(SBlock& block, size_t first, size_t count) const;
+    // Fills a block with the next lines of in; false when there were none.
+    bool _readBlock(FILE* in, SBlock& block, long& lineNumber);
+    // Writes a converted block and its messages; false once writing failed.
+    bool _writeBlock(const SBlock& block, SWriter& writer);
+    // Run with the threads of SetThreads; false when memory ran out.
+    bool _runThreads(FILE* in, SWriter& writer, long& lineNumber);
 
     // The next line of in from the buffer; mayMove: the buffer may be moved and
     // refilled (no line handed out before is still in use).
@@ -138,6 +203,8 @@ private:
     int m_precisionH;
     double m_unitIn = 1.0, m_unitOut = 1.0; // metres per unit of input and output
     long m_skipHeader = 0;
+    int m_threads = 1;
+    size_t m_blockLines = kPipelineLines;
 
     // The read buffer: bytes [m_begin, m_end) are read and not yet handed out.
     char* m_pBuffer = nullptr;
@@ -148,9 +215,6 @@ private:
     int m_readErrno = 0;
 
     std::string m_out; // pending output, flushed in large blocks
-    SLine m_lines[kBlockLines];
-    std::string m_problems[kBlockLines];
-    double m_x[kBlockLines], m_y[kBlockLines], m_h[kBlockLines];
 
     struct SBox
     {
@@ -159,9 +223,19 @@ private:
         std::string what;
         bool Holds(double x, double y) const;
     } m_box[2]; // [0] the input side, [1] the output side
-    bool m_boxReported = false;
-    long m_boxLine = -1;   // the block's line beyond a box, to report
-    int m_boxSide = 0;
+    // Set by the writer once the first point beyond a box is reported; the
+    // threads that convert read it to stop looking.
+    std::atomic<bool> m_boxReported{false};
+
+    // The blocks of a threaded Run: free ones, ones to convert, and all those
+    // read and not yet written, in input order.
+    std::mutex m_mutex;
+    std::condition_variable m_blockFree, m_blockRead, m_blockDone;
+    std::vector<std::unique_ptr<SBlock>> m_blocks;
+    std::vector<SBlock*> m_free;
+    std::deque<SBlock*> m_toConvert, m_toWrite;
+    bool m_readingDone = false;
+    std::atomic<bool> m_stop{false}; // writing failed or memory ran out: no more work
 };
 
 #endif
