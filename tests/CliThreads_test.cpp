@@ -348,7 +348,8 @@ SResult Program(const kvtest::TempDir& dir, const std::vector<std::string>& args
 } // namespace
 
 // The program's --threads: files and standard input in turn, the datum shift
-// to the British grid both ways, and the values it refuses.
+// to the British grid both ways, and the values it refuses; --no-progress
+// changes nothing where standard error is not a terminal.
 TEST(CliThreads, ThreadsOptionGivesOneThreadsOutput)
 {
     kvtest::TempDir dir;
@@ -366,6 +367,9 @@ TEST(CliThreads, ThreadsOptionGivesOneThreadsOutput)
         ExpectSame(Program(dir, args), single, std::string("UTM-32, threads ") + threads);
     }
     ExpectSame(Program(dir, utm), single, "UTM-32, the default threads");
+    std::vector<std::string> quiet = utm;
+    quiet.push_back("--no-progress");
+    ExpectSame(Program(dir, quiet), single, "UTM-32, no progress line");
 
     std::string british;
     for (int i = 0; i < 6000; ++i)

@@ -434,7 +434,7 @@ const std::vector<CKvCliCommands::SCommand>& CKvCliCommands::_commands()
         {"transform", kTransformHelp, &CKvCliCommands::_transform, 2, -1,
          {{"inverse", false}, {"towgs84-from", true}, {"towgs84-to", true}, {"towgs84-convention", true},
           {"strict-datum", false}, {"bypass-datum", false},
-          {"precision", true}, {"skip-header", true}, {"metres", false}, {"threads", true}}},
+          {"precision", true}, {"skip-header", true}, {"metres", false}, {"threads", true}, {"no-progress", false}}},
         {"info", kInfoHelp, &CKvCliCommands::_info, 1, 1, {}},
         {"proj4", kProj4Help, &CKvCliCommands::_proj4, 1, 1, {{"towgs84", true}, {"legacy", false}}},
         {"wkt", kWktHelp, &CKvCliCommands::_wkt, 1, 1, {{"esri", false}, {"ogc", false}}},
@@ -856,6 +856,7 @@ int CKvCliCommands::_transform()
         SetAreaOfUse(stream, *systems[i], i == 1);
     stream.SetSkipHeader(skipHeader);
     stream.SetThreads(threads);
+    stream.SetProgress(!m_args.Has("no-progress"));
     std::vector<std::string> files(args.begin() + 2, args.end());
     if (files.empty())
         files.emplace_back("-");

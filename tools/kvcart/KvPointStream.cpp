@@ -1,8 +1,10 @@
 #include "tools/kvcart/KvPointStream.h"
 
 #include "geodesy/KvDatumConverter.h"
+#include "tools/kvcart/KvProgressLine.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
@@ -11,6 +13,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <sys/stat.h>
 #include <system_error>
 #include <thread>
 
@@ -808,6 +811,7 @@ void CKvPointStream::_read(FILE* in)
     errno = 0;
     const size_t n = std::fread(m_pBuffer + m_end, 1, wanted, in);
     m_end += n;
+    m_bytesRead.store(m_bytesRead.load(std::memory_order_relaxed) + n, std::memory_order_relaxed);
     if (n < wanted) {
         if (std::ferror(in))
             m_readErrno = errno != 0 ? errno : EIO;
@@ -892,6 +896,22 @@ void CKvPointStream::SetThreads(int threads, size_t blockLines)
     m_blockLines = std::max<size_t>(1, blockLines);
 }
 
+void CKvPointStream::SetProgress(bool enabled, double delay, double interval)
+{
+    m_progress = enabled;
+    m_progressDelay = delay;
+    m_progressInterval = interval;
+}
+
+namespace {
+
+double Seconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+} // namespace
+
 bool CKvPointStream::_readBlock(FILE* in, SBlock& block, long& lineNumber)
 {
     block.firstLine = lineNumber + 1;
@@ -937,6 +957,8 @@ bool CKvPointStream::_writeBlock(const SBlock& block, SWriter& writer)
         const long number = ++writer.lines;
         if (static_cast<long>(i) == block.boxLine && !m_boxReported) {
             m_boxReported = true;
+            if (writer.progress != nullptr)
+                writer.progress->Clear();
             std::fprintf(writer.err,
                          "kvcart: warning: %s:%ld: the point lies far outside the area of use of %s "
                          "(later points are not checked)\n",
@@ -949,6 +971,8 @@ bool CKvPointStream::_writeBlock(const SBlock& block, SWriter& writer)
         }
         if (line.marked) {
             ++writer.marked;
+            if (writer.progress != nullptr)
+                writer.progress->Clear();
             if (header)
                 std::fprintf(writer.err,
                              "kvcart: %s:%ld: line %ld holds no coordinates; if it is a header, use --skip-header "
@@ -970,6 +994,10 @@ bool CKvPointStream::_writeBlock(const SBlock& block, SWriter& writer)
         }
     }
     m_out.append(block.out, start, std::string::npos);
+    writer.points += block.points;
+    if (writer.progress != nullptr)
+        writer.progress->Update(m_bytesRead.load(std::memory_order_relaxed), writer.lines, writer.points,
+                                Seconds() - writer.start);
     return true;
 }
 
@@ -1121,6 +1149,18 @@ long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
     m_begin = m_end = 0;
     m_eof = false;
     m_readErrno = 0;
+    m_bytesRead = 0;
+    std::unique_ptr<CKvProgressLine> progress;
+    if (CKvProgressLine::Wanted(err, !m_progress)) {
+        struct stat status;
+        const int fd = fileno(in);
+        const bool sized = fd >= 0 && fstat(fd, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
+        progress = std::make_unique<CKvProgressLine>(
+            err, writer.name, sized ? static_cast<unsigned long long>(status.st_size) : 0ULL, m_progressDelay,
+            m_progressInterval);
+        writer.progress = progress.get();
+        writer.start = Seconds();
+    }
     try {
         if (m_pBuffer == nullptr) {
             m_pBuffer = static_cast<char*>(std::malloc(kInitialBuffer));
@@ -1152,6 +1192,8 @@ long CKvPointStream::Run(FILE* in, const char* name, FILE* out, FILE* err)
         writer.writeErrno = errno;
     }
     m_out.clear();
+    if (progress)
+        progress->Clear();
     const char* shownName = writer.name.c_str();
     if (m_readErrno != 0) {
         if (writer.lines > 0)

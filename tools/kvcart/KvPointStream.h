@@ -12,6 +12,7 @@
 #include <vector>
 
 class CKvDatumConverter;
+class CKvProgressLine;
 
 // The line-by-line conversion of the command-line program. Every input line
 // gives exactly one output line, so that output stays aligned with input:
@@ -80,6 +81,9 @@ public:
     // The threads that convert (at least 1) and the lines of a block (at least
     // 1; kPipelineLines by default). One thread converts in the calling thread.
     void SetThreads(int threads, size_t blockLines = kPipelineLines);
+    // Whether Run shows a progress line (CKvProgressLine) when err is a
+    // terminal: after delay seconds, every interval seconds. On by default.
+    void SetProgress(bool enabled, double delay = 1.0, double interval = 0.25);
 
     // Converts one line (without its line end) and appends the output line
     // (without line end) to out. Returns false for a marked line, with the reason
@@ -160,6 +164,9 @@ private:
         FILE* err = nullptr;
         std::string name;
         long lines = 0, marked = 0;
+        unsigned long long points = 0;
+        CKvProgressLine* progress = nullptr; // when one is shown
+        double start = 0.0;                  // when Run began, in seconds
         bool sawData = false;
         bool failedWrite = false;
         int writeErrno = 0;
@@ -205,6 +212,8 @@ private:
     long m_skipHeader = 0;
     int m_threads = 1;
     size_t m_blockLines = kPipelineLines;
+    bool m_progress = true;
+    double m_progressDelay = 1.0, m_progressInterval = 0.25;
 
     // The read buffer: bytes [m_begin, m_end) are read and not yet handed out.
     char* m_pBuffer = nullptr;
@@ -213,6 +222,7 @@ private:
     size_t m_lineLimit = kMaxLineLength; // less when memory ran out growing the buffer
     bool m_eof = false;
     int m_readErrno = 0;
+    std::atomic<unsigned long long> m_bytesRead{0}; // of this Run's input, for the progress line
 
     std::string m_out; // pending output, flushed in large blocks
 
