@@ -7,6 +7,66 @@
 
 namespace {
 constexpr double kDeg = 3.141592653589793 / 180.0;
+constexpr double kToDegrees = 180.0 / 3.141592653589793;
+
+// The geodetic latitude phi (radians) of the authalic latitude whose sine is
+// sinBeta: CKvConformalLatitude::AuthalicLatitude's series and Newton step on q,
+// from the sine itself rather than from q (which would be divided by q_P again),
+// and with asin for beta, as exact as atan2 of the sine and the cosine taken
+// from it and faster. A sine beyond +-1 by rounding alone is set on the pole;
+// further beyond, or NaN, gives NaN.
+double LatitudeOfAuthalicSine(const CKvConformalLatitude::SAuthalic& authalic, double sinBeta)
+{
+    if (std::fabs(sinBeta) > 1.0 && std::fabs(sinBeta) <= 1.0 + 1e-15)
+        sinBeta = sinBeta > 0.0 ? 1.0 : -1.0;
+    const double cosBeta = std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta));
+    const double sin2Beta = 2.0 * sinBeta * cosBeta, cos2Beta = (cosBeta - sinBeta) * (cosBeta + sinBeta);
+    const double delta = sin2Beta * (authalic.poly[0] + cos2Beta * (authalic.poly[1] + cos2Beta * authalic.poly[2]));
+    const double phi = std::asin(sinBeta) + delta;
+    double s, c;
+    if (std::fabs(delta) <= CKvMathKernel::SinCosSmallLimit) {
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(delta, sd, cd);
+        s = sinBeta * cd + cosBeta * sd;
+        c = cosBeta * cd - sinBeta * sd;
+    } else {
+        CKvMathKernel::SinCosAny(phi, s, c);
+    }
+    const double w = 1.0 - authalic.e2 * s * s;
+    const double step = (authalic.qPole * sinBeta - CKvConformalLatitude::AuthalicQ(authalic, s)) * w * w /
+                        (2.0 * (1.0 - authalic.e2) * c);
+    return std::isfinite(step) ? phi + step : phi;
+}
+
+// q_P - |q(phi)| near a pole, without the cancellation of the difference, which
+// would leave cos beta (and the polar aspects' radius) with the square root of
+// q's rounding error: millimetres at 1e-4 degree from the pole, metres closer.
+// From Snyder's q,
+//   q_P - |q| = (1 - s)(1 + e^2 s) / (1 - e^2 s^2) + (1 - e^2) / e atanh(e (1 - s) / (1 - e^2 s)),
+// s = |sin phi|, the atanh difference taken as one atanh, and 1 - s = cos^2 phi / (1 + s).
+#if defined(__GNUC__)
+__attribute__((noinline, cold))
+#endif
+double PolarGap(const CKvConformalLatitude::SAuthalic& authalic, double phi)
+{
+    const double s = std::fabs(std::sin(phi)), c = std::cos(phi);
+    const double e = authalic.e, e2 = authalic.e2;
+    const double oneMinusS = c * c / (1.0 + s);
+    const double z = e * oneMinusS / (1.0 - e2 * s);
+    const double atanhZ = e <= CKvMathKernel::EccentricSinhLimit ? CKvMathKernel::AtanhSmall(z) : std::atanh(z);
+    return oneMinusS * (1.0 + e2 * s) / (1.0 - e2 * s * s) + (1.0 - e2) / e * atanhZ;
+}
+
+// Beyond this |sin phi| (8.1 degrees from a pole) the forward takes PolarGap;
+// nearer the equator the difference loses no more than 1e-14 relatively.
+constexpr double kPolarSine = 0.99;
+
+// atan2 by atan of the quotient where the second argument is positive, the
+// common case, where it is as exact and faster.
+double Atan2(double y, double x)
+{
+    return x > 0.0 ? std::atan(y / x) : std::atan2(y, x);
+}
 } // namespace
 
 CKvLambertAzimuthalEqualAreaEllipsoid::CKvLambertAzimuthalEqualAreaEllipsoid(double lambda0, double phi0,
@@ -17,17 +77,22 @@ CKvLambertAzimuthalEqualAreaEllipsoid::CKvLambertAzimuthalEqualAreaEllipsoid(dou
 {
     m_pole = CKvFloatCompareRel::Close(phi0, 90.0) ? 1 : (CKvFloatCompareRel::Close(phi0, -90.0) ? -1 : 0);
     m_qP = m_authalic.qPole;
-    m_beta0 = std::asin(_q(m_phi0) / m_qP);
-    m_sinBeta0 = std::sin(m_beta0);
-    m_cosBeta0 = std::cos(m_beta0);
+    const double beta0 = std::asin(CKvConformalLatitude::AuthalicQ(m_authalic, std::sin(m_phi0)) / m_qP);
+    m_sinBeta0 = std::sin(beta0);
+    m_cosBeta0 = std::cos(beta0);
     m_Rq = m_a * std::sqrt(m_qP / 2.0);
     const double s0 = std::sin(m_phi0);
     m_D = m_a * (std::cos(m_phi0) / std::sqrt(1.0 - m_e2 * s0 * s0)) / (m_Rq * m_cosBeta0);
-}
-
-double CKvLambertAzimuthalEqualAreaEllipsoid::_q(double phi) const
-{
-    return CKvConformalLatitude::AuthalicQ(m_authalic, std::sin(phi));
+    m_invQP = 1.0 / m_qP;
+    m_RqD = m_Rq * m_D;
+    m_RqOverD = m_Rq / m_D;
+    m_D2 = m_D * m_D;
+    m_invD2 = 1.0 / m_D2;
+    m_inv4Rq2 = 1.0 / (4.0 * m_Rq * m_Rq);
+    m_invRq = 1.0 / m_Rq;
+    m_invA2qP = 1.0 / (m_a * m_a * m_qP);
+    m_DRqCosBeta0 = m_D * m_Rq * m_cosBeta0;
+    m_D2SinBeta0 = m_D2 * m_sinBeta0;
 }
 
 void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -35,45 +100,65 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, dou
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double phi = lat * kDeg, dl = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
-    const double q = _q(phi);
+    // libm's sine and cosine (one sincos for dl): faster here than the
+    // polynomial kernels.
+    const double sdl = std::sin(dl), cdl = std::cos(dl);
+    const double sinPhi = std::sin(phi), q = CKvConformalLatitude::AuthalicQ(m_authalic, sinPhi);
     if (m_pole != 0) {
-        const double rho = m_a * std::sqrt(m_qP - m_pole * q);
-        *x = m_FE + rho * std::sin(dl);
-        *y = m_FN - m_pole * rho * std::cos(dl);
+        const double gap = m_pole * sinPhi > kPolarSine ? PolarGap(m_authalic, phi) : m_qP - m_pole * q;
+        const double rho = m_a * std::sqrt(gap);
+        *x = m_FE + rho * sdl;
+        *y = m_FN - m_pole * rho * cdl;
         return;
     }
-    const double beta = std::asin(q / m_qP);
-    const double sb = std::sin(beta), cb = std::cos(beta), cdl = std::cos(dl);
+    // The sine and cosine of the authalic latitude beta, the cosine near the
+    // poles from 1 - |sin beta| = (q_P - |q|) / q_P.
+    const double sb = q * m_invQP;
+    double cb;
+    if (std::fabs(sinPhi) > kPolarSine) {
+        const double g = PolarGap(m_authalic, phi) * m_invQP;
+        cb = std::sqrt(g * (2.0 - g));
+    } else {
+        cb = std::sqrt((1.0 - sb) * (1.0 + sb));
+    }
     // 1 + cos of the arc from the centre on the authalic sphere.
     const double sum = 1.0 + m_sinBeta0 * sb + m_cosBeta0 * cb * cdl;
     if (!(sum > CKvAngle::AntipodeLimit)) {
         *x = *y = std::nan("");
         return;
     }
-    const double B = m_Rq * std::sqrt(2.0 / sum);
-    *x = m_FE + B * m_D * cb * std::sin(dl);
-    *y = m_FN + (B / m_D) * (m_cosBeta0 * sb - m_sinBeta0 * cb * cdl);
+    // k' = sqrt(2 / sum), its square root and reciprocal side by side.
+    const double k = std::sqrt(2.0 * sum) * (1.0 / sum);
+    *x = m_FE + m_RqD * k * cb * sdl;
+    *y = m_FN + m_RqOverD * k * (m_cosBeta0 * sb - m_sinBeta0 * cb * cdl);
 }
 
 void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     const double dx = x - m_FE, dy = y - m_FN;
     if (m_pole != 0) {
-        const double rho = std::sqrt(dx * dx + dy * dy);
         // q = qP - rho^2 / a^2 towards the pole of the origin.
-        *lat = CKvConformalLatitude::AuthalicLatitude(m_authalic, m_pole * (m_qP - rho * rho / (m_a * m_a))) / kDeg;
-        *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + std::atan2(dx, -m_pole * dy)) / kDeg);
+        const double rho2 = dx * dx + dy * dy;
+        *lat = LatitudeOfAuthalicSine(m_authalic, m_pole * (1.0 - rho2 * m_invA2qP)) * kToDegrees;
+        *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + Atan2(dx, -m_pole * dy)) * kToDegrees);
         return;
     }
-    const double rho = std::sqrt(dx * dx / (m_D * m_D) + m_D * m_D * dy * dy);
-    if (rho == 0.0) {
+    const double rho2 = dx * dx * m_invD2 + m_D2 * dy * dy;
+    if (rho2 == 0.0) {
         GetOrigin(lon, lat);
         return;
     }
-    const double C = 2.0 * std::asin(rho / (2.0 * m_Rq));
-    const double sc = std::sin(C), cc = std::cos(C);
-    const double sinBeta = cc * m_sinBeta0 + m_D * dy * sc * m_cosBeta0 / rho;
-    *lat = CKvConformalLatitude::AuthalicLatitude(m_authalic, m_qP * sinBeta) / kDeg;
-    *lon = CKvAngle::ReduceLongitudeDegrees(
-        (m_lambda0 + std::atan2(dx * sc, m_D * rho * m_cosBeta0 * cc - m_D * m_D * dy * m_sinBeta0 * sc)) / kDeg);
+    // s = sin(c/2) and h = cos(c/2) for the arc c from the centre on the authalic
+    // sphere (Snyder's rho = 2 R_q sin(c/2)): sin c = 2 s h = rho h / R_q and
+    // cos c = 1 - 2 s^2, with no square root for rho itself. Beyond the boundary
+    // circle (s > 1) h is NaN.
+    const double s2 = rho2 * m_inv4Rq2, h = std::sqrt(1.0 - s2);
+    const double cc = 1.0 - 2.0 * s2;
+    // Snyder's eqs. 24-29 and 24-26 with sin c / rho = h / R_q; the longitude's
+    // two arguments both divided by the positive rho / R_q.
+    const double dyh = dy * h;
+    const double sinBeta = cc * m_sinBeta0 + m_D * dyh * m_cosBeta0 * m_invRq;
+    *lat = LatitudeOfAuthalicSine(m_authalic, sinBeta) * kToDegrees;
+    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + Atan2(dx * h, m_DRqCosBeta0 * cc - m_D2SinBeta0 * dyh)) *
+                                            kToDegrees);
 }

@@ -5,8 +5,10 @@
 #include "projections/KvPointVariant.h"
 
 // Lambert azimuthal equal-area on the ellipsoid (IOGP Guidance Note 7-2, method
-// 9820), oblique and polar aspects, through the authalic latitude; the inverse
-// returns from it by CKvConformalLatitude::AuthalicLatitude.
+// 9820), oblique and polar aspects, through the authalic latitude. The authalic
+// latitude is carried as its sine q / q_P and cosine, and the arc from the centre
+// of the inverse as the sine of its half, rho / 2R_q: the only inverse
+// trigonometric functions are the longitude's atan2 and the latitude's asin.
 class CKvLambertAzimuthalEqualAreaEllipsoid final : public CKvVariantLoops<CKvLambertAzimuthalEqualAreaEllipsoid, CKvPointVariant>
 {
 public:
@@ -19,11 +21,11 @@ public:
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
 
 private:
-    double _q(double phi) const;
-
     CKvConformalLatitude::SAuthalic m_authalic; // q of a latitude and back
     int m_pole; // 1 or -1 for the polar aspects, 0 for the oblique one
-    double m_qP, m_beta0, m_sinBeta0, m_cosBeta0, m_Rq, m_D;
+    double m_qP, m_sinBeta0, m_cosBeta0, m_Rq, m_D;
+    // Products and reciprocals of the above, for the per-point formulas.
+    double m_invQP, m_RqD, m_RqOverD, m_D2, m_invD2, m_inv4Rq2, m_invRq, m_invA2qP, m_DRqCosBeta0, m_D2SinBeta0;
 };
 
 #endif

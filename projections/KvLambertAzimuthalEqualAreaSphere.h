@@ -18,6 +18,7 @@ public:
 
 private:
     double m_sinPhi0, m_cosPhi0;
+    double m_aCosPhi0, m_inv4A2, m_cosPhi0OverA; // for the inverse
 };
 
 #endif

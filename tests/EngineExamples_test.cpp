@@ -191,6 +191,40 @@ TEST(KrovakAndNewZealandMapGrid, AxisFormsRoundTripsAndDegenerateInput)
     const CKvLambertAzimuthalEqualArea laea("laea", 10.0, 52.0, 0, 0, kWgs84);
     laea.Geo2Proj(-170.0, -52.0, &x, &y); // the antipode of the centre
     EXPECT_FALSE(std::isfinite(x) && std::isfinite(y));
+    // The poles' images come back on the poles, on every aspect of the sphere,
+    // where the sine of the latitude can round beyond 1.
+    const CKvEllipsoid sphere("Sphere", "XY", 6371229.0, 0.0);
+    for (double lat0 : {52.0, 0.0, -30.0}) {
+        const CKvLambertAzimuthalEqualArea onSphere("laea", 10.0, lat0, 0, 0, sphere);
+        for (double lon = -180.0; lon <= 180.0; lon += 7.0)
+            for (double pole : {90.0, -90.0}) {
+                double l, p;
+                onSphere.Geo2Proj(lon, pole, &x, &y);
+                onSphere.Proj2Geo(x, y, &l, &p);
+                EXPECT_NEAR(p, pole, 1e-9) << lat0 << " " << lon;
+            }
+    }
+    // Near the pole of a polar aspect the radius a sqrt(q_P - q) is a difference
+    // of nearly equal numbers, which left centimetres at 1e-6 degree from the
+    // pole. GeographicLib, ConicProj -a 90 90 -e 6378137 1/298.257222101 -p 9 on
+    // GRS 80 (Albers with both parallels on the pole is this projection); the
+    // south pole's aspect is its mirror image.
+    const CKvEllipsoid grs80("GRS 1980", "RF", 6378137.0, 298.257222101);
+    const CKvLambertAzimuthalEqualArea north("laea", 0.0, 90.0, 0, 0, grs80), south("laea", 0.0, -90.0, 0, 0, grs80);
+    const struct
+    {
+        double lon, lat, x, y;
+    } nearPole[3] = {{30.0, 89.9999, 5.584698978, -9.672982375},
+                     {-120.0, 89.999999, -0.096729824, 0.055846990},
+                     {135.0, 89.99, 789.795702570, 789.795702570}};
+    for (const auto& c : nearPole) {
+        north.Geo2Proj(c.lon, c.lat, &x, &y);
+        EXPECT_NEAR(x, c.x, 1e-8) << c.lat;
+        EXPECT_NEAR(y, c.y, 1e-8) << c.lat;
+        south.Geo2Proj(c.lon, -c.lat, &x, &y);
+        EXPECT_NEAR(x, c.x, 1e-8) << -c.lat;
+        EXPECT_NEAR(y, -c.y, 1e-8) << -c.lat;
+    }
 }
 
 TEST(EngineCatalogue, EveryTypeCreatesAnEngineThatDescribesItself)
