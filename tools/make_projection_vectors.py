@@ -62,14 +62,17 @@ def grid(lon0, lat0, half, step, lat_limit=89.0):
             for lon in frange(lon0 - half, lon0 + half, step)]
 
 
-def emit(header, points, results, angular=False):
+def emit(header, points, results, angular=False, fine=False):
     """angular: the results are degrees (printed finer), and points at the poles of
-    the result, where its longitude means nothing, are left out."""
+    the result, where its longitude means nothing, are left out. fine: metres to
+    the nanometre, for points so near a pole that a micrometre is 1e-8 degree of
+    longitude."""
     print("CASE " + header)
     for (lon, lat), (x, y) in zip(points, results):
         if angular and abs(y) > 89.999:
             continue
-        print(("%.9f %.9f %.12f %.12f" if angular else "%.9f %.9f %.6f %.6f") % (lon, lat, x, y))
+        print(("%.9f %.9f %.12f %.12f" if angular else "%.9f %.9f %.9f %.9f" if fine else "%.9f %.9f %.6f %.6f")
+              % (lon, lat, x, y))
 
 
 def main():
@@ -157,6 +160,22 @@ def main():
             emit("%s %s %s" % (engine, fig, " ".join(repr(v) for v in params)), pts,
                  cct("+proj=omerc %s %s +k=%r +lonc=%r +lat_0=%r +alpha=%r +x_0=%r +y_0=%r %s"
                      % (extra, gamma, params[0], lonc, latc, params[3], params[-2], params[-1], pf), pts))
+    # Far from the centre and up to the poles, in both hemispheres: NAD83 / Alaska
+    # zone 1 (variant B), and a variant A centred at 62 S; latitudes past 69
+    # degrees and within a hundredth of a degree of the pole, longitudes 40 degrees
+    # either side.
+    polar = [89.5, 89.9, 89.99]
+    far = [("omerc_b", (0.9999, -133.66666666666667, 57.0, 323.1301023611111, 5000000.0, -5000000.0),
+            "+gamma=323.1301023611111", 1.0),
+           ("omerc_a", (1.0, -60.0, -62.0, 20.0, 0.0, 0.0), "+no_uoff +gamma=20.0", -1.0)]
+    for engine, params, extra, side in far:
+        fig, pf = figure(grs)
+        lonc, latc = params[1], params[2]
+        lats = sorted(set(frange(35, 89, 3) + polar))
+        pts = [(lon, side * lat) for lat in lats for lon in frange(lonc - 40, lonc + 40, 10)]
+        emit("%s %s %s" % (engine, fig, " ".join(repr(v) for v in params)), pts,
+             cct("+proj=omerc %s +k=%r +lonc=%r +lat_0=%r +alpha=%r +x_0=%r +y_0=%r %s"
+                 % (extra, params[0], lonc, latc, params[3], params[-2], params[-1], pf), pts), fine=True)
     # Krovak: PROJ writes the east/north form (-Y, -X); the classic pair (X, Y) is its
     # negation, swapped. PROJ's krovak keeps the Bessel figure whatever it is told, so
     # only Bessel (the method's own figure) serves as a reference.
