@@ -145,9 +145,10 @@ const char kDigitPairs[] = "0001020304050607080910111213141516171819202122232425
 // Writes the decimal digits of v < 10^19; returns the end.
 char* WriteUnsigned(char* out, std::uint64_t v)
 {
-    int n = 1;
-    while (n < 19 && v >= kPowers10[n])
-        ++n;
+    // log10 from the bit length (1233 / 4096 ~ log10(2)), less one below the
+    // power of ten it may reach.
+    const int estimate = (64 - __builtin_clzll(v | 1)) * 1233 >> 12;
+    const int n = estimate + 1 - ((v | 1) < kPowers10[estimate] ? 1 : 0);
     char* p = out + n;
     while (v >= 100) {
         const unsigned pair = static_cast<unsigned>(v % 100);
@@ -927,13 +928,18 @@ bool CKvPointStream::_readBlock(FILE* in, SBlock& block, long& lineNumber)
         const ENext next = _nextLine(in, true, text, length, skipped);
         if (next == ENext::eEnd)
             break;
+        // The fields a line's conversion does not set itself.
         SLine& line = block.lines[block.count++];
-        line = SLine();
+        line.kind = SLine::eCopy;
+        line.cr = line.tooLong = line.noCoordinates = line.marked = false;
+        line.problem.clear();
+        line.length = 0;
         line.offset = block.text.size();
         const long number = ++lineNumber;
         if (next == ENext::eTooLong) {
             line.kind = SLine::eBad;
             line.tooLong = true;
+            line.tail = 0;
             line.problem = "line " + std::to_string(number) + " is longer than " + std::to_string(m_lineLimit) +
                            " bytes (" + std::to_string(skipped) + " bytes)" +
                            (m_lineLimit < kMaxLineLength ? ": no memory to hold more" : "");
