@@ -1,7 +1,8 @@
 // The command-line program's transform loop end to end on text: lines read,
 // parsed, converted (LONG/LAT to UTM-32 and back), formatted and written, as
-// 'kvcart transform' runs them. Input comes from memory and output goes to
-// /dev/null, so that the figure is the program's own work, not the disk's.
+// 'kvcart transform' runs them, on one thread and with two converting threads.
+// Input comes from memory and output goes to /dev/null, so that the figure is
+// the program's own work, not the disk's.
 #include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumConverter.h"
 #include "interface/KvCart.h"
@@ -35,7 +36,7 @@ std::string MakeText(bool geographic)
     return text;
 }
 
-void StreamUtm(benchmark::State& state, bool forward)
+void StreamUtm(benchmark::State& state, bool forward, int threads)
 {
     static const std::string geographic = MakeText(true);
     static const std::string projected = MakeText(false);
@@ -43,6 +44,7 @@ void StreamUtm(benchmark::State& state, bool forward)
     CKvDatumConverter converter("LONG/LAT", "UTM-32");
     converter.SetConversionType(CKvDatumConverter::eGeoToProj);
     CKvPointStream stream(converter, !forward, forward ? 4 : 9, 4);
+    stream.SetThreads(threads);
     FILE* sink = std::fopen("/dev/null", "w");
     for (auto _ : state) {
         FILE* in = fmemopen(&text[0], text.size(), "r");
@@ -58,5 +60,8 @@ void StreamUtm(benchmark::State& state, bool forward)
 
 } // namespace
 
-BENCHMARK_CAPTURE(StreamUtm, LongLatToUtm32, true)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(StreamUtm, Utm32ToLongLat, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(StreamUtm, LongLatToUtm32, true, 1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(StreamUtm, Utm32ToLongLat, false, 1)->Unit(benchmark::kMillisecond);
+// Two converting threads besides the reader and the writer (wall clock).
+BENCHMARK_CAPTURE(StreamUtm, LongLatToUtm32Threads2, true, 2)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(StreamUtm, Utm32ToLongLatThreads2, false, 2)->Unit(benchmark::kMillisecond)->UseRealTime();
