@@ -18,9 +18,11 @@ and, for what reading and writing the text costs alone:
   formats (9 decimals, so its output is not its input) and writes every line;
 - cat.
 Each is timed as the best of K runs (wall clock, input and output files on
-the same disk, the output file new each time), with its peak resident memory
-(GNU time's, when /usr/bin/time is installed). One table: seconds, points per second, how many times faster than cs2cs, and
-the time over the identity run's.
+the same disk, the output file new each time), with its CPU time (user and
+system) and peak resident memory (GNU time's, when /usr/bin/time is
+installed). One table: seconds, points per second, how many times faster than
+cs2cs, the time over the identity run's, CPU seconds and memory. On a machine
+shared with other work the CPU seconds are the steadier figure.
 """
 
 import argparse
@@ -43,15 +45,15 @@ GNU_TIME = "/usr/bin/time"
 
 
 def run(command, source, target, memory_file):
-    """Seconds and peak resident kilobytes of one run, stdin from source and
-    stdout to a new target. The peak comes from GNU time when it is installed
-    (a child's own rusage would also count this interpreter, which it was
-    forked from), else it is 0."""
+    """Wall seconds, peak resident kilobytes and CPU seconds (user and system)
+    of one run, stdin from source and stdout to a new target. The peak and the
+    CPU time come from GNU time when it is installed (a child's own rusage
+    would also count this interpreter, which it was forked from), else 0."""
     if os.path.exists(target):
         os.unlink(target)
     measured = os.access(GNU_TIME, os.X_OK)
     if measured:
-        command = [GNU_TIME, "-f", "%M", "-o", memory_file] + command
+        command = [GNU_TIME, "-f", "%M %U %S", "-o", memory_file] + command
     with open(source, "rb") as fin, open(target, "wb") as fout:
         start = time.perf_counter()
         process = subprocess.run(command, stdin=fin, stdout=fout, stderr=subprocess.PIPE)
@@ -59,11 +61,12 @@ def run(command, source, target, memory_file):
     if process.returncode != 0:
         sys.exit("%s failed (%d): %s" % (" ".join(command), process.returncode,
                                          process.stderr.decode(errors="replace")[:500]))
-    kilobytes = 0
+    kilobytes, cpu = 0, 0.0
     if measured:
         with open(memory_file) as f:
-            kilobytes = int(f.read().split()[-1])
-    return seconds, kilobytes
+            fields = f.read().split()[-3:]
+            kilobytes, cpu = int(fields[0]), float(fields[1]) + float(fields[2])
+    return seconds, kilobytes, cpu
 
 
 def numbers(line):
@@ -107,12 +110,13 @@ def main():
         results = {}
         for name, command in rows:
             target = os.path.join(tmp, "out-%d.txt" % len(results))
-            best, memory = None, 0
+            best, memory, least = None, 0, None
             for _ in range(args.repeat):
-                seconds, rss = run(command, points, target, os.path.join(tmp, "memory.txt"))
+                seconds, rss, cpu = run(command, points, target, os.path.join(tmp, "memory.txt"))
                 best = seconds if best is None else min(best, seconds)
+                least = cpu if least is None else min(least, cpu)
                 memory = max(memory, rss)
-            results[name] = (best, memory, target)
+            results[name] = (best, memory, target, least)
 
         # The same points from kvcart and cs2cs; the identity wrote every line
         # in its own 9 decimals (it did not copy its input).
@@ -129,12 +133,15 @@ def main():
     print("kvcart transform on %d points, file to file, best of %d (%d cores)" %
           (args.points, args.repeat, os.cpu_count() or 1))
     print()
-    print("| command | seconds | points/s | times cs2cs's speed | time / identity | peak memory |")
-    print("|---|---:|---:|---:|---:|---:|")
+    print("| command | seconds | points/s | times cs2cs's speed | time / identity | CPU seconds | peak memory |")
+    print("|---|---:|---:|---:|---:|---:|---:|")
     for name, _ in rows:
-        seconds, memory, _ = results[name]
-        print("| %s | %.3f | %.2f M | %.1f | %.2f | %.1f MB |" %
-              (name, seconds, args.points / seconds / 1e6, cs2cs / seconds, seconds / identity, memory / 1024.0))
+        seconds, memory, _, cpu = results[name]
+        print("| %s | %.3f | %.2f M | %.1f | %.2f | %.3f | %.1f MB |" %
+              (name, seconds, args.points / seconds / 1e6, cs2cs / seconds, seconds / identity, cpu,
+               memory / 1024.0))
+    print()
+    print("Seconds: wall clock, the best of the runs; CPU seconds: user and system, the least.")
 
 
 if __name__ == "__main__":

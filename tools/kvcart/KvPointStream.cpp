@@ -142,14 +142,11 @@ const char kDigitPairs[] = "0001020304050607080910111213141516171819202122232425
                            "40414243444546474849505152535455565758596061626364656667686970717273747576777879"
                            "8081828384858687888990919293949596979899";
 
-// Writes the decimal digits of v < 10^19; returns the end.
-char* WriteUnsigned(char* out, std::uint64_t v)
+// The digits of v from p backwards, two at a time; at least one. In 32 bits
+// when v fits, where dividing by 100 is a cheaper multiplication.
+template <typename T>
+void WriteDigitsBackwards(char* p, T v)
 {
-    // log10 from the bit length (1233 / 4096 ~ log10(2)), less one below the
-    // power of ten it may reach.
-    const int estimate = (64 - __builtin_clzll(v | 1)) * 1233 >> 12;
-    const int n = estimate + 1 - ((v | 1) < kPowers10[estimate] ? 1 : 0);
-    char* p = out + n;
     while (v >= 100) {
         const unsigned pair = static_cast<unsigned>(v % 100);
         v /= 100;
@@ -160,23 +157,42 @@ char* WriteUnsigned(char* out, std::uint64_t v)
         std::memcpy(p - 2, kDigitPairs + 2 * v, 2);
     else
         p[-1] = static_cast<char>('0' + v);
+}
+
+// Writes the decimal digits of v < 10^19; returns the end.
+char* WriteUnsigned(char* out, std::uint64_t v)
+{
+    // log10 from the bit length (1233 / 4096 ~ log10(2)), less one below the
+    // power of ten it may reach.
+    const int estimate = (64 - __builtin_clzll(v | 1)) * 1233 >> 12;
+    const int n = estimate + 1 - ((v | 1) < kPowers10[estimate] ? 1 : 0);
+    if (v <= 0xFFFFFFFFu)
+        WriteDigitsBackwards(out + n, static_cast<std::uint32_t>(v));
+    else
+        WriteDigitsBackwards(out + n, v);
     return out + n;
 }
 
-// Writes v in exactly width digits, with leading zeros.
+template <typename T>
+void WritePaddedDigits(char* out, T v, int width)
+{
+    int i = width;
+    for (; i >= 2; i -= 2) {
+        const unsigned pair = static_cast<unsigned>(v % 100);
+        v /= 100;
+        std::memcpy(out + i - 2, kDigitPairs + 2 * pair, 2);
+    }
+    if (i == 1)
+        out[0] = static_cast<char>('0' + v);
+}
+
+// Writes v < 10^width in exactly width digits, with leading zeros.
 void WritePadded(char* out, std::uint64_t v, int width)
 {
-    for (int i = width; i > 0;) {
-        if (i >= 2) {
-            const unsigned pair = static_cast<unsigned>(v % 100);
-            v /= 100;
-            i -= 2;
-            std::memcpy(out + i, kDigitPairs + 2 * pair, 2);
-        } else {
-            out[--i] = static_cast<char>('0' + v % 10);
-            v /= 10;
-        }
-    }
+    if (v <= 0xFFFFFFFFu)
+        WritePaddedDigits(out, static_cast<std::uint32_t>(v), width);
+    else
+        WritePaddedDigits(out, v, width);
 }
 
 constexpr size_t kFixedBuffer = 400; // a fixed-notation 1e308 with 17 decimals fits
@@ -214,14 +230,28 @@ char* WriteFixed(char* out, double value, int precision, char mark)
     if (shift <= 0) {
         whole = m << -shift;
     } else {
-        whole = shift < 64 ? m >> shift : 0;
-        const std::uint64_t f = m - (shift < 64 ? whole << shift : 0);
-        const UInt128 n = static_cast<UInt128>(f) * kPowers10[precision];
-        fraction = static_cast<std::uint64_t>(n >> shift); // < 10^p
-        const UInt128 rest = n - (static_cast<UInt128>(fraction) << shift);
-        const UInt128 half = static_cast<UInt128>(1) << (shift - 1);
+        bool above = false, tie = false;
+        if (shift < 64) {
+            // The remainder lies in the product's low word: 64-bit arithmetic.
+            whole = m >> shift;
+            const std::uint64_t f = m - (whole << shift);
+            const UInt128 n = static_cast<UInt128>(f) * kPowers10[precision];
+            const std::uint64_t low = static_cast<std::uint64_t>(n), high = static_cast<std::uint64_t>(n >> 64);
+            fraction = (high << 1 << (63 - shift)) | (low >> shift); // < 10^p
+            const std::uint64_t rest = low & ((std::uint64_t(1) << shift) - 1);
+            const std::uint64_t half = std::uint64_t(1) << (shift - 1);
+            above = rest > half;
+            tie = rest == half;
+        } else {
+            const UInt128 n = static_cast<UInt128>(m) * kPowers10[precision];
+            fraction = static_cast<std::uint64_t>(n >> shift); // < 10^p
+            const UInt128 rest = n - (static_cast<UInt128>(fraction) << shift);
+            const UInt128 half = static_cast<UInt128>(1) << (shift - 1);
+            above = rest > half;
+            tie = rest == half;
+        }
         const bool odd = ((precision > 0 ? fraction : whole) & 1) != 0; // the last digit written
-        if (rest > half || (rest == half && odd)) {
+        if (above || (tie && odd)) {
             if (++fraction == kPowers10[precision]) {
                 fraction = 0;
                 ++whole;
@@ -400,14 +430,24 @@ bool HasDigit(const char* p, size_t length)
     return false;
 }
 
-void AppendCoordinate(std::string& out, double value, int precision, bool decimalComma)
+// A coordinate as the output writes it: never "-0.000". Needs kFixedBuffer bytes.
+char* WriteCoordinate(char* out, double value, int precision, bool decimalComma)
 {
     if (value == 0.0)
-        value = 0.0; // no "-0.000"
+        value = 0.0;
+    return WriteFixed(out, value, precision, decimalComma ? ',' : '.');
+}
+
+void AppendCoordinate(std::string& out, double value, int precision, bool decimalComma)
+{
     char buffer[kFixedBuffer];
-    const char* end = WriteFixed(buffer, value, precision, decimalComma ? ',' : '.');
+    const char* end = WriteCoordinate(buffer, value, precision, decimalComma);
     out.append(buffer, static_cast<size_t>(end - buffer));
 }
+
+// Separators and trailing text that fit beside three coordinates in the
+// buffer a point line is written through.
+constexpr size_t kShortText = 256;
 
 } // namespace
 
@@ -624,6 +664,23 @@ bool CKvPointStream::_format(const char* line, size_t length, const SLine& parse
         return false;
     }
     const bool comma = parsed.decimalComma;
+    const size_t first = parsed.separator[1] - parsed.separator[0];
+    const size_t second = parsed.hasHeight ? parsed.separator[3] - parsed.separator[2] : 0;
+    const size_t tail = length - parsed.tail;
+    if (first + second + tail <= kShortText) {
+        // The usual line, written through one buffer and appended once.
+        char buffer[3 * kFixedBuffer + kShortText];
+        char* p = WriteCoordinate(buffer, x, m_precisionXY, comma);
+        std::memcpy(p, line + parsed.separator[0], first);
+        p = WriteCoordinate(p + first, y, m_precisionXY, comma);
+        if (parsed.hasHeight) {
+            std::memcpy(p, line + parsed.separator[2], second);
+            p = WriteCoordinate(p + second, h, m_precisionH, comma);
+        }
+        std::memcpy(p, line + parsed.tail, tail);
+        out.append(buffer, static_cast<size_t>(p + tail - buffer));
+        return true;
+    }
     AppendCoordinate(out, x, m_precisionXY, comma);
     out.append(line + parsed.separator[0], parsed.separator[1] - parsed.separator[0]);
     AppendCoordinate(out, y, m_precisionXY, comma);
