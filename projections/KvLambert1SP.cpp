@@ -48,10 +48,13 @@ void CKvLambert1SP::_init(double k0, double lambda0, double phi0, double falseEa
     // plane of the polar stereographic, whose engine that is. No map, as in PROJ.
     if (std::fabs(CKvAngle::SnapToPole(phi0)) == 90.0)
         m_r0 = std::nan("");
+    m_cone = CKvLambertConic::MakeCone(_e(), m_n, m_r0, m_lnT, m_r0, m_FE, m_FN, m_lon0, m_inverse);
 }
 
 void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (m_cone.fastForward && CKvLambertConic::Forward(m_cone, lon, lat, *x, *y))
+        return;
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double phi = lat * kDeg;
@@ -67,6 +70,8 @@ void CKvLambert1SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 
 void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    if (m_cone.fastInverse && CKvLambertConic::Inverse(m_cone, x, y, *lon, *lat))
+        return;
     const double dx = x - m_FE;
     const double dy = m_r0 - (y - m_FN);
     // (dx, dy) = rho (sin theta, cos theta), rho of the sign of n: on a cone
@@ -79,6 +84,26 @@ void CKvLambert1SP::Proj2Geo(double x, double y, double* lon, double* lat) const
     *lat = CKvLambertConic::InverseLatitude(m_inverse, m_T0 * Q) / kDeg;
     *lon = CKvAngle::InverseLongitudeDegrees((theta / m_n + m_lambda0) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvLambert1SP::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                            std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const
+{
+    if (!m_cone.fastForward) {
+        CKvEngine::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+        return;
+    }
+    CKvLambertConic::ForwardBatch(m_cone, *this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+}
+
+void CKvLambert1SP::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                            double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const
+{
+    if (!m_cone.fastInverse) {
+        CKvEngine::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+        return;
+    }
+    CKvLambertConic::InverseBatch(m_cone, *this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
 }
 
 void CKvLambert1SP::GetOrigin(double* x, double* y) const

@@ -63,10 +63,13 @@ void CKvLambert2SP::_init(double phi1, double phi2, double lambdaF, double phiF,
     // the other pole lies at infinity on the map, and no grid counts from there.
     if (std::fabs(phiF) == 90.0)
         m_rF = phiF * m_n > 0.0 ? 0.0 : std::nan("");
+    m_cone = CKvLambertConic::MakeCone(_e(), m_n, m_K, m_lnT, m_rF, m_FE, m_FN, m_lon0, m_inverse);
 }
 
 void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (m_cone.fastForward && CKvLambertConic::Forward(m_cone, lon, lat, *x, *y))
+        return;
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double phi = lat * kDeg;
@@ -82,6 +85,8 @@ void CKvLambert2SP::Geo2Proj(double lon, double lat, double* x, double* y) const
 
 void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    if (m_cone.fastInverse && CKvLambertConic::Inverse(m_cone, x, y, *lon, *lat))
+        return;
     const double dx = x - m_FE;
     const double dy = m_rF - (y - m_FN);
     // (dx, dy) = rho (sin theta, cos theta), rho of the sign of n: on a cone
@@ -94,6 +99,26 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
     *lat = CKvLambertConic::InverseLatitude(m_inverse, m_T1 * Q) / kDeg;
     *lon = CKvAngle::InverseLongitudeDegrees((theta / m_n + m_lambdaF) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvLambert2SP::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                            std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const
+{
+    if (!m_cone.fastForward) {
+        CKvEngine::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+        return;
+    }
+    CKvLambertConic::ForwardBatch(m_cone, *this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+}
+
+void CKvLambert2SP::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                            double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const
+{
+    if (!m_cone.fastInverse) {
+        CKvEngine::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+        return;
+    }
+    CKvLambertConic::InverseBatch(m_cone, *this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
 }
 
 void CKvLambert2SP::GetOrigin(double* x, double* y) const

@@ -23,6 +23,13 @@ public:
     using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    // The batch forms run the cone's fast path on blocks of points in vectorized
+    // loops (the same kernels, so the same bits as the single-point calls); a point
+    // beyond it goes through the single-point call.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
     void GetOrigin(double* x, double* y) const override;
     double GetConvergence(double lon, double lat) const override { return _numericConvergence(lon, lat); }
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
@@ -42,6 +49,7 @@ private:
     double m_T1; // t(phi1) * C1
     double m_lnT; // its logarithm, minus the isometric latitude there
     CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
+    CKvLambertConic::SCone m_cone;            // the same figures for the fast path
 };
 
 #endif

@@ -1,6 +1,8 @@
 #include "projections/KvLambertConic.h"
 
+#include "projections/KvBatch.h"
 #include "projections/KvConformalLatitude.h"
+#include "projections/KvProjection.h"
 
 #include <cmath>
 
@@ -27,4 +29,82 @@ double CKvLambertConic::InverseLatitude(const CKvConformalLatitude::SInverse& in
     // the series' reach, the root the guidance note's iteration converges to).
     const double tanChi = (1.0 / target - target) / 2.0; // sinh(-ln target)
     return CKvConformalLatitude::Latitude(inverse, tanChi);
+}
+
+CKvLambertConic::SCone CKvLambertConic::MakeCone(double e, double n, double K, double lnT, double rOrigin, double FE,
+                                                 double FN, double lon0, const CKvConformalLatitude::SInverse& inverse)
+{
+    SCone cone;
+    cone.e = e;
+    cone.n = n;
+    cone.nDeg = n * (3.141592653589793 / 180.0);
+    cone.sign = n >= 0.0 ? 1.0 : -1.0;
+    cone.K = K;
+    cone.invK = 1.0 / K;
+    cone.invN = 1.0 / n;
+    cone.lnT = lnT;
+    cone.rOrigin = rOrigin;
+    cone.FE = FE;
+    cone.FN = FN;
+    cone.lon0 = lon0;
+    cone.lambda0 = lon0 * (3.141592653589793 / 180.0);
+    cone.inverse = inverse;
+    const bool figures = e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit && std::fabs(n) > 0.0 &&
+                         std::fabs(n) <= 1.0 && std::isfinite(K) && K != 0.0 && std::isfinite(lnT) &&
+                         std::isfinite(rOrigin) && std::isfinite(FE) && std::isfinite(FN) && std::isfinite(lon0);
+    cone.fastForward = figures;
+    cone.fastInverse = figures && inverse.series;
+    return cone;
+}
+
+namespace {
+
+// The vectorized loops, compiled once per instruction set (their callers are in
+// this file: a function's clones are local to the file that defines it).
+KVCART_VECTOR_CLONES void ForwardBlock(const CKvLambertConic::SCone& cone, std::size_t count, const double* lon,
+                                       const double* lat, double* x, double* y, bool* ok)
+{
+    // A copy of the figures, which the stores to the outputs cannot alias: they
+    // stay in registers through the loop.
+    const CKvLambertConic::SCone local = cone;
+    KVCART_SIMD_LOOP
+    for (std::size_t i = 0; i < count; ++i)
+        ok[i] = CKvLambertConic::Forward(local, lon[i], lat[i], x[i], y[i]);
+}
+
+KVCART_VECTOR_CLONES void InverseBlock(const CKvLambertConic::SCone& cone, std::size_t count, const double* x,
+                                       const double* y, double* lon, double* lat, bool* ok)
+{
+    // A copy of the figures, which the stores to the outputs cannot alias: they
+    // stay in registers through the loop.
+    const CKvLambertConic::SCone local = cone;
+    KVCART_SIMD_LOOP
+    for (std::size_t i = 0; i < count; ++i)
+        ok[i] = CKvLambertConic::Inverse(local, x[i], y[i], lon[i], lat[i]);
+}
+
+} // namespace
+
+void CKvLambertConic::ForwardBatch(const SCone& cone, const CKvProjection& engine, std::size_t n, const double* lon,
+                                   std::size_t lonStride, const double* lat, std::size_t latStride, double* x,
+                                   std::size_t xStride, double* y, std::size_t yStride)
+{
+    CKvBatch::ForEachBlock(
+        n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+        [&cone](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
+            ForwardBlock(cone, count, a, b, u, v, ok);
+        },
+        [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
+}
+
+void CKvLambertConic::InverseBatch(const SCone& cone, const CKvProjection& engine, std::size_t n, const double* x,
+                                   std::size_t xStride, const double* y, std::size_t yStride, double* lon,
+                                   std::size_t lonStride, double* lat, std::size_t latStride)
+{
+    CKvBatch::ForEachBlock(
+        n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+        [&cone](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
+            InverseBlock(cone, count, a, b, u, v, ok);
+        },
+        [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
 }

@@ -2,8 +2,12 @@
 #define KVCART_PROJECTIONS_KVLAMBERTCONIC_H
 
 #include "projections/KvConformalLatitude.h"
+#include "projections/KvMathKernel.h"
 
 #include <cmath>
+#include <cstddef>
+
+class CKvProjection;
 
 // The functions of latitude that both Lambert conformal conic engines use
 // (IOGP Guidance Note 7-2, methods 9801 and 9802).
@@ -26,6 +30,87 @@ public:
     {
         return sign * dy < (cosEdge - 1e-12) * std::sqrt(dx * dx + dy * dy);
     }
+
+    // The figures of one cone for its fast path, which both engines share:
+    //   rho = K exp(-n (psi + lnT)), theta = n (lon - lon0),
+    //   x = FE + rho sin theta, y = FN + rOrigin - rho cos theta,
+    // psi the isometric latitude, lnT the logarithm of the guidance note's t at
+    // the parallel where rho = K.
+    struct SCone
+    {
+        double e = 0.0, n = 0.0, nDeg = 0.0, sign = 1.0;
+        double K = 0.0, lnT = 0.0, rOrigin = 0.0;
+        double invK = 0.0, invN = 0.0; // 1 / K and 1 / n: the inverse multiplies
+        double FE = 0.0, FN = 0.0, lon0 = 0.0, lambda0 = 0.0;
+        CKvConformalLatitude::SInverse inverse;
+        bool fastForward = false, fastInverse = false;
+    };
+    // Whether the fast paths hold for these figures: an eccentricity within the
+    // series' reach, a cone (0 < |n| <= 1) of finite radii, and for the inverse
+    // Karney's series.
+    static SCone MakeCone(double e, double n, double K, double lnT, double rOrigin, double FE, double FN, double lon0,
+                          const CKvConformalLatitude::SInverse& inverse);
+
+    // One point of the fast path, the same operations in the single-point calls
+    // and in the vectorized blocks (the math kernels, and values chosen rather
+    // than branches), so that both give the same bits. false: the point is
+    // beyond the path (within a degree of a pole, a longitude difference to be
+    // reduced, out of the sheet or not finite), and the engine's general
+    // formulas take it.
+    //
+    // Forward: psi = atanh(sin phi) - e atanh(e sin phi), the first term by its
+    // series near the equator, else as half the logarithm of (1 + s) / (1 - s).
+    static KVCART_ALWAYS_INLINE bool Forward(const SCone& cone, double lon, double lat, double& x, double& y)
+    {
+        constexpr double Deg = 3.141592653589793 / 180.0;
+        const double phi = lat * Deg;
+        double s, c, versine;
+        CKvMathKernel::SinCos(phi, s, c, versine);
+        const double atanhS = std::fabs(s) < 0.1 ? CKvMathKernel::AtanhSmall(s)
+                                                  : 0.5 * CKvMathKernel::Log((1.0 + s) / (1.0 - s));
+        const double psi = atanhS - cone.e * CKvMathKernel::AtanhSmall(cone.e * s);
+        const double rho = cone.K * CKvMathKernel::Exp(-cone.n * (psi + cone.lnT));
+        const double d = lon - cone.lon0;
+        double sinTheta, cosTheta, vTheta;
+        CKvMathKernel::SinCos(cone.nDeg * d, sinTheta, cosTheta, vTheta);
+        x = cone.FE + rho * sinTheta;
+        y = cone.FN + cone.rOrigin - rho * cosTheta;
+        return (std::fabs(phi) < 1.5533430342749532) & (std::fabs(d) <= 180.0); // 89 degrees
+    }
+
+    // Inverse: (dx, dy) = rho (sin theta, cos theta) from the apex, psi = -(lnT +
+    // ln(rho / K) / n), tan chi = sinh psi (its series for small psi, where the
+    // exponentials would cancel), and Karney's series from chi to phi. theta is
+    // atan(dx / dy) within a quarter turn of the central meridian (rho and dy of
+    // the sign of n); beyond it, and at the apex, the general formulas' atan2.
+    static KVCART_ALWAYS_INLINE bool Inverse(const SCone& cone, double x, double y, double& lon, double& lat)
+    {
+        constexpr double Deg = 3.141592653589793 / 180.0;
+        const double dx = x - cone.FE;
+        const double dy = cone.rOrigin - (y - cone.FN);
+        const double q = cone.sign * std::sqrt(dx * dx + dy * dy) * cone.invK;
+        const double psi = -(cone.lnT + CKvMathKernel::Log(q) * cone.invN);
+        const double E = CKvMathKernel::Exp(psi);
+        const double tanChi = std::fabs(psi) < 0.5 ? CKvMathKernel::SinhSmall(psi) : (E - 1.0 / E) / 2.0;
+        const double t2 = tanChi * tanChi, inv = 1.0 / (1.0 + t2);
+        const double phi = CKvMathKernel::Atan(tanChi) +
+                           CKvConformalLatitude::SeriesCorrection(cone.inverse, 2.0 * tanChi * inv, (1.0 - t2) * inv);
+        const double theta = CKvMathKernel::Atan(dx / dy);
+        lon = (theta * cone.invN + cone.lambda0) * (1.0 / Deg);
+        lat = phi * (1.0 / Deg);
+        return (cone.sign * dy > 0.0) & (q >= 1e-300) & (q <= 1e300) & (std::fabs(psi) <= 30.0) &
+               (std::fabs(lon) <= 180.0) & (std::fabs(lat) <= 90.0);
+    }
+
+    // The batch forms of an engine on this cone: blocks of points through the fast
+    // path in vectorized loops, and the points beyond it through the engine's
+    // single-point call. Strided arrays as CKvBatch takes them.
+    static void ForwardBatch(const SCone& cone, const CKvProjection& engine, std::size_t n, const double* lon,
+                             std::size_t lonStride, const double* lat, std::size_t latStride, double* x,
+                             std::size_t xStride, double* y, std::size_t yStride);
+    static void InverseBatch(const SCone& cone, const CKvProjection& engine, std::size_t n, const double* x,
+                             std::size_t xStride, const double* y, std::size_t yStride, double* lon,
+                             std::size_t lonStride, double* lat, std::size_t latStride);
 };
 
 #endif

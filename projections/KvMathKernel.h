@@ -2,6 +2,8 @@
 #define KVCART_PROJECTIONS_KVMATHKERNEL_H
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 // The kernels and the per-point formulas built on them must be inlined into the
 // vectorized loops, whatever the compiler's size heuristics would choose.
@@ -208,6 +210,105 @@ public:
 
     // Eccentricities up to this size may use EccentricSinhSeries.
     static constexpr double EccentricSinhLimit = 0.1;
+
+    // exp x for |x| <= ExpLimit: x = k ln 2 + r with |r| <= ln 2 / 2 (ln 2 in two
+    // parts, the first of 32 significant bits, so that k ln2hi is exact), e^r by
+    // its Taylor series to r^13 (remainder below 5e-18 relative), and 2^k set in
+    // the exponent field. The integer k never leaves the floating-point registers
+    // as an integer conversion: it is read from the bits of k + 1.5 * 2^52, which
+    // keeps the loop free of conversions that the vector units lack and of any
+    // undefined conversion of a lane that is out of range (such a lane gives a
+    // meaningless value, which its caller flags).
+    static constexpr double ExpLimit = 700.0;
+    static KVCART_ALWAYS_INLINE double Exp(double x)
+    {
+        constexpr double Log2e = 1.4426950408889634;
+        constexpr double Ln2Hi = 0.6931471803691238; // 0x3fe62e42fee00000
+        constexpr double Ln2Lo = 1.9082149292705877e-10;
+        constexpr double Round = 6755399441055744.0; // 1.5 * 2^52
+        static constexpr double Series[12] = {1.0 / 2,          1.0 / 6,           1.0 / 24,
+                                              1.0 / 120,        1.0 / 720,         1.0 / 5040,
+                                              1.0 / 40320,      1.0 / 362880,      1.0 / 3628800,
+                                              1.0 / 39916800,   1.0 / 479001600,   1.0 / 6227020800};
+        const double shifted = x * Log2e + Round;
+        const double k = shifted - Round;
+        const double r = (x - k * Ln2Hi) - k * Ln2Lo;
+        const double er = 1.0 + (r + r * r * Estrin<12>(r, Series));
+        // The low bits of shifted hold k + 2^51; k + 1023 shifted into the
+        // exponent field is 2^k (the higher bits fall off the left end).
+        const std::uint64_t scale = (_bits(shifted) + 1023u) << 52;
+        return er * _double(scale);
+    }
+
+    // ln x for positive normal x (zero, negatives, subnormals, infinities and NaN
+    // are for the caller to flag): x = 2^k m with m in [sqrt(1/2), sqrt(2)) by the
+    // bits of x, ln m = 2 atanh(s) with s = (m - 1) / (m + 1), |s| <= 0.1716, by
+    // its series to s^23 (remainder below 1e-18 relative), and k ln 2 in two parts.
+    static KVCART_ALWAYS_INLINE double Log(double x)
+    {
+        constexpr double Ln2Hi = 0.6931471803691238;
+        constexpr double Ln2Lo = 1.9082149292705877e-10;
+        constexpr std::uint64_t SqrtHalf = 0x3fe6a09e00000000u; // just below sqrt(1/2)
+        constexpr std::uint64_t One = 0x3ff0000000000000u;
+        constexpr std::uint64_t Mantissa = 0x000fffffffffffffu;
+        static constexpr double Series[11] = {1.0 / 3,  1.0 / 5,  1.0 / 7,  1.0 / 9,  1.0 / 11, 1.0 / 13,
+                                              1.0 / 15, 1.0 / 17, 1.0 / 19, 1.0 / 21, 1.0 / 23};
+        // Offset so that the mantissas from sqrt(1/2) on carry into the next
+        // exponent: the exponent field is then k + 1023, and the mantissa,
+        // offset back, is m.
+        const std::uint64_t ix = _bits(x) + (One - SqrtHalf);
+        const double m = _double((ix & Mantissa) + SqrtHalf);
+        // k + 1023 as a double through the bits of 2^52 + (k + 1023).
+        const double k = (_double((ix >> 52) | 0x4330000000000000u) - 4503599627370496.0) - 1023.0;
+        const double f = m - 1.0; // exact
+        const double s = f / (2.0 + f), s2 = s * s;
+        const double lnM = 2.0 * s + 2.0 * s * s2 * Estrin<11>(s2, Series);
+        return k * Ln2Hi + (lnM + k * Ln2Lo);
+    }
+
+    // atan t for any t (NaN gives NaN): the argument a = |t| taken about the
+    // nearest of tan 0, 1/2, 1, 2 and infinity,
+    // atan a = c + atan((a - tan c) / (1 + a tan c)), and for c = pi/2 - c' the
+    // same about 1 / a, so that the last argument w stays within 1/4, where the
+    // series to w^25 falls below 1e-17 relative. Each case is one quotient of
+    // exact (or once rounded) terms, chosen as values rather than by branches, so
+    // that the vector loops keep no branch and one division.
+    static KVCART_ALWAYS_INLINE double Atan(double t)
+    {
+        constexpr double HalfPi = 1.5707963267948966;
+        constexpr double QuarterPi = 0.7853981633974483;
+        constexpr double AtanHalf = 0.4636476090008061;
+        static constexpr double Series[12] = {-1.0 / 3,  1.0 / 5,  -1.0 / 7,  1.0 / 9,  -1.0 / 11, 1.0 / 13,
+                                              -1.0 / 15, 1.0 / 17, -1.0 / 19, 1.0 / 21, -1.0 / 23, 1.0 / 25};
+        const double a = std::fabs(t);
+        // About 0: a; about 1/2: (2a - 1) / (2 + a); about 1: (a - 1) / (a + 1);
+        // about 2: atan a = pi/2 - atan(1/2) - w with w = (2 - a) / (2a + 1); about
+        // infinity: pi/2 - atan(1 / a). The differences 2a - 1, a - 1 and 2 - a
+        // are exact where they are taken.
+        const bool c1 = a > 0.25, c2 = a > 0.75, c3 = a > 4.0 / 3, c4 = a > 4.0;
+        const double num = c4 ? 1.0 : c3 ? 2.0 - a : c2 ? a - 1.0 : c1 ? 2.0 * a - 1.0 : a;
+        const double den = c4 ? a : c3 ? 2.0 * a + 1.0 : c2 ? a + 1.0 : c1 ? 2.0 + a : 1.0;
+        const double w = num / den, w2 = w * w;
+        const double aw = w + w * w2 * Estrin<12>(w2, Series);
+        const bool reflected = c3;
+        const double base = c4 ? 0.0 : c3 ? AtanHalf : c2 ? QuarterPi : c1 ? AtanHalf : 0.0;
+        const double v = reflected ? HalfPi - (base + aw) : base + aw;
+        return std::copysign(v, t);
+    }
+
+private:
+    static KVCART_ALWAYS_INLINE std::uint64_t _bits(double x)
+    {
+        std::uint64_t b;
+        std::memcpy(&b, &x, sizeof b);
+        return b;
+    }
+    static KVCART_ALWAYS_INLINE double _double(std::uint64_t b)
+    {
+        double x;
+        std::memcpy(&x, &b, sizeof x);
+        return x;
+    }
 
 };
 

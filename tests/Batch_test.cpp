@@ -10,6 +10,8 @@
 #include "projections/KvAlbersEqualArea.h"
 #include "projections/KvCassiniSoldner.h"
 #include "projections/KvEquidistantConic.h"
+#include "projections/KvLambert1SP.h"
+#include "projections/KvLambert2SP.h"
 #include "projections/KvLambertAzimuthalEqualArea.h"
 #include "projections/KvMathKernel.h"
 #include "projections/KvTransverseMercatorJHS.h"
@@ -564,5 +566,183 @@ TEST(Batch, MathKernelsAgainstLibm)
     for (double x = -0.1; x <= 0.1; x += 0.0013) {
         ASSERT_NEAR(CKvMathKernel::AsinhSmall(x), std::asinh(x), 2.3e-16 * std::fabs(x)) << x;
         ASSERT_NEAR(CKvMathKernel::AsinSmall(x), std::asin(x), 2.3e-16 * std::fabs(x)) << x;
+    }
+}
+
+TEST(Batch, ExpLogAtanKernelsAgainstLibm)
+{
+    // exp over its whole stated range, the reduction's boundaries (odd multiples
+    // of ln 2 / 2) among the points: relative error.
+    double worst = 0.0;
+    for (int i = -70000; i <= 70000; ++i) {
+        const double x = i * 0.01 + 1e-9 * (i % 11);
+        worst = std::fmax(worst, std::fabs(CKvMathKernel::Exp(x) - std::exp(x)) / std::exp(x));
+    }
+    for (int k = -1009; k <= 1009; k += 2)
+        for (double x : {std::nextafter(k * 0.34657359027997264, 0.0), k * 0.34657359027997264})
+            if (std::fabs(x) <= CKvMathKernel::ExpLimit)
+                worst = std::fmax(worst, std::fabs(CKvMathKernel::Exp(x) - std::exp(x)) / std::exp(x));
+    EXPECT_LE(worst, 4.5e-16);
+    EXPECT_EQ(CKvMathKernel::Exp(0.0), 1.0);
+    EXPECT_NEAR(CKvMathKernel::Exp(-CKvMathKernel::ExpLimit) / std::exp(-CKvMathKernel::ExpLimit), 1.0, 4.5e-16);
+
+    // ln x from the smallest normal number to the largest, the mantissas about
+    // sqrt(1/2) where the exponent changes, and near 1, where ln x is small.
+    worst = 0.0;
+    std::mt19937_64 random(14);
+    std::uniform_real_distribution<double> u(0.5, 2.0);
+    for (int i = 0; i < 200000; ++i) {
+        const double x = std::ldexp(u(random), i % 2044 - 1021);
+        worst = std::fmax(worst, std::fabs(CKvMathKernel::Log(x) - std::log(x)) / std::fabs(std::log(x)));
+    }
+    for (double x : {0.70710678118654746, 0.70710678118654757, 0.7071067, 0.7071068, 1.4142135, 1.4142136,
+                     1.0 + 1e-15, 1.0 - 1e-15, 1.0 + 1e-6, 0.999, 2.2250738585072014e-308, 1.7976931348623157e308})
+        worst = std::fmax(worst, std::fabs(CKvMathKernel::Log(x) - std::log(x)) / std::fabs(std::log(x)));
+    EXPECT_LE(worst, 4.5e-16);
+    EXPECT_EQ(CKvMathKernel::Log(1.0), 0.0);
+
+    // atan at every scale and sign, and at the reduction's boundaries 1/4, 3/4,
+    // 1, 4/3 and 4; infinities give the right angles, NaN stays NaN.
+    worst = 0.0;
+    for (int i = 0; i < 200000; ++i) {
+        const double t = (i % 2 ? -1.0 : 1.0) * std::ldexp(u(random), i % 80 - 40);
+        worst = std::fmax(worst, std::fabs(CKvMathKernel::Atan(t) - std::atan(t)) / std::fabs(std::atan(t)));
+    }
+    for (double t : {0.25, 0.75, 1.0, 4.0 / 3, 4.0, 1e-300, 1e300}) {
+        for (double s : {std::nextafter(t, 0.0), t, std::nextafter(t, 10.0), -t})
+            worst = std::fmax(worst, std::fabs(CKvMathKernel::Atan(s) - std::atan(s)) / std::fabs(std::atan(s)));
+    }
+    EXPECT_LE(worst, 4.5e-16);
+    EXPECT_EQ(CKvMathKernel::Atan(std::numeric_limits<double>::infinity()), 1.5707963267948966);
+    EXPECT_EQ(CKvMathKernel::Atan(-std::numeric_limits<double>::infinity()), -1.5707963267948966);
+    EXPECT_TRUE(std::signbit(CKvMathKernel::Atan(-0.0)));
+    EXPECT_TRUE(std::isnan(CKvMathKernel::Atan(std::numeric_limits<double>::quiet_NaN())));
+}
+
+namespace {
+
+// The inverse of grid points given as they come, in one batch and one by one.
+template <class TSystem>
+void ExpectInverseBatchMatchesSingle(const TSystem& system, const std::vector<double>& x, const std::vector<double>& y,
+                                     const char* name)
+{
+    std::vector<double> lon(x.size()), lat(x.size());
+    system.Proj2Geo(x.size(), x.data(), y.data(), lon.data(), lat.data());
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        double slon, slat;
+        system.Proj2Geo(x[i], y[i], &slon, &slat);
+        ASSERT_TRUE(Same(lon[i], slon) && Same(lat[i], slat)) << name << " grid point " << i << ": " << x[i] << " " << y[i];
+    }
+}
+
+} // namespace
+
+TEST(Batch, LambertConicsLoopMatchesSingleCalls)
+{
+    kvtest::ShippedCatalogue();
+    const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+    const CKvEllipsoid grs80("GRS 1980", "RF", 6378137.0, 298.257222101);
+    const CKvEllipsoid clarke("Clarke 1880 (IGN)", "CE", 6378249.2, 293.4660212936269);
+    struct Case
+    {
+        const CKvProjection* engine;
+        double lon0, FE, FN, apex; // apex: the radius of the origin's parallel
+        const char* name;
+    };
+    const CKvLambert2SP lambert93("l93", 49, 44, 3, 46.5, 700000, 6600000, grs80);
+    const CKvLambert1SP lambertII("l2e", 0.99987742, 2.337229167, 46.8, 600000, 2200000, clarke);
+    // A cone that opens southwards (n < 0), and a steep one whose sheet reaches
+    // more than a quarter turn either side of its central meridian.
+    const CKvLambert2SP south("south", -30, -40, 25, -35, 500000, 10000000, grs80);
+    const CKvLambert1SP steep("steep", 1.0, -45, 80, 0, 0, grs80);
+    const Case cases[] = {{&lambert93, 3, 700000, 6600000, lambert93.GetApexRadius(), "Lambert-93"},
+                          {&lambertII, 2.337229167, 600000, 2200000, lambertII.GetApexRadius(), "Lambert II"},
+                          {&south, 25, 500000, 10000000, south.GetApexRadius(), "southern cone"},
+                          {&steep, -45, 0, 0, steep.GetApexRadius(), "steep cone"}};
+    const double badLon[] = {nan, inf, -inf, 540, -540, 180, -180, 181, -179.9999999, 1e308, -1e308, 1e-310, 360};
+    const double badLat[] = {nan, inf, -inf, 90, -90, 89, -89, 88.9999999, 89.0000001, -0.0, 90.0000001, 1e308, 1e-310};
+    const CKvMapProjection lambert93NorthEast(kLambert93NorthEast);
+    ASSERT_NE(lambert93NorthEast.GetProjection(), nullptr);
+    unsigned seed = 20;
+    for (const Case& k : cases) {
+        // Points the whole world over and near the origin, with the exceptional
+        // inputs spread across the blocks, the antimeridian of the central
+        // meridian on both sides among them.
+        for (double span : {180.0, 8.0}) {
+            Cloud c = MakeCloud(k.lon0, span, -90, 90, 700, ++seed);
+            for (std::size_t i = 0; i < c.lon.size(); i += 7)
+                c.lon[i] = badLon[(i / 7) % (sizeof badLon / sizeof badLon[0])];
+            for (std::size_t i = 3; i < c.lat.size(); i += 11)
+                c.lat[i] = badLat[(i / 11) % (sizeof badLat / sizeof badLat[0])];
+            for (double d : {180.0, -180.0, std::nextafter(180.0, 200.0), std::nextafter(-180.0, -200.0)}) {
+                c.lon.push_back(k.lon0 + d);
+                c.lat.push_back(45.0);
+            }
+            ExpectBatchMatchesSingle(*k.engine, c, k.name);
+            if (k.engine == &lambert93)
+                ExpectBatchMatchesSingle(lambert93NorthEast, c, "Lambert-93 (N, E)");
+        }
+        // Grid points: the apex and its neighbourhood, points beyond the apex and
+        // off the sheet, far away, and not finite, among ordinary ones.
+        std::vector<double> x, y;
+        std::mt19937_64 random(++seed);
+        std::uniform_real_distribution<double> u(-1.0, 1.0);
+        const double apexY = k.FN + k.apex;
+        for (int i = 0; i < 600; ++i) {
+            x.push_back(k.FE + 3e6 * u(random));
+            y.push_back(k.FN + 3e6 * u(random));
+        }
+        const double special[][2] = {{k.FE, apexY},           {k.FE + 1e-9, apexY},     {k.FE, apexY + 1e-9},
+                                     {k.FE, apexY - 1e-9},    {k.FE, apexY + 1e6},      {k.FE + 1e6, apexY + 1e5},
+                                     {k.FE - 1e6, apexY},     {k.FE, k.FN - 3e7},       {k.FE + 1e7, k.FN},
+                                     {1e308, k.FN},           {k.FE, -1e308},           {nan, k.FN},
+                                     {k.FE, nan},             {inf, k.FN},              {k.FE, -inf},
+                                     {k.FE, k.FN},            {-0.0, 0.0},              {k.FE, apexY + 1e-300}};
+        for (std::size_t i = 0; i < sizeof special / sizeof special[0]; ++i) {
+            x[i * 31] = special[i][0];
+            y[i * 31] = special[i][1];
+        }
+        ExpectInverseBatchMatchesSingle(*k.engine, x, y, k.name);
+
+        // Strided and in place: records {lon, lat, h} become grid coordinates and
+        // come back, the same bits as the single-point calls, h untouched.
+        struct Record
+        {
+            double lon, lat, h;
+        };
+        const Cloud c = MakeCloud(k.lon0, 30, 20, 70, 300, ++seed);
+        std::vector<Record> records;
+        for (std::size_t i = 0; i < c.lon.size(); ++i)
+            records.push_back({c.lon[i], c.lat[i], 0.5 * i});
+        records[5].lat = nan;
+        records[77].lon = 540;
+        records[128].lat = 90;
+        std::vector<double> inLon, inLat;
+        for (const Record& r : records) {
+            inLon.push_back(r.lon);
+            inLat.push_back(r.lat);
+        }
+        k.engine->Geo2Proj(records.size(), &records[0].lon, sizeof(Record), &records[0].lat, sizeof(Record),
+                           &records[0].lon, sizeof(Record), &records[0].lat, sizeof(Record));
+        std::vector<double> gx(records.size()), gy(records.size());
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            double sx, sy;
+            k.engine->Geo2Proj(inLon[i], inLat[i], &sx, &sy);
+            ASSERT_TRUE(Same(records[i].lon, sx) && Same(records[i].lat, sy)) << k.name << " record " << i;
+            ASSERT_EQ(records[i].h, 0.5 * i);
+            gx[i] = sx;
+            gy[i] = sy;
+        }
+        k.engine->Proj2Geo(records.size(), &records[0].lon, sizeof(Record), &records[0].lat, sizeof(Record),
+                           &records[0].lon, sizeof(Record), &records[0].lat, sizeof(Record));
+        for (std::size_t i = 0; i < records.size(); ++i) {
+            double slon, slat;
+            k.engine->Proj2Geo(gx[i], gy[i], &slon, &slat);
+            ASSERT_TRUE(Same(records[i].lon, slon) && Same(records[i].lat, slat)) << k.name << " record " << i;
+            if (i != 5 && i != 77 && i != 128) { // 540: a line carried on a turn and a half
+                EXPECT_NEAR(records[i].lon, c.lon[i], 1e-9) << k.name << " record " << i;
+                EXPECT_NEAR(records[i].lat, c.lat[i], 1e-9) << k.name << " record " << i;
+            }
+        }
     }
 }
