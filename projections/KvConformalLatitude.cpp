@@ -12,15 +12,8 @@ double CKvConformalLatitude::T(double phi, double e)
 
 double CKvConformalLatitude::Isometric(double phi, double e)
 {
-    if (std::fabs(phi) < 1.5533430342749532 && e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit) { // 89 degrees
-        double s, c, versine;
-        CKvMathKernel::SinCos(phi, s, c, versine);
-        // atanh(sin phi): its series near the equator, where the logarithm's
-        // argument would be close to 1, else 0.5 ln((1 + s) / (1 - s)).
-        const double atanhS =
-            std::fabs(s) < 0.1 ? CKvMathKernel::AtanhSmall(s) : 0.5 * std::log((1.0 + s) / (1.0 - s));
-        return atanhS - e * CKvMathKernel::AtanhSmall(e * s);
-    }
+    if (std::fabs(phi) < IsometricKernelLimit && e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit)
+        return IsometricKernel(phi, e);
     // asinh(tan phi) keeps its precision up to the poles, where tan phi of the
     // rounded right angle is large but finite.
     return std::asinh(std::tan(phi)) - e * std::atanh(e * std::sin(phi));

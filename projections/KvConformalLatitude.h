@@ -22,6 +22,24 @@ public:
     // logarithm (or a series near the equator) and a short series; near them, and for eccentricities beyond the
     // series, as asinh(tan phi) - e atanh(e sin phi).
     static double Isometric(double phi, double e);
+    // The isometric latitude of a latitude within IsometricKernelLimit of the
+    // equator, for an eccentricity within the series' reach (e <=
+    // CKvMathKernel::EccentricSinhLimit), by the inline kernels alone: the same
+    // operations in a scalar call and in a vectorized loop, so that both give
+    // the same bits. atanh(sin phi) is its series near the equator (where the
+    // logarithm's argument would be close to 1), else half the difference of
+    // ln(1 + s) and ln(1 - s), two logarithms side by side instead of one after
+    // a division; e atanh(e sin phi) is the short series.
+    static constexpr double IsometricKernelLimit = 1.5533430342749532; // 89 degrees
+    static KVCART_ALWAYS_INLINE double IsometricKernel(double phi, double e)
+    {
+        const double s = CKvMathKernel::SinHalfPi(phi);
+        const double atanhS = std::fabs(s) < 0.1
+                                  ? CKvMathKernel::AtanhSmall(s)
+                                  : 0.5 * (CKvMathKernel::Log(1.0 + s) - CKvMathKernel::Log(1.0 - s));
+        return atanhS - e * CKvMathKernel::AtanhSmall(e * s);
+    }
+
     // sin chi = tanh psi and cos chi = sech psi for the latitude chi whose isometric
     // latitude is psi (a conformal sphere's latitude from its isometric latitude),
     // from sinh and cosh: by the series of sinh for small psi (no cancellation near
@@ -66,6 +84,20 @@ public:
     {
         return sin2Chi * CKvMathKernel::Estrin<6>(cos2Chi, inverse.poly);
     }
+    // The geodetic latitude (radians) of the isometric latitude psi, |psi| <=
+    // LatitudeKernelLimit, for an inverse with series, by the inline kernels:
+    // tan chi = sinh psi (its series for small psi, where the exponentials would
+    // cancel, else from one exponential), chi = atan(tan chi), and Karney's
+    // series from chi to phi with sin 2chi and cos 2chi from tan chi.
+    static constexpr double LatitudeKernelLimit = 30.0;
+    static KVCART_ALWAYS_INLINE double LatitudeKernel(const SInverse& inverse, double psi)
+    {
+        const double E = CKvMathKernel::Exp(psi);
+        const double tanChi = std::fabs(psi) < 0.5 ? CKvMathKernel::SinhSmall(psi) : (E - 1.0 / E) / 2.0;
+        const double t2 = tanChi * tanChi, inv = 1.0 / (1.0 + t2);
+        return CKvMathKernel::Atan(tanChi) + SeriesCorrection(inverse, 2.0 * tanChi * inv, (1.0 - t2) * inv);
+    }
+
     // phi in radians from tan chi, by the series or by Tau.
     static double Latitude(const SInverse& inverse, double tanChi);
 

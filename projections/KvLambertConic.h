@@ -58,29 +58,23 @@ public:
     // reduced, out of the sheet or not finite), and the engine's general
     // formulas take it.
     //
-    // Forward: psi = atanh(sin phi) - e atanh(e sin phi), the first term by its
-    // series near the equator, else as half the logarithm of (1 + s) / (1 - s).
+    // Forward: rho from the isometric latitude psi.
     static KVCART_ALWAYS_INLINE bool Forward(const SCone& cone, double lon, double lat, double& x, double& y)
     {
         constexpr double Deg = 3.141592653589793 / 180.0;
         const double phi = lat * Deg;
-        double s, c, versine;
-        CKvMathKernel::SinCos(phi, s, c, versine);
-        const double atanhS = std::fabs(s) < 0.1 ? CKvMathKernel::AtanhSmall(s)
-                                                  : 0.5 * CKvMathKernel::Log((1.0 + s) / (1.0 - s));
-        const double psi = atanhS - cone.e * CKvMathKernel::AtanhSmall(cone.e * s);
+        const double psi = CKvConformalLatitude::IsometricKernel(phi, cone.e);
         const double rho = cone.K * CKvMathKernel::Exp(-cone.n * (psi + cone.lnT));
         const double d = lon - cone.lon0;
         double sinTheta, cosTheta, vTheta;
         CKvMathKernel::SinCos(cone.nDeg * d, sinTheta, cosTheta, vTheta);
         x = cone.FE + rho * sinTheta;
         y = cone.FN + cone.rOrigin - rho * cosTheta;
-        return (std::fabs(phi) < 1.5533430342749532) & (std::fabs(d) <= 180.0); // 89 degrees
+        return (std::fabs(phi) < CKvConformalLatitude::IsometricKernelLimit) & (std::fabs(d) <= 180.0);
     }
 
     // Inverse: (dx, dy) = rho (sin theta, cos theta) from the apex, psi = -(lnT +
-    // ln(rho / K) / n), tan chi = sinh psi (its series for small psi, where the
-    // exponentials would cancel), and Karney's series from chi to phi. theta is
+    // ln(rho / K) / n), and the latitude from psi. theta is
     // atan(dx / dy) within a quarter turn of the central meridian (rho and dy of
     // the sign of n); beyond it, and at the apex, the general formulas' atan2.
     static KVCART_ALWAYS_INLINE bool Inverse(const SCone& cone, double x, double y, double& lon, double& lat)
@@ -90,15 +84,11 @@ public:
         const double dy = cone.rOrigin - (y - cone.FN);
         const double q = cone.sign * std::sqrt(dx * dx + dy * dy) * cone.invK;
         const double psi = -(cone.lnT + CKvMathKernel::Log(q) * cone.invN);
-        const double E = CKvMathKernel::Exp(psi);
-        const double tanChi = std::fabs(psi) < 0.5 ? CKvMathKernel::SinhSmall(psi) : (E - 1.0 / E) / 2.0;
-        const double t2 = tanChi * tanChi, inv = 1.0 / (1.0 + t2);
-        const double phi = CKvMathKernel::Atan(tanChi) +
-                           CKvConformalLatitude::SeriesCorrection(cone.inverse, 2.0 * tanChi * inv, (1.0 - t2) * inv);
+        const double phi = CKvConformalLatitude::LatitudeKernel(cone.inverse, psi);
         const double theta = CKvMathKernel::Atan(dx / dy);
         lon = (theta * cone.invN + cone.lambda0) * (1.0 / Deg);
         lat = phi * (1.0 / Deg);
-        return (cone.sign * dy > 0.0) & (q >= 1e-300) & (q <= 1e300) & (std::fabs(psi) <= 30.0) &
+        return (cone.sign * dy > 0.0) & (q >= 1e-300) & (q <= 1e300) & (std::fabs(psi) <= CKvConformalLatitude::LatitudeKernelLimit) &
                (std::fabs(lon) <= 180.0) & (std::fabs(lat) <= 90.0);
     }
 

@@ -1,6 +1,8 @@
 #ifndef KVCART_PROJECTIONS_KVMATHKERNEL_H
 #define KVCART_PROJECTIONS_KVMATHKERNEL_H
 
+#include "projections/KvMathTables.h"
+
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -87,6 +89,26 @@ public:
         c = signCos * (cr * even + sr * odd);
         const double first = static_cast<double>(q == 0.0);
         versine = vr * first + (1.0 - c) * (1.0 - first);
+    }
+
+    // sin x for |x| <= pi/2 (a latitude) by its Taylor series to x^21, whose
+    // remainder is below 1.3e-18 there: no reduction of the argument, which
+    // shortens the chain that most forward formulas start with. Beyond pi/2 the
+    // value is meaningless; the callers flag such points.
+    static KVCART_ALWAYS_INLINE double SinHalfPi(double x)
+    {
+        static constexpr double Series[10] = {-1.0 / 6,
+                                              1.0 / 120,
+                                              -1.0 / 5040,
+                                              1.0 / 362880,
+                                              -1.0 / 39916800,
+                                              1.0 / 6227020800,
+                                              -1.0 / 1307674368000,
+                                              1.0 / 355687428096000,
+                                              -1.0 / 121645100408832000,
+                                              1.0 / 51090942171709440000.0};
+        const double x2 = x * x;
+        return x + x * x2 * Estrin<10>(x2, Series);
     }
 
     // sin x and cos x for any x: the kernel within its range, libm beyond it
@@ -211,59 +233,71 @@ public:
     // Eccentricities up to this size may use EccentricSinhSeries.
     static constexpr double EccentricSinhLimit = 0.1;
 
-    // exp x for |x| <= ExpLimit: x = k ln 2 + r with |r| <= ln 2 / 2 (ln 2 in two
-    // parts, the first of 32 significant bits, so that k ln2hi is exact), e^r by
-    // its Taylor series to r^13 (remainder below 5e-18 relative), and 2^k set in
-    // the exponent field. The integer k never leaves the floating-point registers
-    // as an integer conversion: it is read from the bits of k + 1.5 * 2^52, which
-    // keeps the loop free of conversions that the vector units lack and of any
+    // exp x for |x| <= ExpLimit, by the tables of 2^(j/64) (Tang's method):
+    // x = (64 m + j) ln2 / 64 + r with |r| <= ln2 / 128 (ln2 / 64 in two parts,
+    // the first of 32 significant bits, so that k ln2hi / 64 is exact), e^r - 1 by
+    // its Taylor series to r^6 (remainder below 2e-20), and
+    //   e^x = 2^m (2^(j/64) + 2^(j/64) (e^r - 1)),
+    // 2^m set in the exponent field: within one unit in the last place. The
+    // integer k never leaves the floating-point registers as an integer
+    // conversion: it is read from the bits of x 64 / ln2 + 1.5 * 2^52, which keeps
+    // the loop free of conversions that the vector units lack and of any
     // undefined conversion of a lane that is out of range (such a lane gives a
     // meaningless value, which its caller flags).
     static constexpr double ExpLimit = 700.0;
     static KVCART_ALWAYS_INLINE double Exp(double x)
     {
-        constexpr double Log2e = 1.4426950408889634;
-        constexpr double Ln2Hi = 0.6931471803691238; // 0x3fe62e42fee00000
-        constexpr double Ln2Lo = 1.9082149292705877e-10;
+        constexpr int Bits = SKvMathTables::ExpBits;
+        constexpr double Scale = 92.332482616893657;             // 64 / ln 2
+        constexpr double Ln2Hi = 0.6931471803691238 / (1 << Bits); // 0x3fe62e42fee00000 / 64
+        constexpr double Ln2Lo = 1.9082149292705877e-10 / (1 << Bits);
         constexpr double Round = 6755399441055744.0; // 1.5 * 2^52
-        static constexpr double Series[12] = {1.0 / 2,          1.0 / 6,           1.0 / 24,
-                                              1.0 / 120,        1.0 / 720,         1.0 / 5040,
-                                              1.0 / 40320,      1.0 / 362880,      1.0 / 3628800,
-                                              1.0 / 39916800,   1.0 / 479001600,   1.0 / 6227020800};
-        const double shifted = x * Log2e + Round;
+        static constexpr double Series[5] = {1.0 / 2, 1.0 / 6, 1.0 / 24, 1.0 / 120, 1.0 / 720};
+        const double shifted = x * Scale + Round;
         const double k = shifted - Round;
         const double r = (x - k * Ln2Hi) - k * Ln2Lo;
-        const double er = 1.0 + (r + r * r * Estrin<12>(r, Series));
-        // The low bits of shifted hold k + 2^51; k + 1023 shifted into the
-        // exponent field is 2^k (the higher bits fall off the left end).
-        const std::uint64_t scale = (_bits(shifted) + 1023u) << 52;
-        return er * _double(scale);
+        const double p = r + r * r * Estrin<5>(r, Series);
+        // The low bits of shifted hold k = 64 m + j (offset by 2^51, a multiple of
+        // 64): j is the last six, and m + 1023 shifted into the exponent field is
+        // 2^m (the higher bits fall off the left end).
+        const std::uint64_t bits = _bits(shifted);
+        const std::uint64_t j = bits & ((1u << Bits) - 1);
+        const std::uint64_t scale = ((bits >> Bits) + 1023u) << 52;
+        // 2^m 2^(j/64) is formed while the series is evaluated, so that two
+        // operations follow it.
+        const double t = SKvMathTables::ExpHi[j] * _double(scale);
+        return t + t * (p + SKvMathTables::ExpRel[j]);
     }
 
     // ln x for positive normal x (zero, negatives, subnormals, infinities and NaN
-    // are for the caller to flag): x = 2^k m with m in [sqrt(1/2), sqrt(2)) by the
-    // bits of x, ln m = 2 atanh(s) with s = (m - 1) / (m + 1), |s| <= 0.1716, by
-    // its series to s^23 (remainder below 1e-18 relative), and k ln 2 in two parts.
+    // are for the caller to flag), by a table of 128 buckets (Tang's method): x =
+    // 2^k m with m in [S, 2S), S = 0.709 near sqrt(1/2), read off the bits of x;
+    // c the centre of m's bucket, whose logarithm the table holds in two parts,
+    //   ln x = k ln2 + ln c + ln(1 + r), r = (m - c) / c, |r| < 2^-8,
+    // m - c exact (Sterbenz), r one rounding from the table's 1 / c, and ln(1 + r)
+    // by its series to r^7 (remainder below 2^-59 relative). Near x = 1 (k = 0,
+    // c = 1) the result is the series alone, to its full relative precision. No
+    // division.
     static KVCART_ALWAYS_INLINE double Log(double x)
     {
+        constexpr int Shift = 52 - SKvMathTables::LogBits;
         constexpr double Ln2Hi = 0.6931471803691238;
         constexpr double Ln2Lo = 1.9082149292705877e-10;
-        constexpr std::uint64_t SqrtHalf = 0x3fe6a09e00000000u; // just below sqrt(1/2)
+        constexpr std::uint64_t Split = SKvMathTables::LogSplit;
         constexpr std::uint64_t One = 0x3ff0000000000000u;
         constexpr std::uint64_t Mantissa = 0x000fffffffffffffu;
-        static constexpr double Series[11] = {1.0 / 3,  1.0 / 5,  1.0 / 7,  1.0 / 9,  1.0 / 11, 1.0 / 13,
-                                              1.0 / 15, 1.0 / 17, 1.0 / 19, 1.0 / 21, 1.0 / 23};
-        // Offset so that the mantissas from sqrt(1/2) on carry into the next
-        // exponent: the exponent field is then k + 1023, and the mantissa,
-        // offset back, is m.
-        const std::uint64_t ix = _bits(x) + (One - SqrtHalf);
-        const double m = _double((ix & Mantissa) + SqrtHalf);
+        static constexpr double Series[6] = {-1.0 / 2, 1.0 / 3, -1.0 / 4, 1.0 / 5, -1.0 / 6, 1.0 / 7};
+        // Offset so that the mantissas from S on carry into the next exponent:
+        // the exponent field is then k + 1023, and the mantissa, offset back, m.
+        const std::uint64_t ix = _bits(x) + (One - Split);
+        const std::uint64_t field = ix & Mantissa;
+        const std::uint64_t j = field >> Shift;
+        const double m = _double(field + Split);
         // k + 1023 as a double through the bits of 2^52 + (k + 1023).
         const double k = (_double((ix >> 52) | 0x4330000000000000u) - 4503599627370496.0) - 1023.0;
-        const double f = m - 1.0; // exact
-        const double s = f / (2.0 + f), s2 = s * s;
-        const double lnM = 2.0 * s + 2.0 * s * s2 * Estrin<11>(s2, Series);
-        return k * Ln2Hi + (lnM + k * Ln2Lo);
+        const double r = (m - SKvMathTables::LogCentre[j]) * SKvMathTables::LogInverse[j];
+        const double p = r + r * r * Estrin<6>(r, Series);
+        return (k * Ln2Hi + SKvMathTables::LogHi[j]) + ((k * Ln2Lo + SKvMathTables::LogLo[j]) + p);
     }
 
     // atan t for any t (NaN gives NaN): the argument a = |t| taken about the

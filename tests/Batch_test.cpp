@@ -569,17 +569,18 @@ TEST(Batch, MathKernelsAgainstLibm)
     }
 }
 
-TEST(Batch, ExpLogAtanKernelsAgainstLibm)
+TEST(Batch, ExpLogSinAtanKernelsAgainstLibm)
 {
     // exp over its whole stated range, the reduction's boundaries (odd multiples
-    // of ln 2 / 2) among the points: relative error.
+    // of ln 2 / 128, where the table's entry changes) among the points: relative
+    // error.
     double worst = 0.0;
     for (int i = -70000; i <= 70000; ++i) {
         const double x = i * 0.01 + 1e-9 * (i % 11);
         worst = std::fmax(worst, std::fabs(CKvMathKernel::Exp(x) - std::exp(x)) / std::exp(x));
     }
-    for (int k = -1009; k <= 1009; k += 2)
-        for (double x : {std::nextafter(k * 0.34657359027997264, 0.0), k * 0.34657359027997264})
+    for (int k = -129263; k <= 129263; k += 2)
+        for (double x : {std::nextafter(k * 0.0054152123481245725, 0.0), k * 0.0054152123481245725})
             if (std::fabs(x) <= CKvMathKernel::ExpLimit)
                 worst = std::fmax(worst, std::fabs(CKvMathKernel::Exp(x) - std::exp(x)) / std::exp(x));
     EXPECT_LE(worst, 4.5e-16);
@@ -587,7 +588,8 @@ TEST(Batch, ExpLogAtanKernelsAgainstLibm)
     EXPECT_NEAR(CKvMathKernel::Exp(-CKvMathKernel::ExpLimit) / std::exp(-CKvMathKernel::ExpLimit), 1.0, 4.5e-16);
 
     // ln x from the smallest normal number to the largest, the mantissas about
-    // sqrt(1/2) where the exponent changes, and near 1, where ln x is small.
+    // 0.709 where the exponent changes, the table's bucket edges about 1, and
+    // near 1, where ln x is small.
     worst = 0.0;
     std::mt19937_64 random(14);
     std::uniform_real_distribution<double> u(0.5, 2.0);
@@ -595,11 +597,24 @@ TEST(Batch, ExpLogAtanKernelsAgainstLibm)
         const double x = std::ldexp(u(random), i % 2044 - 1021);
         worst = std::fmax(worst, std::fabs(CKvMathKernel::Log(x) - std::log(x)) / std::fabs(std::log(x)));
     }
-    for (double x : {0.70710678118654746, 0.70710678118654757, 0.7071067, 0.7071068, 1.4142135, 1.4142136,
-                     1.0 + 1e-15, 1.0 - 1e-15, 1.0 + 1e-6, 0.999, 2.2250738585072014e-308, 1.7976931348623157e308})
-        worst = std::fmax(worst, std::fabs(CKvMathKernel::Log(x) - std::log(x)) / std::fabs(std::log(x)));
+    for (double x : {0.70710678118654746, 0.70710678118654757, 0.708984375, 1.41796875, 1.0 - 1.0 / 512,
+                     1.0 + 1.0 / 256, 1.0 + 1e-15, 1.0 - 1e-15, 1.0 + 1e-6, 0.999, 2.2250738585072014e-308,
+                     1.7976931348623157e308})
+        for (double y : {std::nextafter(x, 0.0), x, std::nextafter(x, 2.0 * x)})
+            worst = std::fmax(worst, std::fabs(CKvMathKernel::Log(y) - std::log(y)) / std::fabs(std::log(y)));
     EXPECT_LE(worst, 4.5e-16);
     EXPECT_EQ(CKvMathKernel::Log(1.0), 0.0);
+
+    // sin over a half turn about 0, from the smallest angles to the poles.
+    worst = 0.0;
+    for (int i = -200000; i <= 200000; ++i) {
+        const double x = i * (1.5707963267948966 / 200000);
+        if (x != 0.0)
+            worst = std::fmax(worst, std::fabs(CKvMathKernel::SinHalfPi(x) - std::sin(x)) / std::fabs(std::sin(x)));
+    }
+    for (double x : {1e-300, 1e-8, 1.5707963267948966})
+        worst = std::fmax(worst, std::fabs(CKvMathKernel::SinHalfPi(x) - std::sin(x)) / std::sin(x));
+    EXPECT_LE(worst, 4.5e-16);
 
     // atan at every scale and sign, and at the reduction's boundaries 1/4, 3/4,
     // 1, 4/3 and 4; infinities give the right angles, NaN stays NaN.
