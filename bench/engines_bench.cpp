@@ -12,6 +12,7 @@
 #include "projections/KvMercator2SP.h"
 #include "projections/KvNewZealandMapGrid.h"
 #include "projections/KvObliqueMercator.h"
+#include "projections/KvPseudoMercator.h"
 #include "projections/KvPolarStereographic.h"
 #include "projections/KvRectifiedSkewOrthomorphic.h"
 #include "projections/KvRotatedLongitudeLatitude.h"
@@ -82,6 +83,33 @@ void Inverse(benchmark::State& state, const CKvProjection* engine, double lon0, 
     kvbench::CountPoints(state, kPoints);
 }
 
+// The engine's batch form over the same points: one call for the whole array.
+void BatchForward(benchmark::State& state, const CKvProjection* engine, double lon0, double lat0)
+{
+    const Points p = MakePoints(*engine, lon0, lat0);
+    std::vector<double> x(kPoints), y(kPoints);
+    for (auto _ : state) {
+        engine->Geo2Proj(kPoints, p.lon.data(), p.lat.data(), x.data(), y.data());
+        benchmark::DoNotOptimize(x.data());
+        benchmark::DoNotOptimize(y.data());
+        benchmark::ClobberMemory();
+    }
+    kvbench::CountPoints(state, kPoints);
+}
+
+void BatchInverse(benchmark::State& state, const CKvProjection* engine, double lon0, double lat0)
+{
+    const Points p = MakePoints(*engine, lon0, lat0);
+    std::vector<double> lon(kPoints), lat(kPoints);
+    for (auto _ : state) {
+        engine->Proj2Geo(kPoints, p.x.data(), p.y.data(), lon.data(), lat.data());
+        benchmark::DoNotOptimize(lon.data());
+        benchmark::DoNotOptimize(lat.data());
+        benchmark::ClobberMemory();
+    }
+    kvbench::CountPoints(state, kPoints);
+}
+
 struct Engine
 {
     const char* name;
@@ -99,6 +127,7 @@ const std::vector<Engine>& Engines()
         {"Lambert2SP/Lambert93", new CKvLambert2SP("l93", 49, 44, 3, 46.5, 700000, 6600000, kGrs80), 3, 46.5, "+proj=lcc +lat_1=49 +lat_2=44 +lat_0=46.5 +lon_0=3 +x_0=700000 +y_0=6600000 +ellps=GRS80"},
         {"Mercator1SP", new CKvMercator1SP("m1", 1.0, 0, 0, 0, kWgs84), 0, 30, "+proj=merc +ellps=WGS84"},
         {"Mercator2SP", new CKvMercator2SP("m2", 42, 51, 0, 0, kWgs84), 51, 42, "+proj=merc +lat_ts=42 +lon_0=51 +ellps=WGS84"},
+        {"PseudoMercator", new CKvPseudoMercator("webmerc", 0, 0, 0, 0, kWgs84), 10, 50, "+proj=webmerc +ellps=WGS84"},
         {"AlbersEqualArea/ellipsoid", new CKvAlbersEqualArea("aea", 29.5, 45.5, -96, 23, 0, 0, kGrs80), -96, 38, "+proj=aea +lat_1=29.5 +lat_2=45.5 +lat_0=23 +lon_0=-96 +ellps=GRS80"},
         {"AlbersEqualArea/sphere", new CKvAlbersEqualArea("aea", 29.5, 45.5, -96, 23, 0, 0, kSphere), -96, 38, "+proj=aea +lat_1=29.5 +lat_2=45.5 +lat_0=23 +lon_0=-96 +R=6371229"},
         {"EquidistantConic/ellipsoid", new CKvEquidistantConic("eqdc", 33, 45, -96, 39, 0, 0, kGrs80), -96, 39, "+proj=eqdc +lat_1=33 +lat_2=45 +lat_0=39 +lon_0=-96 +ellps=GRS80"},
@@ -157,6 +186,10 @@ const bool kRegistered = [] {
     for (const Engine& e : Engines()) {
         benchmark::RegisterBenchmark((std::string(e.name) + "/forward").c_str(), Forward, e.engine, e.lon0, e.lat0);
         benchmark::RegisterBenchmark((std::string(e.name) + "/inverse").c_str(), Inverse, e.engine, e.lon0, e.lat0);
+        benchmark::RegisterBenchmark((std::string(e.name) + "/batch-forward").c_str(), BatchForward, e.engine, e.lon0,
+                                     e.lat0);
+        benchmark::RegisterBenchmark((std::string(e.name) + "/batch-inverse").c_str(), BatchInverse, e.engine, e.lon0,
+                                     e.lat0);
 #ifdef KVCART_BENCH_WITH_PROJ
         if (e.proj != nullptr) {
             benchmark::RegisterBenchmark((std::string(e.name) + "/proj-forward").c_str(), ProjEngine, &e, PJ_FWD);

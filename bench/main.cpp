@@ -5,6 +5,7 @@
 // vector-maths limit.
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <cstdio>
 #include <map>
 #include <string>
@@ -38,13 +39,8 @@ public:
     void Finalize() override
     {
         ConsoleReporter::Finalize();
+        PrintEngineTable();
         std::printf("\nRatios (time of the first over the second; below 1 is faster)\n");
-        for (const auto& [name, time] : m_times) {
-            const auto slash = name.rfind('/');
-            const std::string base = name.substr(0, slash), leaf = name.substr(slash + 1);
-            if (leaf == "forward" || leaf == "inverse")
-                Print(name, base + "/proj-" + leaf);
-        }
         for (const auto& [name, time] : m_times) {
             const auto slash = name.rfind('/');
             const std::string base = name.substr(0, slash), leaf = name.substr(slash + 1);
@@ -65,6 +61,51 @@ public:
     }
 
 private:
+    // One row per engine: per point forward and inverse beside PROJ's
+    // proj_trans, the ratio (ours over PROJ's), and the batch form with its
+    // speed-up over the per-point calls. Markdown, as the README keeps it.
+    void PrintEngineTable() const
+    {
+        bool header = false;
+        for (const auto& [name, time] : m_times) {
+            const auto slash = name.rfind('/');
+            if (name.substr(slash + 1) != "forward")
+                continue;
+            const std::string base = name.substr(0, slash);
+            if (!header) {
+                std::printf("\nEngines, nanoseconds per point (ratio: ours over PROJ's; batch: its speed-up over "
+                            "the per-point calls)\n\n");
+                std::printf("| Engine | forward | PROJ | ratio | batch | speed-up | inverse | PROJ | ratio | batch | "
+                            "speed-up |\n|---|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n");
+                header = true;
+            }
+            std::printf("| %s", base.c_str());
+            for (const char* leaf : {"forward", "inverse"}) {
+                const double own = Time(base + "/" + leaf), proj = Time(base + "/proj-" + leaf),
+                             batch = Time(base + "/batch-" + leaf);
+                Cell(own, "%.1f");
+                Cell(proj, "%.1f");
+                Cell(own / proj, "%.2f");
+                Cell(batch, "%.1f");
+                Cell(own / batch, "%.1f");
+            }
+            std::printf(" |\n");
+        }
+    }
+    double Time(const std::string& name) const
+    {
+        const auto found = m_times.find(name);
+        return found == m_times.end() ? std::nan("") : found->second;
+    }
+    static void Cell(double value, const char* format)
+    {
+        std::printf(" | ");
+        if (std::isfinite(value) && value > 0.0)
+            std::printf(format, value);
+        else
+            std::printf("–");
+    }
+
     void Print(const std::string& first, const std::string& second) const
     {
         const auto a = m_times.find(first), b = m_times.find(second);

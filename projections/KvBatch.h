@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVBATCH_H
 
 #include <cstddef>
+#include <cstring>
 
 // The vectorized block loops are compiled once per instruction set and the
 // loader picks the widest that the processor has (GCC's function clones). Not
@@ -22,6 +23,24 @@
 #else
 #define KVCART_SIMD_LOOP
 #endif
+
+// Defines NAME, the vectorized loop of an engine's fast path over one block of
+// contiguous points: ok[i] = PATH(figures, a[i], b[i], u[i], v[i]), PATH an
+// inline function of the engine's figures (a struct of doubles and flags) that
+// computes one point with the math kernels and values chosen rather than
+// branches, and says whether the point lies within the path. The loop works on
+// a copy of the figures, which the stores to the outputs cannot alias, so that
+// they stay in registers. It must be expanded in the file whose functions call
+// it: a function's clones are local to the file that defines it.
+#define KVCART_DEFINE_BLOCK_LOOP(NAME, TFIGURES, PATH)                                                       \
+    KVCART_VECTOR_CLONES void NAME(const TFIGURES& figures, std::size_t count, const double* a, const double* b, \
+                                   double* u, double* v, bool* ok)                                            \
+    {                                                                                                          \
+        const TFIGURES local = figures;                                                                        \
+        KVCART_SIMD_LOOP                                                                                       \
+        for (std::size_t i = 0; i < count; ++i)                                                                \
+            ok[i] = PATH(local, a[i], b[i], u[i], v[i]);                                                       \
+    }
 
 // Strided arrays as PROJ's proj_trans_generic takes them: a base pointer and a
 // distance in bytes from one element to the next. Each point's two inputs are
@@ -104,6 +123,23 @@ public:
         }
     }
 
+    // Runs the points through a block loop defined by KVCART_DEFINE_BLOCK_LOOP,
+    // and those it leaves through point(a, b, &u, &v), the single-point call.
+    template <class TFigures, class FPoint>
+    static void ForEachFastBlock(void (*loop)(const TFigures&, std::size_t, const double*, const double*, double*,
+                                              double*, bool*),
+                                 const TFigures& figures, std::size_t n, const double* a, std::size_t sa,
+                                 const double* b, std::size_t sb, double* u, std::size_t su, double* v, std::size_t sv,
+                                 FPoint point)
+    {
+        ForEachBlock(
+            n, a, sa, b, sb, u, su, v, sv,
+            [loop, &figures](std::size_t count, const double* ab, const double* bb, double* ub, double* vb, bool* ok) {
+                loop(figures, count, ab, bb, ub, vb, ok);
+            },
+            point);
+    }
+
     // Runs the points in blocks of contiguous copies: block(count, a, b, u, v, ok)
     // computes a whole block and clears ok[i] for every point it leaves to the
     // general per-point path, point(a, b, &u, &v), which then computes it.
@@ -113,6 +149,21 @@ public:
     {
         alignas(64) double ab[BlockSize], bb[BlockSize], ub[BlockSize], vb[BlockSize];
         bool ok[BlockSize];
+        constexpr std::size_t D = sizeof(double);
+        if (sa == D && sb == D && su == D && sv == D) {
+            // Contiguous arrays: the inputs are copied (the outputs may be the
+            // inputs themselves), the outputs written where they belong.
+            for (std::size_t first = 0; first < n; first += BlockSize) {
+                const std::size_t count = n - first < BlockSize ? n - first : BlockSize;
+                std::memcpy(ab, a + first, count * D);
+                std::memcpy(bb, b + first, count * D);
+                block(count, ab, bb, u + first, v + first, ok);
+                for (std::size_t i = 0; i < count; ++i)
+                    if (!ok[i])
+                        point(ab[i], bb[i], &u[first + i], &v[first + i]);
+            }
+            return;
+        }
         for (std::size_t first = 0; first < n; first += BlockSize) {
             const std::size_t count = n - first < BlockSize ? n - first : BlockSize;
             for (std::size_t i = 0; i < count; ++i) {

@@ -27,16 +27,17 @@ public:
     // CKvMathKernel::EccentricSinhLimit), by the inline kernels alone: the same
     // operations in a scalar call and in a vectorized loop, so that both give
     // the same bits. atanh(sin phi) is its series near the equator (where the
-    // logarithm's argument would be close to 1), else half the difference of
-    // ln(1 + s) and ln(1 - s), two logarithms side by side instead of one after
-    // a division; e atanh(e sin phi) is the short series.
+    // logarithm's argument would be close to 1), else half the logarithm of
+    // (1 + s) / (1 - s); e atanh(e sin phi) is the short series.
     static constexpr double IsometricKernelLimit = 1.5533430342749532; // 89 degrees
     static KVCART_ALWAYS_INLINE double IsometricKernel(double phi, double e)
     {
         const double s = CKvMathKernel::SinHalfPi(phi);
-        const double atanhS = std::fabs(s) < 0.1
-                                  ? CKvMathKernel::AtanhSmall(s)
-                                  : 0.5 * (CKvMathKernel::Log(1.0 + s) - CKvMathKernel::Log(1.0 - s));
+        // Both evaluated, one chosen: the logarithm's table look-ups may not
+        // depend on a condition in a vectorized loop.
+        const double series = CKvMathKernel::AtanhSmall(s);
+        const double logs = 0.5 * CKvMathKernel::Log((1.0 + s) / (1.0 - s));
+        const double atanhS = std::fabs(s) < 0.1 ? series : logs;
         return atanhS - e * CKvMathKernel::AtanhSmall(e * s);
     }
 

@@ -59,29 +59,8 @@ CKvLambertConic::SCone CKvLambertConic::MakeCone(double e, double n, double K, d
 
 namespace {
 
-// The vectorized loops, compiled once per instruction set (their callers are in
-// this file: a function's clones are local to the file that defines it).
-KVCART_VECTOR_CLONES void ForwardBlock(const CKvLambertConic::SCone& cone, std::size_t count, const double* lon,
-                                       const double* lat, double* x, double* y, bool* ok)
-{
-    // A copy of the figures, which the stores to the outputs cannot alias: they
-    // stay in registers through the loop.
-    const CKvLambertConic::SCone local = cone;
-    KVCART_SIMD_LOOP
-    for (std::size_t i = 0; i < count; ++i)
-        ok[i] = CKvLambertConic::Forward(local, lon[i], lat[i], x[i], y[i]);
-}
-
-KVCART_VECTOR_CLONES void InverseBlock(const CKvLambertConic::SCone& cone, std::size_t count, const double* x,
-                                       const double* y, double* lon, double* lat, bool* ok)
-{
-    // A copy of the figures, which the stores to the outputs cannot alias: they
-    // stay in registers through the loop.
-    const CKvLambertConic::SCone local = cone;
-    KVCART_SIMD_LOOP
-    for (std::size_t i = 0; i < count; ++i)
-        ok[i] = CKvLambertConic::Inverse(local, x[i], y[i], lon[i], lat[i]);
-}
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvLambertConic::SCone, CKvLambertConic::Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvLambertConic::SCone, CKvLambertConic::Inverse)
 
 } // namespace
 
@@ -89,22 +68,14 @@ void CKvLambertConic::ForwardBatch(const SCone& cone, const CKvProjection& engin
                                    std::size_t lonStride, const double* lat, std::size_t latStride, double* x,
                                    std::size_t xStride, double* y, std::size_t yStride)
 {
-    CKvBatch::ForEachBlock(
-        n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
-        [&cone](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
-            ForwardBlock(cone, count, a, b, u, v, ok);
-        },
-        [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
+    CKvBatch::ForEachFastBlock(ForwardBlock, cone, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                               [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
 }
 
 void CKvLambertConic::InverseBatch(const SCone& cone, const CKvProjection& engine, std::size_t n, const double* x,
                                    std::size_t xStride, const double* y, std::size_t yStride, double* lon,
                                    std::size_t lonStride, double* lat, std::size_t latStride)
 {
-    CKvBatch::ForEachBlock(
-        n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
-        [&cone](std::size_t count, const double* a, const double* b, double* u, double* v, bool* ok) {
-            InverseBlock(cone, count, a, b, u, v, ok);
-        },
-        [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
+    CKvBatch::ForEachFastBlock(InverseBlock, cone, n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+                               [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
 }

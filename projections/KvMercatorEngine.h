@@ -4,6 +4,7 @@
 
 #include "catalogue/KvFloatCompareRel.h"
 #include "projections/KvConformalLatitude.h"
+#include "projections/KvMercatorCore.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <cmath>
@@ -23,6 +24,8 @@ public:
     {
         // A longitude beyond +-180 is not wrapped: lon0 + 360 lies a whole
         // equator further east (CKvAngle::LongitudeDifferenceDegrees).
+        if (m_fast.fastForward && CKvMercatorCore::Forward(m_fast, lon, lat, *x, *y))
+            return;
         if (!CKvAngle::GuardForward(lat, x, y))
             return;
         const double phi = lat * kDeg;
@@ -34,11 +37,25 @@ public:
 
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
+        if (m_fast.fastInverse && CKvMercatorCore::Inverse(m_fast, x, y, *lon, *lat))
+            return;
         // sinh of the isometric latitude is the tangent of the conformal latitude.
         const double phi = CKvConformalLatitude::Latitude(m_inverse, std::sinh((y - m_FN) / m_ak0));
         *lon = CKvAngle::InverseLongitudeDegrees(((x - m_FE) / m_ak0 + m_lambda0) / kDeg);
         *lat = phi / kDeg;
         CKvAngle::GuardInverse(x, y, lon, lat);
+    }
+
+    // The batch forms: vectorized blocks through the fast path.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override
+    {
+        CKvMercatorCore::ForwardBatch(m_fast, *this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+    }
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
+    {
+        CKvMercatorCore::InverseBatch(m_fast, *this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
     }
 
     void GetOrigin(double* x, double* y) const override
@@ -88,6 +105,7 @@ protected:
         m_k0 = k0;
         m_ak0 = this->_a() * m_k0;
         m_ak0Deg = m_ak0 * kDeg;
+        m_fast = CKvMercatorCore::MakeFigures(this->_e(), m_ak0, m_FE, m_FN, m_lon0);
     }
 
 private:
@@ -97,6 +115,7 @@ private:
     double m_k0 = 0.0;
     double m_ak0 = 0.0;
     double m_ak0Deg = 0.0; // a k0 per degree of longitude
+    CKvMercatorCore::SFigures m_fast;
 };
 
 #endif

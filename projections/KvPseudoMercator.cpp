@@ -40,10 +40,13 @@ void CKvPseudoMercator::_init(double centralMeridian, double originLatitude, dou
                         std::isfinite(falseEasting) && std::isfinite(falseNorthing);
     m_R = usable ? a : std::nan("");
     m_RDeg = m_R * kDeg;
+    m_fast = CKvMercatorCore::MakeFigures(0.0, m_R, m_FE, m_FN, m_lon0);
 }
 
 void CKvPseudoMercator::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (m_fast.fastForward && CKvMercatorCore::Forward(m_fast, lon, lat, *x, *y))
+        return;
     if (!CKvAngle::IsPoint(lon, lat)) {
         *x = *y = std::nan("");
         return;
@@ -61,12 +64,28 @@ void CKvPseudoMercator::Geo2Proj(double lon, double lat, double* x, double* y) c
 
 void CKvPseudoMercator::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    if (m_fast.fastInverse && CKvMercatorCore::Inverse(m_fast, x, y, *lon, *lat))
+        return;
     // pi/2 - 2 atan(exp(-t)), t = (N - FN) / a, is the Gudermannian of t, taken as
     // atan(sinh t): no cancellation near the equator, and the pole (sinh
     // overflowing) for a northing too far for the map to tell from it.
     *lat = std::atan(std::sinh((y - m_FN) / m_R)) / kDeg;
     *lon = CKvAngle::InverseLongitudeDegrees((x - m_FE) / m_RDeg + m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvPseudoMercator::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                 std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                 std::size_t yStride) const
+{
+    CKvMercatorCore::ForwardBatch(m_fast, *this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+}
+
+void CKvPseudoMercator::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                 std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                 std::size_t latStride) const
+{
+    CKvMercatorCore::InverseBatch(m_fast, *this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
 }
 
 void CKvPseudoMercator::GetOrigin(double* x, double* y) const

@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVPSEUDOMERCATOR_H
 
 #include "catalogue/KvPseudoMercatorProjection.h"
+#include "projections/KvMercatorCore.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -36,6 +37,11 @@ public:
     // that is not finite is NaN.
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    // The batch forms: vectorized blocks through the Mercators' fast path.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
     void GetOrigin(double* x, double* y) const override;
     // The meridians are the grid's north: 0 for every point, NaN for none.
     double GetConvergence(double lon, double lat) const override;
@@ -58,6 +64,7 @@ private:
     double m_FE, m_FN;
     double m_R;    // the sphere's radius, the ellipsoid's semi-major axis (NaN: no map)
     double m_RDeg; // R per degree of longitude
+    CKvMercatorCore::SFigures m_fast; // the sphere's isometric latitude: e = 0
 };
 
 #endif

@@ -27,6 +27,14 @@ inline constexpr char kEd50Utm31[] =
     "PARAMETER[\"central_meridian\",3],PARAMETER[\"scale_factor\",0.9996],PARAMETER[\"false_easting\",500000],"
     "PARAMETER[\"false_northing\",0],UNIT[\"metre\",1]]";
 
+// RGF93 / Lambert-93 with its axes north, east.
+inline constexpr char kLambert93NorthEast[] =
+    "PROJCS[\"RGF93 / Lambert-93\",GEOGCS[\"RGF93\",DATUM[\"RGF93\",SPHEROID[\"GRS 1980\",6378137,298.257222101]],"
+    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Lambert_Conformal_Conic_2SP\"],"
+    "PARAMETER[\"standard_parallel_1\",49],PARAMETER[\"standard_parallel_2\",44],PARAMETER[\"latitude_of_origin\","
+    "46.5],PARAMETER[\"central_meridian\",3],PARAMETER[\"false_easting\",700000],PARAMETER[\"false_northing\","
+    "6600000],UNIT[\"metre\",1],AXIS[\"Northing\",NORTH],AXIS[\"Easting\",EAST]]";
+
 // A fresh directory under /tmp, removed with its files when the object goes.
 class TempDir
 {

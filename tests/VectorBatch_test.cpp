@@ -1,0 +1,201 @@
+// The vectorized batch loops of the engines against their single-point calls:
+// the same bits for every point, the points beyond a loop's fast path (poles,
+// longitudes to be reduced, points off the map, NaN, infinities, huge values)
+// among ordinary ones in every block, contiguous, strided and in place.
+#include "TestSupport.h"
+
+#include "catalogue/KvEllipsoid.h"
+#include "coordsys/KvMapProjection.h"
+#include "projections/KvLambert1SP.h"
+#include "projections/KvLambert2SP.h"
+#include "projections/KvMercator1SP.h"
+#include "projections/KvMercator2SP.h"
+#include "projections/KvPseudoMercator.h"
+
+#include <array>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+const double kNan = std::numeric_limits<double>::quiet_NaN();
+const double kInf = std::numeric_limits<double>::infinity();
+const CKvEllipsoid kGrs80("GRS 1980", "RF", 6378137.0, 298.257222101);
+const CKvEllipsoid kWgs84("WGS 84", "WE", 6378137.0, 298.257223563);
+const CKvEllipsoid kClarke1880("Clarke 1880 (IGN)", "CE", 6378249.2, 293.4660212936269);
+const CKvEllipsoid kSphere("Sphere", "XY", 6371229.0, 0.0);
+
+// Equal bits, or NaN in both.
+bool Same(double a, double b)
+{
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
+
+using GridPoints = std::vector<std::array<double, 2>>;
+
+// Every check of one engine. lon0, lat0: the centre of its map; special: grid
+// points the engine's own geometry makes special (an apex, an edge), beyond
+// the ones every engine gets.
+void ExpectLoopsMatchSingleCalls(const CKvProjection& engine, double lon0, double lat0, const GridPoints& special,
+                                 const char* name, unsigned seed)
+{
+    std::mt19937_64 random(seed);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    const double badLon[] = {kNan, kInf, -kInf, 540, -540, 180, -180, 181, -179.9999999, 1e308, -1e308, 1e-310, 360};
+    const double badLat[] = {kNan, kInf, -kInf, 90, -90, 89, -89, 88.9999999, 89.0000001, -0.0, 90.0000001, 1e308,
+                             1e-310};
+
+    // Points the whole world over and near the centre, with the exceptional
+    // inputs spread across the blocks, and the antimeridian of the centre on
+    // both sides: forward in one batch and one by one, and the batch's results
+    // back, both ways.
+    for (double span : {180.0, 8.0}) {
+        std::vector<double> lon, lat;
+        for (int i = 0; i < 700; ++i) {
+            lon.push_back(lon0 + span * u(random));
+            lat.push_back(span > 90 ? 90.0 * u(random) : std::fmax(-90.0, std::fmin(90.0, lat0 + span * u(random))));
+        }
+        for (std::size_t i = 0; i < lon.size(); i += 7)
+            lon[i] = badLon[(i / 7) % (sizeof badLon / sizeof badLon[0])];
+        for (std::size_t i = 3; i < lat.size(); i += 11)
+            lat[i] = badLat[(i / 11) % (sizeof badLat / sizeof badLat[0])];
+        for (double d : {180.0, -180.0, std::nextafter(180.0, 200.0), std::nextafter(-180.0, -200.0)}) {
+            lon.push_back(lon0 + d);
+            lat.push_back(lat0);
+        }
+        const std::size_t n = lon.size();
+        std::vector<double> x(n), y(n), backLon(n), backLat(n);
+        engine.Geo2Proj(n, lon.data(), lat.data(), x.data(), y.data());
+        engine.Proj2Geo(n, x.data(), y.data(), backLon.data(), backLat.data());
+        for (std::size_t i = 0; i < n; ++i) {
+            double sx, sy, slon, slat;
+            engine.Geo2Proj(lon[i], lat[i], &sx, &sy);
+            engine.Proj2Geo(x[i], y[i], &slon, &slat);
+            ASSERT_TRUE(Same(x[i], sx) && Same(y[i], sy)) << name << " forward " << lon[i] << " " << lat[i];
+            ASSERT_TRUE(Same(backLon[i], slon) && Same(backLat[i], slat)) << name << " inverse " << x[i] << " " << y[i];
+        }
+
+        // In place on contiguous arrays, and back.
+        std::vector<double> a = lon, b = lat;
+        engine.Geo2Proj(n, a.data(), b.data(), a.data(), b.data());
+        for (std::size_t i = 0; i < n; ++i)
+            ASSERT_TRUE(Same(a[i], x[i]) && Same(b[i], y[i])) << name << " in place " << i;
+        engine.Proj2Geo(n, a.data(), b.data(), a.data(), b.data());
+        for (std::size_t i = 0; i < n; ++i)
+            ASSERT_TRUE(Same(a[i], backLon[i]) && Same(b[i], backLat[i])) << name << " in place back " << i;
+    }
+
+    // Grid points about the centre's image out to 3000 km, far beyond, and not
+    // finite, with the engine's own special points.
+    double cx = 0.0, cy = 0.0;
+    engine.Geo2Proj(lon0, lat0, &cx, &cy);
+    if (!std::isfinite(cx) || !std::isfinite(cy))
+        cx = cy = 0.0;
+    GridPoints grid;
+    for (int i = 0; i < 600; ++i)
+        grid.push_back({cx + 3e6 * u(random), cy + 3e6 * u(random)});
+    GridPoints every = {{cx, cy},     {-0.0, 0.0},  {cx + 3e7, cy}, {cx, cy - 3e7}, {1e308, cy},
+                        {cx, -1e308}, {kNan, cy},   {cx, kNan},     {kInf, cy},     {cx, -kInf},
+                        {cx, 1e-300}, {1e-300, cy}, {cx + 1e7, cy + 1e7}};
+    every.insert(every.end(), special.begin(), special.end());
+    for (std::size_t i = 0; i < every.size(); ++i)
+        grid[(i * 31) % grid.size()] = every[i];
+    std::vector<double> x, y;
+    for (const auto& p : grid) {
+        x.push_back(p[0]);
+        y.push_back(p[1]);
+    }
+    std::vector<double> lon(x.size()), lat(x.size());
+    engine.Proj2Geo(x.size(), x.data(), y.data(), lon.data(), lat.data());
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        double slon, slat;
+        engine.Proj2Geo(x[i], y[i], &slon, &slat);
+        ASSERT_TRUE(Same(lon[i], slon) && Same(lat[i], slat)) << name << " grid point " << x[i] << " " << y[i];
+    }
+
+    // Strided and in place: records {lon, lat, h} become grid coordinates and
+    // come back, the same bits as the single-point calls, h untouched.
+    struct Record
+    {
+        double lon, lat, h;
+    };
+    std::vector<Record> records;
+    for (int i = 0; i < 300; ++i)
+        records.push_back({lon0 + 15.0 * u(random), std::fmax(-90.0, std::fmin(90.0, lat0 + 15.0 * u(random))), 0.5 * i});
+    records[5].lat = kNan;
+    records[77].lon = 540;
+    records[128].lat = 90;
+    const std::vector<Record> given = records;
+    engine.Geo2Proj(records.size(), &records[0].lon, sizeof(Record), &records[0].lat, sizeof(Record), &records[0].lon,
+                    sizeof(Record), &records[0].lat, sizeof(Record));
+    std::vector<Record> projected = records;
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        double sx, sy;
+        engine.Geo2Proj(given[i].lon, given[i].lat, &sx, &sy);
+        ASSERT_TRUE(Same(records[i].lon, sx) && Same(records[i].lat, sy)) << name << " record " << i;
+        ASSERT_EQ(records[i].h, 0.5 * i);
+    }
+    engine.Proj2Geo(records.size(), &records[0].lon, sizeof(Record), &records[0].lat, sizeof(Record), &records[0].lon,
+                    sizeof(Record), &records[0].lat, sizeof(Record));
+    for (std::size_t i = 0; i < records.size(); ++i) {
+        double slon, slat;
+        engine.Proj2Geo(projected[i].lon, projected[i].lat, &slon, &slat);
+        ASSERT_TRUE(Same(records[i].lon, slon) && Same(records[i].lat, slat)) << name << " record back " << i;
+    }
+}
+
+} // namespace
+
+TEST(VectorBatch, LambertConics)
+{
+    const CKvLambert2SP lambert93("l93", 49, 44, 3, 46.5, 700000, 6600000, kGrs80);
+    const CKvLambert1SP lambertII("l2e", 0.99987742, 2.337229167, 46.8, 600000, 2200000, kClarke1880);
+    // A cone that opens southwards (n < 0), and a steep one whose sheet reaches
+    // more than a quarter turn either side of its central meridian.
+    const CKvLambert2SP south("south", -30, -40, 25, -35, 500000, 10000000, kGrs80);
+    const CKvLambert1SP steep("steep", 1.0, -45, 80, 0, 0, kGrs80);
+    struct Case
+    {
+        const CKvProjection& engine;
+        double lon0, lat0, FE, FN, apex; // apex: the radius of the origin's parallel
+        const char* name;
+    } cases[] = {{lambert93, 3, 46.5, 700000, 6600000, lambert93.GetApexRadius(), "Lambert-93"},
+                 {lambertII, 2.337229167, 46.8, 600000, 2200000, lambertII.GetApexRadius(), "Lambert II"},
+                 {south, 25, -35, 500000, 10000000, south.GetApexRadius(), "southern cone"},
+                 {steep, -45, 80, 0, 0, steep.GetApexRadius(), "steep cone"}};
+    unsigned seed = 20;
+    for (const Case& k : cases) {
+        // The apex and its neighbourhood, points beyond it and off the sheet.
+        const double ay = k.FN + k.apex;
+        const GridPoints apex = {{k.FE, ay},       {k.FE + 1e-9, ay},      {k.FE, ay + 1e-9},
+                                 {k.FE, ay - 1e-9}, {k.FE, ay + 1e6},       {k.FE + 1e6, ay + 1e5},
+                                 {k.FE - 1e6, ay}, {k.FE, ay + 1e-300},    {k.FE + 1e7, k.FN}};
+        ExpectLoopsMatchSingleCalls(k.engine, k.lon0, k.lat0, apex, k.name, ++seed);
+    }
+    // Through a coordinate system with north/east axes.
+    const CKvMapProjection lambert93NorthEast(kvtest::kLambert93NorthEast);
+    ASSERT_NE(lambert93NorthEast.GetProjection(), nullptr);
+    ExpectLoopsMatchSingleCalls(*lambert93NorthEast.GetProjection(), 3, 46.5, {}, "Lambert-93 (N, E)", 30);
+}
+
+TEST(VectorBatch, Mercators)
+{
+    const CKvMercator1SP world("world", 1.0, 0, 0, 0, kWgs84);
+    const CKvMercator1SP scaled("scaled", 0.997, 110, 3900000, 900000, kGrs80);
+    const CKvMercator2SP pulkovo("m2", 42, 51, 0, 0, kWgs84);
+    const CKvMercator1SP sphere("sphere", 1.0, -60, 0, 0, kSphere);
+    const CKvPseudoMercator web("web", 0, 0, 0, 0, kWgs84);
+    const CKvPseudoMercator pacific("pacific", 150, 0, 1000, -2000, kGrs80);
+    // The web map's edges: the square's corners and a northing beyond its reach.
+    const double edge = 20037508.342789244;
+    const GridPoints square = {{edge, edge}, {-edge, -edge}, {edge, 1e9}, {0, 2.0e8}, {0, -2.0e8}};
+    ExpectLoopsMatchSingleCalls(world, 0, 0, square, "World Mercator", 40);
+    ExpectLoopsMatchSingleCalls(scaled, 110, 0, {}, "Mercator, scaled", 41);
+    ExpectLoopsMatchSingleCalls(pulkovo, 51, 42, {}, "Mercator 2SP", 42);
+    ExpectLoopsMatchSingleCalls(sphere, -60, 0, {}, "Mercator, sphere", 43);
+    ExpectLoopsMatchSingleCalls(web, 0, 0, square, "Pseudo-Mercator", 44);
+    ExpectLoopsMatchSingleCalls(pacific, 150, 0, square, "Pseudo-Mercator, 150 E", 45);
+}
