@@ -1177,8 +1177,7 @@ bool CKvPointStream::_runThreads(FILE* in, SWriter& writer, long& lineNumber)
             try {
                 read = _readBlock(in, *block, lineNumber);
             } catch (const std::bad_alloc&) {
-                outOfMemory = true;
-                m_stop = true;
+                outOfMemory = true; // the blocks read before are still written, as by one thread
             }
         }
         if (!read) {
