@@ -1,6 +1,7 @@
 #include "projections/KvTransverseMercator.h"
 #include "projections/KvAngle.h"
 
+#include "projections/KvMathKernel.h"
 #include "projections/KvTransverseMercatorSeries.h"
 
 #include <cmath>
@@ -42,6 +43,11 @@ void CKvTransverseMercator::_init(double k0, double centralMeridian, double orig
     if (GetName()[0] == '\0')
         _setName(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM));
     m_bLocal = CKvMapProjection::IsLocal(GetName());
+    m_y0 = 0.0;
+    if (m_phi0 != 0.0) {
+        double x0;
+        _Geo2Proj(m_lambda0, m_phi0, m_FE, 0.0, &x0, &m_y0);
+    }
 }
 
 void CKvTransverseMercator::_Coeffs()
@@ -70,11 +76,6 @@ void CKvTransverseMercator::_Coeffs()
     m_gut[4] = -n * n * n * n * 4397.0 / 161280.0;
 }
 
-double CKvTransverseMercator::_Csin(const double* c, int count, double x)
-{
-    return _Csin(c, count, std::sin(x), std::cos(x));
-}
-
 double CKvTransverseMercator::_Csin(const double* c, int count, double sinX, double cosX)
 {
     const double twoCos = 2.0 * cosX;
@@ -87,9 +88,9 @@ double CKvTransverseMercator::_Csin(const double* c, int count, double sinX, dou
     return b1 * sinX;
 }
 
-void CKvTransverseMercator::_Cksin(const double* c, int count, double u, double v, double& du, double& dv)
+void CKvTransverseMercator::_Cksin(const double* c, int count, double sinU, double cosU, double sinhV, double coshV,
+                                   double& du, double& dv)
 {
-    const double sinU = std::sin(u), cosU = std::cos(u), sinhV = std::sinh(v), coshV = std::cosh(v);
     // 2 cos(u + iv) = 2 cos u cosh v - 2i sin u sinh v
     const double r = 2.0 * cosU * coshV, i = -2.0 * sinU * sinhV;
     double b1r = 0.0, b1i = 0.0, b2r = 0.0, b2i = 0.0;
@@ -106,6 +107,24 @@ void CKvTransverseMercator::_Cksin(const double* c, int count, double u, double 
     du = b1r * sr - b1i * si;
     dv = b1r * si + b1i * sr;
 }
+
+namespace {
+
+// sinh x and cosh x from one exponential, or by the series of sinh where the
+// exponentials would cancel.
+void SinhCosh(double x, double& sinhX, double& coshX)
+{
+    if (std::fabs(x) < 0.5) {
+        sinhX = CKvMathKernel::SinhSmall(x);
+        coshX = std::sqrt(1.0 + sinhX * sinhX);
+    } else {
+        const double E = std::exp(x);
+        sinhX = (E - 1.0 / E) / 2.0;
+        coshX = (E + 1.0 / E) / 2.0;
+    }
+}
+
+} // namespace
 
 double CKvTransverseMercator::_radius() const
 {
@@ -124,12 +143,33 @@ void CKvTransverseMercator::_Geo2Proj(double lon, double lat, double X0, double 
     const double R = _radius();
     // The southern hemisphere by symmetry: work on |lat| and mirror the northing.
     const double phi = std::fabs(lat) * kDeg;
-    const double chi = phi + _Csin(m_cbg, 4, 2.0 * phi);
+    // The Gaussian latitude chi = phi + delta from the double angle of phi, and
+    // its sine and cosine by turning phi's through the small delta.
+    double sinPhi, cosPhi, sinChi, cosChi;
+    CKvMathKernel::SinCosAny(phi, sinPhi, cosPhi);
+    const double delta = _Csin(m_cbg, 4, 2.0 * sinPhi * cosPhi, (cosPhi - sinPhi) * (cosPhi + sinPhi));
+    if (std::fabs(delta) <= CKvMathKernel::SinCosSmallLimit) {
+        double sinD, cosD;
+        CKvMathKernel::SinCosSmall(delta, sinD, cosD);
+        sinChi = sinPhi * cosD + cosPhi * sinD;
+        cosChi = cosPhi * cosD - sinPhi * sinD;
+    } else {
+        sinChi = std::sin(phi + delta);
+        cosChi = std::cos(phi + delta);
+    }
     const double dLambda = (lon - m_lambda0) * kDeg;
-    const double u = std::atan2(std::sin(chi), std::cos(dLambda) * std::cos(chi));
-    const double v = std::atanh(std::sin(dLambda) * std::cos(chi));
+    double sinL, cosL;
+    CKvMathKernel::SinCosAny(dLambda, sinL, cosL);
+    // u = atan2(sin chi, cos dl cos chi) and v = atanh(w), w = sin dl cos chi;
+    // the double angles of both, which Krueger's sum needs, come from the same
+    // components: no further sine or hyperbolic function.
+    const double num = sinChi, den = cosL * cosChi, w = sinL * cosChi;
+    const double u = std::atan2(num, den);
+    const double v = std::atanh(w);
+    const double r2 = num * num + den * den, oneMinusW2 = (1.0 - w) * (1.0 + w);
     double du, dv;
-    _Cksin(m_gtu, 4, 2.0 * u, 2.0 * v, du, dv);
+    _Cksin(m_gtu, 4, 2.0 * num * den / r2, (den - num) * (den + num) / r2, 2.0 * w / oneMinusW2,
+           (1.0 + w * w) / oneMinusW2, du, dv);
     const double yP = R * (u + du);
     *x = X0 + R * (v + dv);
     double t = lat > 90.0 ? kHalfMeridian - yP : yP;
@@ -151,13 +191,23 @@ void CKvTransverseMercator::_Proj2Geo(double x, double y, double X0, double Y0, 
     const double dy = y - Y0;
     double u = std::fabs(dy) / R;
     double v = (x - X0) / R;
-    double du, dv;
-    _Cksin(m_gut, 4, 2.0 * u, 2.0 * v, du, dv);
+    double du, dv, sin2U, cos2U, sinh2V, cosh2V;
+    CKvMathKernel::SinCosAny(2.0 * u, sin2U, cos2U);
+    SinhCosh(2.0 * v, sinh2V, cosh2V);
+    _Cksin(m_gut, 4, sin2U, cos2U, sinh2V, cosh2V, du, dv);
     u += du;
     v += dv;
-    const double dLambda = std::atan2(std::sinh(v), std::cos(u));
-    const double chi = std::atan2(std::sin(u) * std::cos(dLambda), std::cos(u));
-    const double sin2Chi = std::sin(2.0 * chi), cos2Chi = std::cos(2.0 * chi);
+    // dl = atan2(sinh v, cos u) and chi = atan2(sin u cos dl, cos u); cos dl is
+    // cos u over the hypotenuse, and chi's double angle comes from the same
+    // components.
+    double sinU, cosU, sinhV, coshV;
+    CKvMathKernel::SinCosAny(u, sinU, cosU);
+    SinhCosh(v, sinhV, coshV);
+    const double dLambda = std::atan2(sinhV, cosU);
+    const double cosL = cosU / std::sqrt(sinhV * sinhV + cosU * cosU);
+    const double A = sinU * cosL, B = cosU, h2 = A * A + B * B;
+    const double chi = std::atan2(A, B);
+    const double sin2Chi = 2.0 * A * B / h2, cos2Chi = (B - A) * (B + A) / h2;
     const double delta = _Csin(m_cgb, 4, sin2Chi, cos2Chi);
     // Both latitude series stop at n^4 and miss each other by up to 2.4e-11
     // degree. One step of the fixed point phi = chi - Csin(cbg, 2 phi) puts the
@@ -187,21 +237,12 @@ void CKvTransverseMercator::_Proj2Geo(double x, double y, double X0, double Y0, 
 void CKvTransverseMercator::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
     _Geo2Proj(lon, lat, m_FE, m_FN, x, y);
-    if (m_phi0 != 0.0) {
-        double x0, y0;
-        _Geo2Proj(m_lambda0, m_phi0, m_FE, 0.0, &x0, &y0);
-        *y -= y0;
-    }
+    *y -= m_y0;
 }
 
 void CKvTransverseMercator::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    if (m_phi0 != 0.0) {
-        double x0, y0;
-        _Geo2Proj(m_lambda0, m_phi0, m_FE, 0.0, &x0, &y0);
-        y += y0;
-    }
-    _Proj2Geo(x, y, m_FE, m_FN, lon, lat);
+    _Proj2Geo(x, y + m_y0, m_FE, m_FN, lon, lat);
 }
 
 void CKvTransverseMercator::GetOrigin(double* x, double* y) const

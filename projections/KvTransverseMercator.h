@@ -30,12 +30,13 @@ public:
 private:
     void _init(double k0, double centralMeridian, double originLatitude, double falseEasting, double falseNorthing);
     void _Coeffs();
-    // sum over k = 1..count of c[k] sin(k x), by Clenshaw's recurrence
-    static double _Csin(const double* c, int count, double x);
-    // the same from sin x and cos x
+    // sum over k = 1..count of c[k] sin(k x), by Clenshaw's recurrence, from
+    // sin x and cos x
     static double _Csin(const double* c, int count, double sinX, double cosX);
-    // the complex sum of c[k] sin(k (u + i v)); real part to du, imaginary to dv
-    static void _Cksin(const double* c, int count, double u, double v, double& du, double& dv);
+    // the complex sum of c[k] sin(k (u + i v)); real part to du, imaginary to dv,
+    // from sin u, cos u, sinh v and cosh v
+    static void _Cksin(const double* c, int count, double sinU, double cosU, double sinhV, double coshV, double& du,
+                       double& dv);
     void _Geo2Proj(double lon, double lat, double X0, double Y0, double* x, double* y) const;
     void _Proj2Geo(double x, double y, double X0, double Y0, double* lon, double* lat) const;
     double _radius() const;
@@ -43,6 +44,7 @@ private:
     double m_a, m_b, m_k0, m_f, m_FE, m_FN;
     double m_lambda0, m_phi0; // degrees
     double m_n, m_Q;
+    double m_y0; // the northing of the origin's parallel, FN aside
     double m_cbg[5], m_cgb[5], m_gtu[5], m_gut[5]; // elements 1..4 used
     bool m_bLocal;
 };
