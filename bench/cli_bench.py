@@ -89,6 +89,7 @@ def main():
     parser.add_argument("--kvcart", default="build/kvcart")
     parser.add_argument("--points", type=int, default=1000000)
     parser.add_argument("--repeat", type=int, default=3)
+    parser.add_argument("--table-out", help="also write the table (markdown) to this file")
     args = parser.parse_args()
     kvcart = os.path.abspath(args.kvcart)
     for tool in ("cs2cs", "cct"):
@@ -130,18 +131,23 @@ def main():
 
     cs2cs = results["cs2cs -f %.4f"][0]
     identity = results["kvcart identity LONG/LAT LONG/LAT"][0]
-    print("kvcart transform on %d points, file to file, best of %d (%d cores)" %
-          (args.points, args.repeat, os.cpu_count() or 1))
-    print()
-    print("| command | seconds | points/s | times cs2cs's speed | time / identity | CPU seconds | peak memory |")
-    print("|---|---:|---:|---:|---:|---:|---:|")
+    out = []
+    out.append("kvcart transform on %d points, file to file, best of %d (%d cores)" %
+               (args.points, args.repeat, os.cpu_count() or 1))
+    out.append("")
+    out.append("| command | seconds | points/s | times cs2cs's speed | time / identity | CPU seconds | peak memory |")
+    out.append("|---|---:|---:|---:|---:|---:|---:|")
     for name, _ in rows:
         seconds, memory, _, cpu = results[name]
-        print("| %s | %.3f | %.2f M | %.1f | %.2f | %.3f | %.1f MB |" %
-              (name, seconds, args.points / seconds / 1e6, cs2cs / seconds, seconds / identity, cpu,
-               memory / 1024.0))
-    print()
-    print("Seconds: wall clock, the best of the runs; CPU seconds: user and system, the least.")
+        out.append("| %s | %.3f | %.2f M | %.1f | %.2f | %.3f | %.1f MB |" %
+                   (name, seconds, args.points / seconds / 1e6, cs2cs / seconds, seconds / identity, cpu,
+                    memory / 1024.0))
+    out.append("")
+    out.append("Seconds: wall clock, the best of the runs; CPU seconds: user and system, the least.")
+    print("\n".join(out))
+    if args.table_out:
+        with open(args.table_out, "w") as f:
+            f.write("\n".join(out) + "\n")
 
 
 if __name__ == "__main__":

@@ -66,6 +66,15 @@ private:
     // speed-up over the per-point calls. Markdown, as the README keeps it.
     void PrintEngineTable() const
     {
+        std::FILE* table = m_tableOut.empty() ? nullptr : std::fopen(m_tableOut.c_str(), "w");
+        PrintEngineTable(stdout);
+        if (table != nullptr) {
+            PrintEngineTable(table);
+            std::fclose(table);
+        }
+    }
+    void PrintEngineTable(std::FILE* out) const
+    {
         bool header = false;
         for (const auto& [name, time] : m_times) {
             const auto slash = name.rfind('/');
@@ -73,23 +82,23 @@ private:
                 continue;
             const std::string base = name.substr(0, slash);
             if (!header) {
-                std::printf("\nEngines, nanoseconds per point (ratio: ours over PROJ's; batch: its speed-up over "
+                std::fprintf(out, "\nEngines, nanoseconds per point (ratio: ours over PROJ's; batch: its speed-up over "
                             "the per-point calls)\n\n");
-                std::printf("| Engine | forward | PROJ | ratio | batch | speed-up | inverse | PROJ | ratio | batch | "
+                std::fprintf(out, "| Engine | forward | PROJ | ratio | batch | speed-up | inverse | PROJ | ratio | batch | "
                             "speed-up |\n|---|---:|---:|---:|---:|---:|---:|---:|---:|---:|---:|\n");
                 header = true;
             }
-            std::printf("| %s", base.c_str());
+            std::fprintf(out, "| %s", base.c_str());
             for (const char* leaf : {"forward", "inverse"}) {
                 const double own = Time(base + "/" + leaf), proj = Time(base + "/proj-" + leaf),
                              batch = Time(base + "/batch-" + leaf);
-                Cell(own, "%.1f");
-                Cell(proj, "%.1f");
-                Cell(own / proj, "%.2f");
-                Cell(batch, "%.1f");
-                Cell(own / batch, "%.1f");
+                Cell(out, own, "%.1f");
+                Cell(out, proj, "%.1f");
+                Cell(out, own / proj, "%.2f");
+                Cell(out, batch, "%.1f");
+                Cell(out, own / batch, "%.1f");
             }
-            std::printf(" |\n");
+            std::fprintf(out, " |\n");
         }
     }
     double Time(const std::string& name) const
@@ -97,13 +106,13 @@ private:
         const auto found = m_times.find(name);
         return found == m_times.end() ? std::nan("") : found->second;
     }
-    static void Cell(double value, const char* format)
+    static void Cell(std::FILE* out, double value, const char* format)
     {
-        std::printf(" | ");
+        std::fprintf(out, " | ");
         if (std::isfinite(value) && value > 0.0)
-            std::printf(format, value);
+            std::fprintf(out, format, value);
         else
-            std::printf("–");
+            std::fprintf(out, "–");
     }
 
     void Print(const std::string& first, const std::string& second) const
@@ -116,16 +125,32 @@ private:
     }
 
     std::map<std::string, double> m_times;
+
+public:
+    std::string m_tableOut; // a file for the engine table too, or empty
 };
 
 } // namespace
 
 int main(int argc, char** argv)
 {
+    // --table_out=FILE (ours, taken out before Google Benchmark reads the rest):
+    // the engine table is written to FILE as well, for make bench's summary.
+    std::string tableOut;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        const std::string arg = argv[i];
+        if (arg.rfind("--table_out=", 0) == 0)
+            tableOut = arg.substr(12);
+        else
+            argv[kept++] = argv[i];
+    }
+    argc = kept;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
         return 1;
     RatioReporter reporter;
+    reporter.m_tableOut = tableOut;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     benchmark::Shutdown();
     return 0;
