@@ -1,6 +1,7 @@
 #include "projections/KvStereographic.h"
 
 #include "projections/KvAngle.h"
+#include "projections/KvBatch.h"
 #include "projections/KvMathKernel.h"
 
 #include "projections/KvConformalLatitude.h"
@@ -79,10 +80,49 @@ void CKvStereographic::_init(double k0, double centralMeridian, double originLat
         m_halfLnC = (s0 < 0.0 ? -e : e) * std::atanh(e);
     m_twoRk0 = 2.0 * m_R * m_k0;
     m_inverse = CKvConformalLatitude::MakeInverse(e);
+
+    SFigures& f = m_fast;
+    f.e = e;
+    f.n = m_n;
+    f.nDeg = m_n * kDeg;
+    f.invN = 1.0 / m_n;
+    f.halfLnC = m_halfLnC;
+    f.sinChi0 = m_sinChi0;
+    f.cosChi0 = m_cosChi0;
+    // 1 +- sin chi0 as cos^2 chi0 / (1 -+ sin chi0) on the side where the
+    // difference would cancel.
+    const double cos2Chi0 = m_cosChi0 * m_cosChi0;
+    f.onePlusSinChi0 = m_sinChi0 < 0.0 ? cos2Chi0 / (1.0 - m_sinChi0) : 1.0 + m_sinChi0;
+    f.oneMinusSinChi0 = m_sinChi0 > 0.0 ? cos2Chi0 / (1.0 + m_sinChi0) : 1.0 - m_sinChi0;
+    f.twoRk0 = m_twoRk0;
+    f.invTwoRk0 = 1.0 / m_twoRk0;
+    f.invTwoRk0Sq = f.invTwoRk0 * f.invTwoRk0;
+    f.FE = m_FE;
+    f.FN = m_FN;
+    f.lon0 = m_lon0;
+    f.lambda0 = m_lambda0;
+    f.inverse = m_inverse;
+    // The kernels' reach: an eccentricity within the isometric latitude's
+    // series, and finite constants (an unusable definition has NaN ones).
+    const bool figures = usable && e <= CKvMathKernel::EccentricSinhLimit && std::isfinite(m_n) &&
+                         std::isfinite(m_halfLnC) && std::isfinite(m_sinChi0) && std::isfinite(m_cosChi0) &&
+                         m_twoRk0 > 0.0 && std::isfinite(m_twoRk0) && std::isfinite(m_FE) && std::isfinite(m_FN) &&
+                         std::isfinite(m_lon0) && std::isfinite(m_lambda0);
+    f.fastForward = figures;
+    f.fastInverse = figures && m_inverse.series;
 }
+
+namespace {
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvStereographic::SFigures, CKvStereographic::Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvStereographic::SFigures, CKvStereographic::Inverse)
+
+} // namespace
 
 void CKvStereographic::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (m_fast.fastForward && Forward(m_fast, lon, lat, *x, *y))
+        return;
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double dLambda = m_n * CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0); // conformal longitude
@@ -99,6 +139,8 @@ void CKvStereographic::Geo2Proj(double lon, double lat, double* x, double* y) co
 
 void CKvStereographic::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    if (m_fast.fastInverse && Inverse(m_fast, x, y, *lon, *lat))
+        return;
     // The point on the conformal sphere as a unit vector in the frame of the origin's
     // meridian: at angular distance c from the origin, with tan(c / 2) = rho / 2 R k0,
     // towards (dE, dN). sin(c) / rho is taken as a whole so that the origin itself
@@ -118,6 +160,34 @@ void CKvStereographic::Proj2Geo(double x, double y, double* lon, double* lat) co
     *lat = CKvConformalLatitude::Latitude(m_inverse, std::sinh(psi)) / kDeg;
     *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + std::atan2(py, px) / m_n) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvStereographic::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                std::size_t yStride) const
+{
+    if (!m_fast.fastForward) {
+        CKvEngine::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+        return;
+    }
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                               [this](double a, double b, double* u, double* v) {
+                                   CKvStereographic::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvStereographic::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                std::size_t latStride) const
+{
+    if (!m_fast.fastInverse) {
+        CKvEngine::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+        return;
+    }
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+                               [this](double a, double b, double* u, double* v) {
+                                   CKvStereographic::Proj2Geo(a, b, u, v);
+                               });
 }
 
 void CKvStereographic::GetOrigin(double* x, double* y) const

@@ -11,6 +11,7 @@
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
 #include "projections/KvPseudoMercator.h"
+#include "projections/KvStereographic.h"
 
 #include <array>
 #include <cmath>
@@ -198,4 +199,26 @@ TEST(VectorBatch, Mercators)
     ExpectLoopsMatchSingleCalls(sphere, -60, 0, {}, "Mercator, sphere", 43);
     ExpectLoopsMatchSingleCalls(web, 0, 0, square, "Pseudo-Mercator", 44);
     ExpectLoopsMatchSingleCalls(pacific, 150, 0, square, "Pseudo-Mercator, 150 E", 45);
+}
+
+TEST(VectorBatch, ObliqueStereographic)
+{
+    const CKvEllipsoid bessel("Bessel 1841", "BR", 6377397.155, 299.1528128);
+    const CKvStereographic rdNew("rd", 0.9999079, 5.38763888888889, 52.15616055555555, 155000, 463000, bessel);
+    const CKvStereographic newBrunswick("nb", 0.999912, -66.5, 46.5, 2500000, 7500000, kGrs80);
+    const CKvStereographic south("south", 1.0, 147, -42, 500000, 1000000, kGrs80);
+    const CKvStereographic sphere("sphere", 1.0, -100, 30, 0, 0, kSphere);
+    // An origin on the equator, and one on a pole (the polar aspect of the
+    // conformal sphere).
+    const CKvStereographic equator("equator", 1.0, 20, 0, 0, 0, kWgs84);
+    const CKvStereographic pole("pole", 0.994, 0, 90, 2000000, 2000000, kWgs84);
+    // Grid points about the origin's antipode, whose image is at infinity, and
+    // far out on the plane.
+    const GridPoints far = {{155000 + 2e9, 463000}, {155000, 463000 - 5e10}, {1e154, 1e154}, {-3e13, 2e13}};
+    ExpectLoopsMatchSingleCalls(rdNew, 5.38763888888889, 52.15616055555555, far, "RD New", 50);
+    ExpectLoopsMatchSingleCalls(newBrunswick, -66.5, 46.5, {}, "New Brunswick", 51);
+    ExpectLoopsMatchSingleCalls(south, 147, -42, far, "southern stereographic", 52);
+    ExpectLoopsMatchSingleCalls(sphere, -100, 30, {}, "stereographic, sphere", 53);
+    ExpectLoopsMatchSingleCalls(equator, 20, 0, far, "stereographic, equator", 54);
+    ExpectLoopsMatchSingleCalls(pole, 0, 90, {{2000000, 2000000}, {2000000, 2000000 + 1e-9}}, "stereographic, pole", 55);
 }
