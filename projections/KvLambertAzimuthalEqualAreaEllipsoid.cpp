@@ -1,5 +1,6 @@
 #include "projections/KvLambertAzimuthalEqualAreaEllipsoid.h"
 #include "projections/KvAngle.h"
+#include "projections/KvBatch.h"
 
 #include "catalogue/KvFloatCompareRel.h"
 
@@ -67,45 +68,84 @@ double Atan2(double y, double x)
 {
     return x > 0.0 ? std::atan(y / x) : std::atan2(y, x);
 }
+
+using SFigures = CKvLambertAzimuthalEqualAreaEllipsoid::SFigures;
+
+// The fast path of the oblique aspect: the general formulas below with the
+// inline kernels (sin phi without reduction, q by CKvConformalLatitude's kernel,
+// sin and cos of the longitude difference together), values chosen rather than
+// branches, so that the single-point calls and the vectorized batch loops give
+// the same bits. false: the point is beyond the path (within 9 degrees of a
+// pole, where the cosine of beta takes PolarGap; a longitude difference to be
+// reduced; near the antipode; not finite), and the general formulas take it.
+constexpr double kFastLatitude = 81.0; // sin 81 degrees < kPolarSine
+KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+{
+    const double phi = lat * kDeg, dl = lon * kDeg - f.lambda0;
+    double sdl, cdl, vdl;
+    CKvMathKernel::SinCos(dl, sdl, cdl, vdl);
+    const double sb = CKvConformalLatitude::AuthalicQKernel(f.authalic, CKvMathKernel::SinHalfPi(phi)) * f.invQP;
+    const double cb = std::sqrt((1.0 - sb) * (1.0 + sb));
+    const double sum = 1.0 + f.sinBeta0 * sb + f.cosBeta0 * cb * cdl;
+    const double k = std::sqrt(2.0 * sum) * (1.0 / sum);
+    x = f.FE + f.RqD * k * cb * sdl;
+    y = f.FN + f.RqOverD * k * (f.cosBeta0 * sb - f.sinBeta0 * cb * cdl);
+    return (std::fabs(lat) <= kFastLatitude) & (std::fabs(dl) <= CKvAngle::Pi) & (sum > CKvAngle::AntipodeLimit);
+}
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
 } // namespace
 
 CKvLambertAzimuthalEqualAreaEllipsoid::CKvLambertAzimuthalEqualAreaEllipsoid(double lambda0, double phi0,
                                                                              double falseEasting, double falseNorthing,
                                                                              const CKvEllipsoid& ellipsoid)
-    : CKvVariantLoops(lambda0, phi0, falseEasting, falseNorthing, ellipsoid),
-      m_authalic(CKvConformalLatitude::MakeAuthalic(m_e))
+    : CKvVariantLoops(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
 {
+    SFigures& f = m_fast;
+    f.authalic = CKvConformalLatitude::MakeAuthalic(m_e);
     m_pole = CKvFloatCompareRel::Close(phi0, 90.0) ? 1 : (CKvFloatCompareRel::Close(phi0, -90.0) ? -1 : 0);
-    m_qP = m_authalic.qPole;
-    const double beta0 = std::asin(CKvConformalLatitude::AuthalicQ(m_authalic, std::sin(m_phi0)) / m_qP);
-    m_sinBeta0 = std::sin(beta0);
-    m_cosBeta0 = std::cos(beta0);
-    m_Rq = m_a * std::sqrt(m_qP / 2.0);
+    const double qP = f.authalic.qPole;
+    const double beta0 = std::asin(CKvConformalLatitude::AuthalicQ(f.authalic, std::sin(m_phi0)) / qP);
+    f.sinBeta0 = std::sin(beta0);
+    f.cosBeta0 = std::cos(beta0);
+    const double Rq = m_a * std::sqrt(qP / 2.0);
     const double s0 = std::sin(m_phi0);
-    m_D = m_a * (std::cos(m_phi0) / std::sqrt(1.0 - m_e2 * s0 * s0)) / (m_Rq * m_cosBeta0);
-    m_invQP = 1.0 / m_qP;
-    m_RqD = m_Rq * m_D;
-    m_RqOverD = m_Rq / m_D;
-    m_D2 = m_D * m_D;
-    m_invD2 = 1.0 / m_D2;
-    m_inv4Rq2 = 1.0 / (4.0 * m_Rq * m_Rq);
-    m_invRq = 1.0 / m_Rq;
-    m_invA2qP = 1.0 / (m_a * m_a * m_qP);
-    m_DRqCosBeta0 = m_D * m_Rq * m_cosBeta0;
-    m_D2SinBeta0 = m_D2 * m_sinBeta0;
+    f.D = m_a * (std::cos(m_phi0) / std::sqrt(1.0 - m_e2 * s0 * s0)) / (Rq * f.cosBeta0);
+    f.lambda0 = m_lambda0;
+    f.FE = m_FE;
+    f.FN = m_FN;
+    f.invQP = 1.0 / qP;
+    f.RqD = Rq * f.D;
+    f.RqOverD = Rq / f.D;
+    f.D2 = f.D * f.D;
+    f.invD2 = 1.0 / f.D2;
+    f.inv4Rq2 = 1.0 / (4.0 * Rq * Rq);
+    f.invRq = 1.0 / Rq;
+    f.DRqCosBeta0 = f.D * Rq * f.cosBeta0;
+    f.D2SinBeta0 = f.D2 * f.sinBeta0;
+    m_invA2qP = 1.0 / (m_a * m_a * qP);
+    // The kernels hold for the eccentricities of the earth, on the oblique
+    // aspects; the polar ones keep the general formulas.
+    const bool figures = m_pole == 0 && m_e > 0.0 && m_e <= CKvMathKernel::EccentricSinhLimit &&
+                         std::isfinite(f.RqD) && std::isfinite(f.RqOverD) && std::isfinite(f.invD2) &&
+                         std::isfinite(f.inv4Rq2) && std::isfinite(f.lambda0) && std::isfinite(f.FE) &&
+                         std::isfinite(f.FN);
+    f.fastForward = figures;
 }
 
 void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    const SFigures& f = m_fast;
+    if (f.fastForward && Forward(f, lon, lat, *x, *y))
+        return;
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     const double phi = lat * kDeg, dl = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
-    // libm's sine and cosine (one sincos for dl): faster here than the
-    // polynomial kernels.
     const double sdl = std::sin(dl), cdl = std::cos(dl);
-    const double sinPhi = std::sin(phi), q = CKvConformalLatitude::AuthalicQ(m_authalic, sinPhi);
+    const double sinPhi = std::sin(phi), q = CKvConformalLatitude::AuthalicQ(f.authalic, sinPhi);
+    const double qP = f.authalic.qPole;
     if (m_pole != 0) {
-        const double gap = m_pole * sinPhi > kPolarSine ? PolarGap(m_authalic, phi) : m_qP - m_pole * q;
+        const double gap = m_pole * sinPhi > kPolarSine ? PolarGap(f.authalic, phi) : qP - m_pole * q;
         const double rho = m_a * std::sqrt(gap);
         *x = m_FE + rho * sdl;
         *y = m_FN - m_pole * rho * cdl;
@@ -113,37 +153,38 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, dou
     }
     // The sine and cosine of the authalic latitude beta, the cosine near the
     // poles from 1 - |sin beta| = (q_P - |q|) / q_P.
-    const double sb = q * m_invQP;
+    const double sb = q * f.invQP;
     double cb;
     if (std::fabs(sinPhi) > kPolarSine) {
-        const double g = PolarGap(m_authalic, phi) * m_invQP;
+        const double g = PolarGap(f.authalic, phi) * f.invQP;
         cb = std::sqrt(g * (2.0 - g));
     } else {
         cb = std::sqrt((1.0 - sb) * (1.0 + sb));
     }
     // 1 + cos of the arc from the centre on the authalic sphere.
-    const double sum = 1.0 + m_sinBeta0 * sb + m_cosBeta0 * cb * cdl;
+    const double sum = 1.0 + f.sinBeta0 * sb + f.cosBeta0 * cb * cdl;
     if (!(sum > CKvAngle::AntipodeLimit)) {
         *x = *y = std::nan("");
         return;
     }
     // k' = sqrt(2 / sum), its square root and reciprocal side by side.
     const double k = std::sqrt(2.0 * sum) * (1.0 / sum);
-    *x = m_FE + m_RqD * k * cb * sdl;
-    *y = m_FN + m_RqOverD * k * (m_cosBeta0 * sb - m_sinBeta0 * cb * cdl);
+    *x = m_FE + f.RqD * k * cb * sdl;
+    *y = m_FN + f.RqOverD * k * (f.cosBeta0 * sb - f.sinBeta0 * cb * cdl);
 }
 
 void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    const SFigures& f = m_fast;
     const double dx = x - m_FE, dy = y - m_FN;
     if (m_pole != 0) {
         // q = qP - rho^2 / a^2 towards the pole of the origin.
         const double rho2 = dx * dx + dy * dy;
-        *lat = LatitudeOfAuthalicSine(m_authalic, m_pole * (1.0 - rho2 * m_invA2qP)) * kToDegrees;
+        *lat = LatitudeOfAuthalicSine(f.authalic, m_pole * (1.0 - rho2 * m_invA2qP)) * kToDegrees;
         *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + Atan2(dx, -m_pole * dy)) * kToDegrees);
         return;
     }
-    const double rho2 = dx * dx * m_invD2 + m_D2 * dy * dy;
+    const double rho2 = dx * dx * f.invD2 + f.D2 * dy * dy;
     if (rho2 == 0.0) {
         GetOrigin(lon, lat);
         return;
@@ -152,13 +193,27 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(double x, double y, double*
     // sphere (Snyder's rho = 2 R_q sin(c/2)): sin c = 2 s h = rho h / R_q and
     // cos c = 1 - 2 s^2, with no square root for rho itself. Beyond the boundary
     // circle (s > 1) h is NaN.
-    const double s2 = rho2 * m_inv4Rq2, h = std::sqrt(1.0 - s2);
+    const double s2 = rho2 * f.inv4Rq2, h = std::sqrt(1.0 - s2);
     const double cc = 1.0 - 2.0 * s2;
     // Snyder's eqs. 24-29 and 24-26 with sin c / rho = h / R_q; the longitude's
     // two arguments both divided by the positive rho / R_q.
     const double dyh = dy * h;
-    const double sinBeta = cc * m_sinBeta0 + m_D * dyh * m_cosBeta0 * m_invRq;
-    *lat = LatitudeOfAuthalicSine(m_authalic, sinBeta) * kToDegrees;
-    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + Atan2(dx * h, m_DRqCosBeta0 * cc - m_D2SinBeta0 * dyh)) *
+    const double sinBeta = cc * f.sinBeta0 + f.D * dyh * f.cosBeta0 * f.invRq;
+    *lat = LatitudeOfAuthalicSine(f.authalic, sinBeta) * kToDegrees;
+    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + Atan2(dx * h, f.DRqCosBeta0 * cc - f.D2SinBeta0 * dyh)) *
                                             kToDegrees);
+}
+
+void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride,
+                                                     const double* lat, std::size_t latStride, double* x,
+                                                     std::size_t xStride, double* y, std::size_t yStride) const
+{
+    if (!m_fast.fastForward) {
+        CKvVariantLoops::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+        return;
+    }
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                               [this](double a, double b, double* u, double* v) {
+                                   CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(a, b, u, v);
+                               });
 }

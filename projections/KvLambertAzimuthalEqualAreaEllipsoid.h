@@ -4,6 +4,8 @@
 #include "projections/KvConformalLatitude.h"
 #include "projections/KvPointVariant.h"
 
+#include <cstddef>
+
 // Lambert azimuthal equal-area on the ellipsoid (IOGP Guidance Note 7-2, method
 // 9820), oblique and polar aspects, through the authalic latitude. The authalic
 // latitude is carried as its sine q / q_P and cosine, and the arc from the centre
@@ -19,13 +21,27 @@ public:
     CKvVariant* Clone() const override { return new CKvLambertAzimuthalEqualAreaEllipsoid(*this); }
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+
+    // The figures of the oblique aspect, which the general formulas and the
+    // forward's fast path (the inline kernels, in the single-point calls and the
+    // vectorized batch loops alike) share.
+    struct SFigures
+    {
+        CKvConformalLatitude::SAuthalic authalic; // q of a latitude and back
+        double lambda0 = 0.0, FE = 0.0, FN = 0.0;
+        double sinBeta0 = 0.0, cosBeta0 = 0.0, D = 0.0;
+        // Products and reciprocals of R_q, D, q_P and the above.
+        double invQP = 0.0, RqD = 0.0, RqOverD = 0.0, D2 = 0.0, invD2 = 0.0, inv4Rq2 = 0.0, invRq = 0.0;
+        double DRqCosBeta0 = 0.0, D2SinBeta0 = 0.0;
+        bool fastForward = false;
+    };
 
 private:
-    CKvConformalLatitude::SAuthalic m_authalic; // q of a latitude and back
+    SFigures m_fast;
     int m_pole; // 1 or -1 for the polar aspects, 0 for the oblique one
-    double m_qP, m_sinBeta0, m_cosBeta0, m_Rq, m_D;
-    // Products and reciprocals of the above, for the per-point formulas.
-    double m_invQP, m_RqD, m_RqOverD, m_D2, m_invD2, m_inv4Rq2, m_invRq, m_invA2qP, m_DRqCosBeta0, m_D2SinBeta0;
+    double m_invA2qP;
 };
 
 #endif

@@ -624,3 +624,24 @@ TEST(Batch, ExpLogSinAtanKernelsAgainstLibm)
     EXPECT_TRUE(std::signbit(CKvMathKernel::Atan(-0.0)));
     EXPECT_TRUE(std::isnan(CKvMathKernel::Atan(std::numeric_limits<double>::quiet_NaN())));
 }
+
+// The authalic q by the inline kernel against the general function in long
+// double terms (Snyder's eq. 3-12), for the earth's eccentricities and the
+// largest the kernel takes, from the equator to the poles.
+TEST(Batch, AuthalicQKernelAgainstLongDouble)
+{
+    for (double e : {0.0818191910428158, 0.0822688893, 0.1}) {
+        const CKvConformalLatitude::SAuthalic authalic = CKvConformalLatitude::MakeAuthalic(e);
+        double worst = 0.0;
+        for (int i = -9000; i <= 9000; ++i) {
+            const double s = std::sin(i * 0.01 * 3.141592653589793 / 180.0);
+            const long double es = static_cast<long double>(e) * s, e2 = static_cast<long double>(e) * e;
+            const long double q = (1.0L - e2) * (s / (1.0L - es * es) + std::atanh(es) / e);
+            if (q != 0.0L)
+                worst = std::fmax(
+                    worst, static_cast<double>(std::fabs((CKvConformalLatitude::AuthalicQKernel(authalic, s) - q) / q)));
+        }
+        EXPECT_LE(worst, 6e-16) << e;
+        EXPECT_EQ(CKvConformalLatitude::AuthalicQKernel(authalic, 0.0), 0.0);
+    }
+}

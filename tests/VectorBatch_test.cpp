@@ -7,6 +7,7 @@
 #include "catalogue/KvEllipsoid.h"
 #include "coordsys/KvMapProjection.h"
 #include "projections/KvLambert1SP.h"
+#include "projections/KvLambertAzimuthalEqualArea.h"
 #include "projections/KvLambert2SP.h"
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
@@ -221,4 +222,27 @@ TEST(VectorBatch, ObliqueStereographic)
     ExpectLoopsMatchSingleCalls(sphere, -100, 30, {}, "stereographic, sphere", 53);
     ExpectLoopsMatchSingleCalls(equator, 20, 0, far, "stereographic, equator", 54);
     ExpectLoopsMatchSingleCalls(pole, 0, 90, {{2000000, 2000000}, {2000000, 2000000 + 1e-9}}, "stereographic, pole", 55);
+}
+
+TEST(VectorBatch, LambertAzimuthalEqualArea)
+{
+    // ETRS89-LAEA (the guidance note's example), an equatorial and a southern
+    // aspect, the sphere, and a polar aspect, which keeps the general formulas.
+    const CKvLambertAzimuthalEqualArea etrs("etrs", 10, 52, 4321000, 3210000, kGrs80);
+    const CKvLambertAzimuthalEqualArea equator("equator", -70, 0, 0, 0, kWgs84);
+    const CKvLambertAzimuthalEqualArea south("south", 147, -33, 500000, 1000000, kGrs80);
+    const CKvLambertAzimuthalEqualArea sphere("sphere", 10, 52, 0, 0, kSphere);
+    const CKvLambertAzimuthalEqualArea sphereSouth("sphere south", -100, -80, 0, 0, kSphere);
+    const CKvLambertAzimuthalEqualArea polar("polar", 0, 90, 0, 0, kWgs84);
+    // The boundary circle (the antipode's image, 2 R_q from the centre) and
+    // just within and beyond it, and the far half of the azimuths.
+    const double r = 2.0 * 6371007.2;
+    const GridPoints circle = {{r, 0}, {0, -r}, {0.999999 * r, 0}, {0, 1.000001 * r}, {-0.7 * r, 0.7 * r},
+                               {-0.5 * r, -0.1 * r}, {1e-9, 0}, {-1e-9, -1e-9}};
+    ExpectLoopsMatchSingleCalls(etrs, 10, 52, {}, "ETRS89-LAEA", 50);
+    ExpectLoopsMatchSingleCalls(equator, -70, 0, circle, "LAEA, equatorial", 51);
+    ExpectLoopsMatchSingleCalls(south, 147, -33, {}, "LAEA, southern", 52);
+    ExpectLoopsMatchSingleCalls(sphere, 10, 52, circle, "LAEA, sphere", 53);
+    ExpectLoopsMatchSingleCalls(sphereSouth, -100, -80, circle, "LAEA, sphere near the south pole", 54);
+    ExpectLoopsMatchSingleCalls(polar, 0, 90, circle, "LAEA, north polar", 55);
 }
