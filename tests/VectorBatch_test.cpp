@@ -12,6 +12,7 @@
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
 #include "projections/KvPseudoMercator.h"
+#include "projections/KvCassiniSoldner.h"
 #include "projections/KvStereographic.h"
 
 #include <array>
@@ -245,4 +246,27 @@ TEST(VectorBatch, LambertAzimuthalEqualArea)
     ExpectLoopsMatchSingleCalls(sphere, 10, 52, circle, "LAEA, sphere", 53);
     ExpectLoopsMatchSingleCalls(sphereSouth, -100, -80, circle, "LAEA, sphere near the south pole", 54);
     ExpectLoopsMatchSingleCalls(polar, 0, 90, circle, "LAEA, north polar", 55);
+}
+
+TEST(VectorBatch, CassiniSoldner)
+{
+    const CKvEllipsoid bessel("Bessel 1841", "BR", 6377397.155, 299.1528128);
+    const CKvEllipsoid clarke1858("Clarke 1858", "CC", 6378293.645208759, 294.2606763692654);
+    const CKvCassiniSoldner soldner("soldner", 13.6, 52.4, 40000, 10000, bessel);
+    const CKvCassiniSoldner trinidad("trinidad", -61.33333333333333, 10.441666666666666, 86501.46392052, 65379.0134283,
+                                     clarke1858);
+    const CKvCassiniSoldner south("south", 147, -42, 500000, 1000000, kGrs80);
+    const CKvCassiniSoldner equator("equator", 20, 0, 0, 0, kWgs84);
+    const CKvCassiniSoldner sphere("sphere", 13.6, 52.4, 40000, 10000, kSphere);
+    const CKvCassiniSoldner sphereSouth("sphere south", -70, -60, 0, 0, kSphere);
+    // Grid points far east of the central meridian (the inverse's Newton steps
+    // grow, and beyond a quarter turn the sphere's longitude turns round), and
+    // beyond the poles' northings.
+    const GridPoints far = {{9e6, 0}, {-9e6, 1e6}, {2.1e7, 0}, {0, 1.2e7}, {0, -2.5e7}, {1e5, 4e7}};
+    ExpectLoopsMatchSingleCalls(soldner, 13.6, 52.4, far, "Cassini-Soldner, Bessel", 60);
+    ExpectLoopsMatchSingleCalls(trinidad, -61.33333333333333, 10.441666666666666, {}, "Cassini-Soldner, Trinidad", 61);
+    ExpectLoopsMatchSingleCalls(south, 147, -42, far, "Cassini-Soldner, southern", 62);
+    ExpectLoopsMatchSingleCalls(equator, 20, 0, far, "Cassini-Soldner, equator", 63);
+    ExpectLoopsMatchSingleCalls(sphere, 13.6, 52.4, far, "Cassini-Soldner, sphere", 64);
+    ExpectLoopsMatchSingleCalls(sphereSouth, -70, -60, far, "Cassini-Soldner, southern sphere", 65);
 }
