@@ -1,6 +1,8 @@
 #include "projections/KvHotineCore.h"
 #include "projections/KvAngle.h"
+#include "projections/KvBatch.h"
 #include "projections/KvMathKernel.h"
+#include "projections/KvProjection.h"
 
 #include <cmath>
 
@@ -113,6 +115,57 @@ CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, doub
             // other way, which cos(alphaC) < 0 would turn into a sign of u (as PROJ).
             m_uc = std::fabs((m_A / m_B) * std::atan(std::sqrt(D * D - 1.0) / std::cos(alphaC))) * sign;
     }
+
+    constexpr double Deg = kPi / 180.0;
+    SFigures& f = m_fast;
+    f.e = e;
+    f.B = m_B;
+    f.lnH = m_lnH;
+    f.AoverB = m_AoverB;
+    f.BoverA = m_BoverA;
+    f.invB = m_invB;
+    f.BDeg = m_B * Deg;
+    f.invBDeg = 1.0 / (m_B * Deg);
+    f.lon0 = m_lambda0 / Deg;
+    f.uc = m_uc;
+    f.FE = m_FE;
+    f.FN = m_FN;
+    f.sinGamma0 = m_sinGamma0;
+    f.cosGamma0 = m_cosGamma0;
+    f.sinGammaC = m_sinGammaC;
+    f.cosGammaC = m_cosGammaC;
+    f.inverse = m_inverse;
+    // The kernels' reach: the eccentricity of the isometric latitude's series,
+    // and finite figures.
+    bool figures = e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit;
+    for (double value : {f.B, f.lnH, f.AoverB, f.BoverA, f.invB, f.BDeg, f.invBDeg, f.lon0, f.uc, f.FE,
+                         f.FN, f.sinGamma0, f.cosGamma0, f.sinGammaC, f.cosGammaC})
+        figures = figures && std::isfinite(value);
+    f.fastForward = figures;
+    f.fastInverse = figures && m_inverse.series;
+}
+
+namespace {
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvHotineCore::SFigures, CKvHotineCore::FastForward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvHotineCore::SFigures, CKvHotineCore::FastInverse)
+
+} // namespace
+
+void CKvHotineCore::ForwardBatch(const SFigures& f, const CKvProjection& engine, std::size_t n, const double* lon,
+                                 std::size_t lonStride, const double* lat, std::size_t latStride, double* x,
+                                 std::size_t xStride, double* y, std::size_t yStride)
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, f, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                               [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
+}
+
+void CKvHotineCore::InverseBatch(const SFigures& f, const CKvProjection& engine, std::size_t n, const double* x,
+                                 std::size_t xStride, const double* y, std::size_t yStride, double* lon,
+                                 std::size_t lonStride, double* lat, std::size_t latStride)
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, f, n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+                               [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
 }
 
 void CKvHotineCore::Forward(double lambda, double phi, double* x, double* y) const

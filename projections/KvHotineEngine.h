@@ -13,16 +13,40 @@ public:
     using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
+        if (m_core.Fast().fastForward && CKvHotineCore::FastForward(m_core.Fast(), lon, lat, *x, *y))
+            return;
         if (!CKvAngle::GuardForward(lat, x, y))
             return;
         m_core.Forward(lon * kDeg, lat * kDeg, x, y);
     }
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
+        if (m_core.Fast().fastInverse && CKvHotineCore::FastInverse(m_core.Fast(), x, y, *lon, *lat))
+            return;
         m_core.Inverse(x, y, lon, lat);
         *lon = CKvAngle::ReduceLongitudeDegrees(*lon / kDeg);
         *lat /= kDeg;
         CKvAngle::GuardInverse(x, y, lon, lat);
+    }
+
+    // The batch forms: vectorized blocks through the fast path.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override
+    {
+        if (!m_core.Fast().fastForward) {
+            CKvEngine<TEngine, TDefinition>::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+            return;
+        }
+        CKvHotineCore::ForwardBatch(m_core.Fast(), *this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
+    }
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
+    {
+        if (!m_core.Fast().fastInverse) {
+            CKvEngine<TEngine, TDefinition>::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+            return;
+        }
+        CKvHotineCore::InverseBatch(m_core.Fast(), *this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
     }
     // The projection centre.
     void GetOrigin(double* x, double* y) const override

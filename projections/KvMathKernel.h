@@ -330,6 +330,36 @@ public:
         return std::copysign(v, t);
     }
 
+    // atan2(y, x), the direction of (x, y) in [-pi, pi]: Atan's reductions taken
+    // on a = |y| and b = |x| rather than on their quotient, about tan c = 0, 1/2,
+    // 1 and 2, w = (a - b tan c) / (b + a tan c), and about infinity b / a: one
+    // quotient with no rounding of y / x before it. The angle of the first
+    // quadrant turns to pi minus itself for x < 0 (and -0) and takes the sign of
+    // y, so that the signed zeros come out as libm's. NaN gives NaN; both
+    // infinite give NaN (no direction), and magnitudes beyond 1e307 (whose
+    // multiples overflow) a meaningless value: the callers flag them.
+    static KVCART_ALWAYS_INLINE double Atan2(double y, double x)
+    {
+        constexpr double Pi = 3.141592653589793;
+        constexpr double HalfPi = 1.5707963267948966;
+        constexpr double QuarterPi = 0.7853981633974483;
+        constexpr double AtanHalf = 0.4636476090008061;
+        static constexpr double Series[12] = {-1.0 / 3,  1.0 / 5,  -1.0 / 7,  1.0 / 9,  -1.0 / 11, 1.0 / 13,
+                                              -1.0 / 15, 1.0 / 17, -1.0 / 19, 1.0 / 21, -1.0 / 23, 1.0 / 25};
+        const double a = std::fabs(y), b = std::fabs(x);
+        // a / b beyond 1/4, 3/4, 4/3 and 4.
+        const bool c1 = 4.0 * a > b, c2 = 4.0 * a > 3.0 * b, c3 = 3.0 * a > 4.0 * b, c4 = a > 4.0 * b;
+        const double num = c4 ? b : c3 ? 2.0 * b - a : c2 ? a - b : c1 ? 2.0 * a - b : a;
+        const double den = c4 ? a : c3 ? 2.0 * a + b : c2 ? a + b : c1 ? 2.0 * b + a : b;
+        // den is 0 only for a = b = 0, where num is 0 too: the angle 0.
+        const double w = num / (den == 0.0 ? 1.0 : den), w2 = w * w;
+        const double aw = w + w * w2 * Estrin<12>(w2, Series);
+        const double base = c4 ? 0.0 : c3 ? AtanHalf : c2 ? QuarterPi : c1 ? AtanHalf : 0.0;
+        const double angle = c3 ? HalfPi - (base + aw) : base + aw;
+        const double turned = std::copysign(1.0, x) < 0.0 ? Pi - angle : angle;
+        return std::copysign(turned, y);
+    }
+
 private:
     static KVCART_ALWAYS_INLINE std::uint64_t _bits(double x)
     {

@@ -625,6 +625,40 @@ TEST(Batch, ExpLogSinAtanKernelsAgainstLibm)
     EXPECT_TRUE(std::isnan(CKvMathKernel::Atan(std::numeric_limits<double>::quiet_NaN())));
 }
 
+// atan2 by the inline kernel against long double in every octant, across the
+// reduction's boundaries (|y| / |x| about 1/4, 3/4, 4/3, 4), at every scale; the
+// signed zeros and the infinities as libm gives them.
+TEST(Batch, Atan2KernelAgainstLongDouble)
+{
+    std::mt19937_64 random(15);
+    std::uniform_real_distribution<double> u(-1.0, 1.0);
+    double worst = 0.0;
+    auto check = [&worst](double y, double x) {
+        const long double exact = std::atan2(static_cast<long double>(y), static_cast<long double>(x));
+        worst = std::fmax(worst, static_cast<double>(std::fabs(CKvMathKernel::Atan2(y, x) - exact) /
+                                                     std::fmax(std::fabs(exact), 1e-300L)));
+    };
+    for (int i = 0; i < 200000; ++i) {
+        const double scale = std::ldexp(1.0, i % 600 - 300);
+        check(u(random) * scale, u(random) * std::ldexp(scale, i % 7 - 3));
+    }
+    for (double r : {0.25, 0.75, 4.0 / 3, 4.0, 1.0})
+        for (double sy : {1.0, -1.0})
+            for (double sx : {1.0, -1.0})
+                for (double y : {std::nextafter(r, 0.0), r, std::nextafter(r, 10.0)})
+                    check(sy * y * 1e5, sx * 1e5);
+    EXPECT_LE(worst, 4.5e-16);
+    const double inf = std::numeric_limits<double>::infinity();
+    for (double y : {0.0, -0.0, 1.0, -1.0, inf, -inf, 1e-310})
+        for (double x : {0.0, -0.0, 1.0, -1.0, inf, -inf, 1e-310})
+            if (!(std::isinf(x) && std::isinf(y))) {
+                const double k = CKvMathKernel::Atan2(y, x), l = std::atan2(y, x);
+                EXPECT_TRUE(k == l && std::signbit(k) == std::signbit(l)) << y << " " << x << ": " << k << " " << l;
+            }
+    EXPECT_TRUE(std::isnan(CKvMathKernel::Atan2(std::numeric_limits<double>::quiet_NaN(), 1.0)));
+    EXPECT_TRUE(std::isnan(CKvMathKernel::Atan2(1.0, std::numeric_limits<double>::quiet_NaN())));
+}
+
 // The authalic q by the inline kernel against the general function in long
 // double terms (Snyder's eq. 3-12), for the earth's eccentricities and the
 // largest the kernel takes, from the equator to the poles.

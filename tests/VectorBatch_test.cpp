@@ -6,12 +6,15 @@
 
 #include "catalogue/KvEllipsoid.h"
 #include "coordsys/KvMapProjection.h"
+#include "projections/KvHotineObliqueMercator.h"
 #include "projections/KvLambert1SP.h"
 #include "projections/KvLambertAzimuthalEqualArea.h"
 #include "projections/KvLambert2SP.h"
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
+#include "projections/KvObliqueMercator.h"
 #include "projections/KvPseudoMercator.h"
+#include "projections/KvRectifiedSkewOrthomorphic.h"
 #include "projections/KvCassiniSoldner.h"
 #include "projections/KvStereographic.h"
 
@@ -246,6 +249,50 @@ TEST(VectorBatch, LambertAzimuthalEqualArea)
     ExpectLoopsMatchSingleCalls(sphere, 10, 52, circle, "LAEA, sphere", 53);
     ExpectLoopsMatchSingleCalls(sphereSouth, -100, -80, circle, "LAEA, sphere near the south pole", 54);
     ExpectLoopsMatchSingleCalls(polar, 0, 90, circle, "LAEA, north polar", 55);
+}
+
+TEST(VectorBatch, HotineObliqueMercators)
+{
+    const CKvEllipsoid everest("Everest 1830 (1967)", "EE", 6377298.556, 300.8017);
+    const CKvEllipsoid bessel("Bessel 1841", "BR", 6377397.155, 299.1528128);
+    const CKvEllipsoid clarke1866("Clarke 1866", "CC", 6378206.4, 294.9786982);
+    // The guidance note's Borneo examples (variants A and B, and the grid
+    // rotated apart from the azimuth), the Swiss grid (a centre line due east,
+    // whose natural origin lies at infinity along it), Alaska zone 1, a southern
+    // centre, a sphere, and a centre line due north near the pole.
+    const CKvRectifiedSkewOrthomorphic borneoA("borneo A", 0.99984, 115, 4, 53.31582047222222, 53.13010236111111,
+                                               590476.87, 442857.65, everest);
+    const CKvObliqueMercator borneoB("borneo B", 0.99984, 115, 4, 53.31582047222222, 590476.87, 442857.65, everest);
+    const CKvObliqueMercator lv03("lv03", 1, 7.43958333333333, 46.9524055555556, 90, 600000, 200000, bessel);
+    const CKvHotineObliqueMercator alaska("alaska", 0.9999, -133.6666666666667, 57, 323.1301023611111, 5000000,
+                                          -5000000, clarke1866);
+    const CKvHotineObliqueMercator south("south", 0.9996, 147, -38, 30, 400000, 5000000, kGrs80);
+    const CKvObliqueMercator sphere("sphere", 1, -70, 20, 120, 0, 0, kSphere);
+    const CKvRectifiedSkewOrthomorphic polar("polar", 1, 10, 80, 0, 10, 0, 0, kWgs84);
+    struct Case
+    {
+        const CKvProjection& engine;
+        double lon0, lat0, gamma, FE, FN; // gamma: the grid angle, degrees
+        const char* name;
+    } cases[] = {{borneoA, 115, 4, 53.13010236111111, 590476.87, 442857.65, "Borneo, variant A"},
+                 {borneoB, 115, 4, 53.31582047222222, 590476.87, 442857.65, "Borneo, variant B"},
+                 {lv03, 7.43958333333333, 46.9524055555556, 90, 600000, 200000, "LV03"},
+                 {alaska, -133.6666666666667, 57, 323.1301023611111, 5000000, -5000000, "Alaska zone 1"},
+                 {south, 147, -38, 30, 400000, 5000000, "southern centre"},
+                 {sphere, -70, 20, 120, 0, 0, "sphere"},
+                 {polar, 10, 80, 10, 0, 0, "centre line due north"}};
+    unsigned seed = 50;
+    for (const Case& k : cases) {
+        // Across the centre line to the aposphere's poles (|U| -> 1 some 7.5e7 m
+        // out, infinite v) and beyond exp's reach, and along it beyond the sine's.
+        const double c = std::cos(k.gamma * 3.141592653589793 / 180), s = std::sin(k.gamma * 3.141592653589793 / 180);
+        GridPoints special;
+        for (double t : {7.0e7, 7.45e7, 7.5e7, -7.5e7, 8e7, 5e9, -5e9})
+            special.push_back({k.FE + t * c, k.FN - t * s});
+        for (double t : {3.2e7, 6.4e11, -1e12})
+            special.push_back({k.FE + t * s, k.FN + t * c});
+        ExpectLoopsMatchSingleCalls(k.engine, k.lon0, k.lat0, special, k.name, ++seed);
+    }
 }
 
 TEST(VectorBatch, CassiniSoldner)
