@@ -1,17 +1,21 @@
 #include "projections/KvPolarStereographicCore.h"
 
-#include "projections/KvConformalLatitude.h"
-
 #include <cmath>
 
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kHalfPi = kPi / 2; // 90 degrees as the engines convert them
+constexpr double kQuarterPi = 0.7853981633974483;
+constexpr double kHalfPiLow = 6.123233995736766e-17; // pi/2 - kHalfPi
 
 double EccentricityTerm(double e)
 {
     return std::sqrt(std::pow(1.0 + e, 1.0 + e) * std::pow(1.0 - e, 1.0 - e));
 }
+
+// Beyond this t (a point some 1e100 radii out) the closed forms of the inverse
+// would square it out of range; the general formulas take it, down to t = inf.
+constexpr double kLargestSeriesT = 1e100;
 
 } // namespace
 
@@ -22,6 +26,7 @@ CKvPolarStereographicCore CKvPolarStereographicCore::AtPole(double a, double e, 
     core.m_a = a;
     core.m_e = e;
     core.m_pole = pole >= 0 ? 1 : -1;
+    core.m_sign = core.m_pole;
     core.m_k0 = k0;
     core.m_lambda0 = lambda0;
     core.m_FE = falseEasting;
@@ -32,6 +37,18 @@ CKvPolarStereographicCore CKvPolarStereographicCore::AtPole(double a, double e, 
     // origin (a = 0) or a mirrored map.
     if (!(a > 0.0 && std::isfinite(a) && e >= 0.0 && e < 1.0 && k0 > 0.0 && std::isfinite(k0)))
         core.m_scaleTerm = std::nan("");
+    // f(z) = ((1 + z) / (1 - z))^(e/2) = sum c_k z^k: f' (1 - z^2) = e f gives
+    // (k + 1) c_{k+1} = e c_k + (k - 1) c_{k-1}, from c_0 = 1 and c_1 = e. The
+    // coefficients are about e / k (odd k) and e^2 / k (even k), so that for
+    // |z| <= e <= 0.1 the terms from z^16 on sum to less than 2e-19 of f.
+    core.m_expSeries = e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit;
+    if (core.m_expSeries) {
+        core.m_exp[0] = 1.0;
+        core.m_exp[1] = e;
+        for (int k = 1; k + 1 < kExpTerms; ++k)
+            core.m_exp[k + 1] = (e * core.m_exp[k] + (k - 1) * core.m_exp[k - 1]) / (k + 1);
+    }
+    core.m_inverse = CKvConformalLatitude::MakeInverse(e);
     return core;
 }
 
@@ -56,24 +73,64 @@ void CKvPolarStereographicCore::Forward(double lambda, double phi, double* x, do
 {
     // The other pole lies at infinity; t there would be the tangent of the rounded
     // right angle, a made-up 1.6e16.
-    if (m_pole * phi <= -kHalfPi) {
+    if (m_sign * phi <= -kHalfPi) {
         *x = *y = std::nan("");
         return;
     }
-    const double rho = m_scaleTerm * CKvConformalLatitude::T(m_pole * phi, m_e);
-    const double dLambda = lambda - m_lambda0;
-    *x = m_FE + rho * std::sin(dLambda);
-    *y = m_FN - m_pole * rho * std::cos(dLambda);
+    // h = pi/4 - phi/2 seen from the pole lies in [0, pi/2] for every latitude
+    // (NaN stays NaN), well within the kernel's range.
+    const double h = kQuarterPi - m_sign * phi / 2;
+    double sinH, cosH, versine;
+    CKvMathKernel::SinCos(h, sinH, cosH, versine);
+    const double z = m_e * ((cosH - sinH) * (cosH + sinH)); // e sin phi, sin phi = cos 2h
+    const double tanH = sinH / cosH; // under way while the eccentricity term is summed
+    // ((1 + e sin phi) / (1 - e sin phi))^(e/2) by its power series in e sin phi
+    // for the eccentricities of the earth, else by pow.
+    const double expU = m_expSeries ? CKvMathKernel::Estrin<kExpTerms>(z, m_exp)
+                                    : std::pow((1.0 + z) / (1.0 - z), m_e / 2);
+    const double rho = m_scaleTerm * tanH * expU;
+    double sinDl, cosDl;
+    CKvMathKernel::SinCosAny(lambda - m_lambda0, sinDl, cosDl);
+    *x = m_FE + rho * sinDl;
+    *y = m_FN - m_sign * rho * cosDl;
 }
 
 void CKvPolarStereographicCore::Inverse(double x, double y, double* lambda, double* phi) const
 {
     const double dx = x - m_FE, dy = y - m_FN;
     const double t = std::sqrt(dx * dx + dy * dy) / m_scaleTerm;
+    if (!(m_inverse.series && t <= kLargestSeriesT)) {
+        _inverseGeneral(dx, dy, lambda, phi);
+        return;
+    }
+    // chi = pi/2 - 2A with A = atan t, so 2chi = pi - 4A: sin 2chi = sin 4A and
+    // cos 2chi = -cos 4A, from sin 2A = 2t / (1 + t^2) and cos 2A = (1 - t^2) / (1 + t^2).
+    const double t2 = t * t, inv = 1.0 / (1.0 + t2);
+    const double sin2A = 2.0 * t * inv, cos2A = (1.0 - t2) * inv;
+    const double sin2Chi = 2.0 * sin2A * cos2A, cos2Chi = 2.0 * sin2A * sin2A - 1.0;
+    // phi = chi + (phi - chi) by Karney's series, within 1.2e-16 rad for the
+    // figures it is made for (CKvConformalLatitude::SeriesLimit). It is summed as
+    // the angle from the nearer pole, taken from pi/2 once at the end with pi/2's
+    // rounding error added back: beyond the equator (t > 1) 2 atan t = pi -
+    // 2 atan(1/t), so phi = -(pi/2 - 2 atan(1/t) - (phi - chi)). Near either pole
+    // that angle is small and keeps its relative precision, so that the latitude
+    // is left with the one rounding of the final difference.
+    const double correction = CKvConformalLatitude::SeriesCorrection(m_inverse, sin2Chi, cos2Chi);
+    const bool beyond = t > 1.0;
+    const double hemisphere = beyond ? -1.0 : 1.0;
+    const double atanNear = std::atan(beyond ? 1.0 / t : t);
+    *phi = m_sign * hemisphere *
+           (kHalfPi - 2.0 * (atanNear - 0.5 * (hemisphere * correction + kHalfPiLow)));
+    *lambda = m_lambda0 + std::atan2(dx, -m_sign * dy);
+}
+
+void CKvPolarStereographicCore::_inverseGeneral(double dx, double dy, double* lambda, double* phi) const
+{
+    const double t = std::sqrt(dx * dx + dy * dy) / m_scaleTerm;
     // chi = pi/2 - 2 atan t, so tan chi = (1/t - t) / 2; then geodetic from conformal.
     const double tanChi = (1.0 / t - t) / 2.0;
-    *phi = m_pole * std::atan(CKvConformalLatitude::Tau(tanChi, m_e));
-    *lambda = m_lambda0 + std::atan2(dx, -m_pole * dy);
+    *phi = m_sign * std::atan(CKvConformalLatitude::Tau(tanChi, m_e));
+    *lambda = m_lambda0 + std::atan2(dx, -m_sign * dy);
 }
 
 double CKvPolarStereographicCore::Convergence(double lambda) const
