@@ -39,13 +39,19 @@ void CKvKrovak::_init(double kp, double pseudoParallel, double centerLongitude, 
     const double A = _a() * std::sqrt(1.0 - e2) / (1.0 - e2 * s * s);
     m_B = std::sqrt(1.0 + e2 * c * c * c * c / (1.0 - e2));
     const double gamma0 = std::asin(s / m_B);
-    m_t0 = std::tan(kPi / 4 + gamma0 / 2) * std::pow((1.0 + e * s) / (1.0 - e * s), e * m_B / 2) /
-           std::pow(std::tan(kPi / 4 + m_phiC / 2), m_B);
+    const double t0 = std::tan(kPi / 4 + gamma0 / 2) * std::pow((1.0 + e * s) / (1.0 - e * s), e * m_B / 2) /
+                      std::pow(std::tan(kPi / 4 + m_phiC / 2), m_B);
+    m_lnT0 = std::log(t0);
     m_n = std::sin(m_phiP);
-    m_r0 = kp * A / std::tan(m_phiP);
-    m_rTerm = m_r0 * std::pow(std::tan(kPi / 4 + m_phiP / 2), m_n);
+    const double r0 = kp * A / std::tan(m_phiP);
+    m_lnTanP = std::log(std::tan(kPi / 4 + m_phiP / 2));
+    m_rTerm = r0 * std::pow(std::tan(kPi / 4 + m_phiP / 2), m_n);
+    m_invB = 1.0 / m_B;
+    m_invN = 1.0 / m_n;
+    m_invR0 = 1.0 / r0;
     m_sinAlpha = std::sin(m_alphaC);
     m_cosAlpha = std::cos(m_alphaC);
+    m_inverse = CKvConformalLatitude::MakeInverse(e);
     m_xScale = xScale;
     m_yScale = yScale;
     m_sinRot = std::sin(xyPlaneRotation * kDeg);
@@ -58,18 +64,28 @@ void CKvKrovak::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
-    const double phi = lat * kDeg, e = _e(), es = e * std::sin(phi);
-    const double U =
-        2.0 *
-        (std::atan(m_t0 * std::pow(std::tan(phi / 2 + kPi / 4), m_B) / std::pow((1.0 + es) / (1.0 - es), e * m_B / 2)) -
-         kPi / 4);
-    const double V = -m_B * CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
-    const double T = std::asin(m_cosAlpha * std::sin(U) + m_sinAlpha * std::cos(U) * std::cos(V));
-    const double D = std::asin(std::cos(U) * std::sin(V) / std::cos(T));
-    const double theta = m_n * D;
-    const double r = m_rTerm / std::pow(std::tan(T / 2 + kPi / 4), m_n);
-    const double p = m_xScale * r * std::cos(theta); // southing
-    const double q = m_yScale * r * std::sin(theta); // westing
+    // The Gaussian sphere's latitude U: tan(pi/4 + U/2) = t0 exp(B psi), so that its
+    // isometric latitude is ln t0 + B psi, sin U = tanh and cos U = sech of it.
+    double sinU, cosU;
+    CKvConformalLatitude::SinCosFromIsometric(m_lnT0 + m_B * CKvConformalLatitude::Isometric(lat * kDeg, _e()),
+                                              sinU, cosU);
+    double sinV, cosV;
+    CKvMathKernel::SinCosAny(-m_B * CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0), sinV, cosV);
+    // The point turned about the cone's axis: (cos T cos D, cos T sin D, sin T).
+    const double sinT = m_cosAlpha * sinU + m_sinAlpha * cosU * cosV;
+    const double cosTcosD = m_cosAlpha * cosU * cosV - m_sinAlpha * sinU;
+    const double cosTsinD = cosU * sinV;
+    const double cosT = std::sqrt(cosTcosD * cosTcosD + cosTsinD * cosTsinD);
+    // D = asin(cos U sin V / cos T), within +-90 degrees as the guidance note takes it.
+    const double D = std::atan2(cosTsinD, std::fabs(cosTcosD));
+    // r = rTerm / tan^n(pi/4 + T/2), tan(pi/4 + T/2) = (1 + sin T) / cos T = cos T / (1 - sin T),
+    // each form where it does not cancel.
+    const double cotangent = sinT >= 0.0 ? cosT / (1.0 + sinT) : (1.0 - sinT) / cosT;
+    const double r = m_rTerm * std::pow(cotangent, m_n);
+    double sinTheta, cosTheta;
+    CKvMathKernel::SinCosAny(m_n * D, sinTheta, cosTheta);
+    const double p = m_xScale * r * cosTheta; // southing
+    const double q = m_yScale * r * sinTheta; // westing
     *x = p * m_cosRot - q * m_sinRot + m_FE;
     *y = p * m_sinRot + q * m_cosRot + m_FN;
 }
@@ -80,19 +96,29 @@ void CKvKrovak::Proj2Geo(double x, double y, double* lon, double* lat) const
     const double X = (dx * m_cosRot + dy * m_sinRot) / m_xScale;  // southing
     const double Y = (-dx * m_sinRot + dy * m_cosRot) / m_yScale; // westing
     const double r = std::sqrt(X * X + Y * Y);
-    const double theta = std::atan2(Y, X);
-    const double D = theta / m_n;
-    const double T = 2.0 * (std::atan(std::pow(m_r0 / r, 1.0 / m_n) * std::tan(kPi / 4 + m_phiP / 2)) - kPi / 4);
-    const double U = std::asin(m_cosAlpha * std::sin(T) - m_sinAlpha * std::cos(T) * std::cos(D));
-    const double V = std::asin(std::cos(T) * std::sin(D) / std::cos(U));
-    *lon = (m_lambda0 - V / m_B) / kDeg;
+    const double D = std::atan2(Y, X) * m_invN;
+    // T's isometric latitude: tan(pi/4 + T/2) = (r0 / r)^(1/n) tan(pi/4 + phiP/2); r / r0
+    // is near 1 on the map, where its logarithm keeps its relative precision.
+    double sinT, cosT;
+    CKvConformalLatitude::SinCosFromIsometric(m_lnTanP - std::log(r * m_invR0) * m_invN, sinT, cosT);
+    double sinD, cosD;
+    CKvMathKernel::SinCosAny(D, sinD, cosD);
+    // The point turned back: (cos U cos V, cos U sin V, sin U).
+    const double sinU = m_cosAlpha * sinT - m_sinAlpha * cosT * cosD;
+    const double cosUcosV = m_cosAlpha * cosT * cosD + m_sinAlpha * sinT;
+    const double cosUsinV = cosT * sinD;
+    const double cosU = std::sqrt(cosUcosV * cosUcosV + cosUsinV * cosUsinV);
+    // V = asin(cos T sin D / cos U), within +-90 degrees as the guidance note takes it.
+    const double V = std::atan2(cosUsinV, std::fabs(cosUcosV));
+    *lon = (m_lambda0 - V * m_invB) / kDeg;
     // The latitude from the Gaussian sphere's: the guidance note iterates
-    // tan(pi/4 + phi/2) ((1 - e sin phi) / (1 + e sin phi))^(e/2) = k, that is exp(psi) = k
-    // for the isometric latitude psi; sinh psi = (k - 1/k) / 2 is the tangent of the
-    // conformal latitude, and Newton's method gives the same root.
-    const double k = std::pow(m_t0, -1.0 / m_B) * std::pow(std::tan(U / 2 + kPi / 4), 1.0 / m_B);
-    const double phi = std::atan(CKvConformalLatitude::Tau((k - 1.0 / k) / 2.0, _e()));
-    *lat = phi / kDeg;
+    // tan(pi/4 + phi/2) ((1 - e sin phi) / (1 + e sin phi))^(e/2) = k, that is
+    // exp(psi) = k for the isometric latitude psi = (ln tan(pi/4 + U/2) - ln t0) / B,
+    // and sinh psi is the tangent of the conformal latitude: Karney's series
+    // takes it to the geodetic latitude in closed form (Newton's method on a
+    // figure beyond the series).
+    const double isometricU = sinU >= 0.0 ? std::log((1.0 + sinU) / cosU) : -std::log((1.0 - sinU) / cosU);
+    *lat = CKvConformalLatitude::Latitude(m_inverse, std::sinh((isometricU - m_lnT0) * m_invB)) / kDeg;
     *lon = CKvAngle::ReduceLongitudeDegrees(*lon);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }

@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVKROVAK_H
 
 #include "catalogue/KvKrovakProjection.h"
+#include "projections/KvConformalLatitude.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -15,6 +16,16 @@
 //   x = p cos theta - q sin theta + FE,  y = p sin theta + q cos theta + FN
 // so scales (1, 1) with rotation 0 give the classic (southing, westing) pair, and
 // (-1, 1) with rotation 90 give (easting, northing) = (-Y, -X).
+//
+// The guidance note's tangents of half-angles raised to powers are isometric
+// latitudes, scaled and shifted: tan(pi/4 + U/2) = t0 exp(B psi) with psi the
+// ellipsoid's isometric latitude, and tan(pi/4 + T/2) = (r0 / r)^(1/n) tan(pi/4 +
+// phiP/2). The engine works on those: sine and cosine of a latitude from its
+// isometric latitude with one exponential, the oblique rotation on the unit
+// vector (so that cos T and cos U come from sums of squares, not from 1 - sin^2),
+// the radius as rTerm ((1 - sin T) / cos T)^n, and the inverse's geodetic
+// latitude from the isometric one by Karney's series instead of the guidance
+// note's iteration.
 class CKvKrovak : public CKvEngine<CKvKrovak, CKvKrovakProjection>
 {
 public:
@@ -40,8 +51,12 @@ private:
 
     double m_lambda0, m_phiC, m_alphaC, m_phiP;
     double m_lonC, m_latC; // the centre in degrees, as given
-    double m_B, m_t0, m_n, m_r0, m_rTerm; // rTerm = r0 tan^n(pi/4 + phiP/2)
+    double m_B, m_n, m_rTerm; // rTerm = r0 tan^n(pi/4 + phiP/2)
+    double m_lnT0;            // the Gaussian sphere's isometric latitude less B times the ellipsoid's
+    double m_invB, m_invN, m_invR0;
+    double m_lnTanP; // ln tan(pi/4 + phiP/2), the cone's isometric latitude of the pseudo parallel
     double m_sinAlpha, m_cosAlpha;
+    CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude
     double m_xScale, m_yScale, m_sinRot, m_cosRot, m_FE, m_FN;
 };
 
