@@ -203,6 +203,10 @@ TEST(VectorBatch, Mercators)
     ExpectLoopsMatchSingleCalls(pulkovo, 51, 42, {}, "Mercator 2SP", 42);
     ExpectLoopsMatchSingleCalls(sphere, -60, 0, {}, "Mercator, sphere", 43);
     ExpectLoopsMatchSingleCalls(web, 0, 0, square, "Pseudo-Mercator", 44);
+    // A figure beyond the kernels' eccentricity (1/f = 10): the batch runs the
+    // single-point formulas, and still gives their bits.
+    const CKvMercator1SP flat("flat", 1.0, 0, 0, 0, CKvEllipsoid("flat", "FL", 6378137.0, 10.0));
+    ExpectLoopsMatchSingleCalls(flat, 0, 0, {}, "Mercator, 1/f = 10", 46);
     ExpectLoopsMatchSingleCalls(pacific, 150, 0, square, "Pseudo-Mercator, 150 E", 45);
 }
 
