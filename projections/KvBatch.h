@@ -123,15 +123,21 @@ public:
         }
     }
 
-    // Runs the points through a block loop defined by KVCART_DEFINE_BLOCK_LOOP,
-    // and those it leaves through point(a, b, &u, &v), the single-point call.
+    // The batch form of an engine with a vectorized fast path: the points through
+    // the block loop defined by KVCART_DEFINE_BLOCK_LOOP, and those it leaves
+    // through point(a, b, &u, &v), the single-point call; every point through
+    // point when the figures are beyond the kernels' reach (fast false).
     template <class TFigures, class FPoint>
     static void ForEachFastBlock(void (*loop)(const TFigures&, std::size_t, const double*, const double*, double*,
                                               double*, bool*),
-                                 const TFigures& figures, std::size_t n, const double* a, std::size_t sa,
+                                 const TFigures& figures, bool fast, std::size_t n, const double* a, std::size_t sa,
                                  const double* b, std::size_t sb, double* u, std::size_t su, double* v, std::size_t sv,
                                  FPoint point)
     {
+        if (!fast) {
+            ForEachPoint(n, a, sa, b, sb, u, su, v, sv, point);
+            return;
+        }
         ForEachBlock(
             n, a, sa, b, sb, u, su, v, sv,
             [loop, &figures](std::size_t count, const double* ab, const double* bb, double* ub, double* vb, bool* ok) {

@@ -88,11 +88,8 @@ void CKvCassiniSoldnerEllipsoid::Geo2Proj(std::size_t n, const double* lon, std:
                                           std::size_t latStride, double* x, std::size_t xStride, double* y,
                                           std::size_t yStride) const
 {
-    if (!m_fast.fast) {
-        CKvBatch::Forward(*this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
-        return;
-    }
-    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n,
+                               lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvCassiniSoldnerEllipsoid::Geo2Proj(a, b, u, v);
                                });
@@ -102,11 +99,8 @@ void CKvCassiniSoldnerEllipsoid::Proj2Geo(std::size_t n, const double* x, std::s
                                           std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
                                           std::size_t latStride) const
 {
-    if (!m_fast.fast) {
-        CKvBatch::Inverse(*this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
-        return;
-    }
-    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fast, n,
+                               x, xStride, y, yStride, lon, lonStride, lat, latStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvCassiniSoldnerEllipsoid::Proj2Geo(a, b, u, v);
                                });

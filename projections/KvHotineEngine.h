@@ -33,19 +33,11 @@ public:
     void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
                   double* x, std::size_t xStride, double* y, std::size_t yStride) const override
     {
-        if (!m_core.Fast().fastForward) {
-            CKvEngine<TEngine, TDefinition>::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
-            return;
-        }
         CKvHotineCore::ForwardBatch(m_core.Fast(), *this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
     }
     void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
                   double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
     {
-        if (!m_core.Fast().fastInverse) {
-            CKvEngine<TEngine, TDefinition>::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
-            return;
-        }
         CKvHotineCore::InverseBatch(m_core.Fast(), *this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
     }
     // The projection centre.

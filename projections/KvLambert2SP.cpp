@@ -104,20 +104,12 @@ void CKvLambert2SP::Proj2Geo(double x, double y, double* lon, double* lat) const
 void CKvLambert2SP::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
                             std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const
 {
-    if (!m_cone.fastForward) {
-        CKvEngine::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
-        return;
-    }
     CKvLambertConic::ForwardBatch(m_cone, *this, n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
 }
 
 void CKvLambert2SP::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
                             double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const
 {
-    if (!m_cone.fastInverse) {
-        CKvEngine::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
-        return;
-    }
     CKvLambertConic::InverseBatch(m_cone, *this, n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
 }
 

@@ -208,11 +208,8 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(std::size_t n, const double
                                                      const double* lat, std::size_t latStride, double* x,
                                                      std::size_t xStride, double* y, std::size_t yStride) const
 {
-    if (!m_fast.fastForward) {
-        CKvVariantLoops::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
-        return;
-    }
-    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fastForward, n,
+                               lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(a, b, u, v);
                                });

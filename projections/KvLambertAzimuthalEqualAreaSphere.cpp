@@ -111,11 +111,8 @@ void CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(std::size_t n, const double* l
                                                   const double* lat, std::size_t latStride, double* x,
                                                   std::size_t xStride, double* y, std::size_t yStride) const
 {
-    if (!m_fast.fast) {
-        CKvVariantLoops::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
-        return;
-    }
-    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n,
+                               lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(a, b, u, v);
                                });

@@ -68,7 +68,8 @@ void CKvLambertConic::ForwardBatch(const SCone& cone, const CKvProjection& engin
                                    std::size_t lonStride, const double* lat, std::size_t latStride, double* x,
                                    std::size_t xStride, double* y, std::size_t yStride)
 {
-    CKvBatch::ForEachFastBlock(ForwardBlock, cone, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+    CKvBatch::ForEachFastBlock(ForwardBlock, cone, cone.fastForward, n,
+                               lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
 }
 
@@ -76,6 +77,7 @@ void CKvLambertConic::InverseBatch(const SCone& cone, const CKvProjection& engin
                                    std::size_t xStride, const double* y, std::size_t yStride, double* lon,
                                    std::size_t lonStride, double* lat, std::size_t latStride)
 {
-    CKvBatch::ForEachFastBlock(InverseBlock, cone, n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+    CKvBatch::ForEachFastBlock(InverseBlock, cone, cone.fastInverse, n,
+                               x, xStride, y, yStride, lon, lonStride, lat, latStride,
                                [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
 }

@@ -34,14 +34,8 @@ void CKvMercatorCore::ForwardBatch(const SFigures& f, const CKvProjection& engin
                                    std::size_t lonStride, const double* lat, std::size_t latStride, double* x,
                                    std::size_t xStride, double* y, std::size_t yStride)
 {
-    // Figures beyond the kernels' reach (an eccentricity beyond the series):
-    // every point through the engine's own formulas.
-    if (!f.fastForward) {
-        CKvBatch::ForEachPoint(n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
-                               [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
-        return;
-    }
-    CKvBatch::ForEachFastBlock(ForwardBlock, f, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+    CKvBatch::ForEachFastBlock(ForwardBlock, f, f.fastForward, n,
+                               lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
 }
 
@@ -49,11 +43,7 @@ void CKvMercatorCore::InverseBatch(const SFigures& f, const CKvProjection& engin
                                    std::size_t xStride, const double* y, std::size_t yStride, double* lon,
                                    std::size_t lonStride, double* lat, std::size_t latStride)
 {
-    if (!f.fastInverse) {
-        CKvBatch::ForEachPoint(n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
-                               [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
-        return;
-    }
-    CKvBatch::ForEachFastBlock(InverseBlock, f, n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+    CKvBatch::ForEachFastBlock(InverseBlock, f, f.fastInverse, n,
+                               x, xStride, y, yStride, lon, lonStride, lat, latStride,
                                [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
 }

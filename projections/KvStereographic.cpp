@@ -166,11 +166,8 @@ void CKvStereographic::Geo2Proj(std::size_t n, const double* lon, std::size_t lo
                                 std::size_t latStride, double* x, std::size_t xStride, double* y,
                                 std::size_t yStride) const
 {
-    if (!m_fast.fastForward) {
-        CKvEngine::Geo2Proj(n, lon, lonStride, lat, latStride, x, xStride, y, yStride);
-        return;
-    }
-    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, n, lon, lonStride, lat, latStride, x, xStride, y, yStride,
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fastForward, n,
+                               lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvStereographic::Geo2Proj(a, b, u, v);
                                });
@@ -180,11 +177,8 @@ void CKvStereographic::Proj2Geo(std::size_t n, const double* x, std::size_t xStr
                                 std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
                                 std::size_t latStride) const
 {
-    if (!m_fast.fastInverse) {
-        CKvEngine::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
-        return;
-    }
-    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, n, x, xStride, y, yStride, lon, lonStride, lat, latStride,
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fastInverse, n,
+                               x, xStride, y, yStride, lon, lonStride, lat, latStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvStereographic::Proj2Geo(a, b, u, v);
                                });
