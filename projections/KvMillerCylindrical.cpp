@@ -20,6 +20,8 @@ CKvMillerCylindrical::CKvMillerCylindrical(const std::string& name, const double
     const bool usable = a > 0.0 && std::isfinite(a) && std::isfinite(m_lon0) && std::isfinite(m_FE) &&
                         std::isfinite(m_FN);
     m_R = usable ? CKvConformalLatitude::AuthalicRadius(a, _e()) : std::nan("");
+    m_invR = 1.0 / m_R;
+    m_invRDeg = 1.0 / (m_R * kDeg);
 }
 
 void CKvMillerCylindrical::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -37,15 +39,21 @@ void CKvMillerCylindrical::Geo2Proj(double lon, double lat, double* x, double* y
 
 void CKvMillerCylindrical::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    const double t = (y - m_FN) / m_R;
-    const double dlon = (x - m_FE) / (m_R * kDeg);
+    const double t = (y - m_FN) * m_invR;
+    const double dlon = (x - m_FE) * m_invRDeg;
     // Beyond the poles' line or the map's width there is no point of the map.
     if (!(std::fabs(t) <= kPoleY * (1.0 + 1e-15)) || !(std::fabs(dlon) <= 180.0 + 1e-9)) {
         *lon = *lat = std::nan("");
         return;
     }
-    // 5/2 atan(exp(4t/5)) - 5 pi/8 = 5/4 gd(4t/5), gd the Gudermannian.
-    *lat = std::fmin(90.0, std::fmax(-90.0, 1.25 * std::atan(std::sinh(0.8 * t)) / kDeg));
+    // 5/2 atan(exp(4t/5)) - 5 pi/8 = 5/4 gd(4t/5), gd the Gudermannian, gd u =
+    // atan(sinh u), |u| <= 1.85 here: sinh by its series below 0.5 (where the
+    // exponentials would cancel), else from one exponential, and atan, all by
+    // the inline kernels (within an ulp or two of libm).
+    const double u = 0.8 * t;
+    const double E = CKvMathKernel::Exp(u);
+    const double sinhU = std::fabs(u) < 0.5 ? CKvMathKernel::SinhSmall(u) : 0.5 * (E - 1.0 / E);
+    *lat = std::fmin(90.0, std::fmax(-90.0, (1.25 / kDeg) * CKvMathKernel::Atan(sinhU)));
     *lon = CKvAngle::InverseLongitudeDegrees(dlon + m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }

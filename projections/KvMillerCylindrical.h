@@ -36,6 +36,7 @@ public:
 private:
     double m_lon0, m_FE, m_FN;
     double m_R; // the sphere's radius, the authalic radius (NaN: no map)
+    double m_invR, m_invRDeg; // 1 / R and 1 / (R per degree), for the inverse
 };
 
 #endif
