@@ -1,5 +1,7 @@
 #include "projections/KvAlbersEqualAreaEllipsoid.h"
 
+#include "projections/KvBatch.h"
+
 #include <cmath>
 
 namespace {
@@ -8,6 +10,40 @@ double M(double e2, double phi)
     const double s = std::sin(phi);
     return std::cos(phi) / std::sqrt(1.0 - e2 * s * s);
 }
+
+constexpr double kDeg = CKvAngle::Pi / 180.0;
+
+using SFigures = CKvAlbersEqualAreaEllipsoid::SFigures;
+
+// Forward: q of the latitude by the authalic kernel on the sine taken without
+// reduction. false: a latitude off the ellipsoid, a longitude difference to be
+// reduced, a radicand below 0 (a pole beyond the cone's reach), not finite; the
+// general formulas take those.
+KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+{
+    const double q = CKvConformalLatitude::AuthalicQKernel(f.authalic, CKvMathKernel::SinHalfPi(lat * kDeg));
+    const double radicand = f.C - f.cone.n * q;
+    const double rho = f.aOverN * std::sqrt(radicand);
+    const bool placed = CKvConicVariant::Place(f.cone, rho, lon - f.cone.lon0, x, y);
+    return placed & (std::fabs(lat) <= 90.0) & (radicand >= 0.0);
+}
+
+// Inverse: sin beta from the squared radius, with no square root, and the
+// latitude by the authalic kernel. false: within a degree of the poles (where
+// the general formulas set a rounding overshoot on the pole), off the map, a
+// longitude to be reduced, not finite.
+constexpr double kFastSinBeta = 0.9998; // 88.85 degrees
+KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
+{
+    double rho2;
+    const bool unplaced = CKvConicVariant::Unplace(f.cone, x, y, lon, rho2);
+    const double sinBeta = f.sinBetaApex - rho2 * f.sinBetaPerRho2;
+    lat = CKvConformalLatitude::AuthalicLatitudeKernel(f.authalic, sinBeta) * (1.0 / kDeg);
+    return unplaced & (std::fabs(sinBeta) <= kFastSinBeta);
+}
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
 } // namespace
 
 CKvAlbersEqualAreaEllipsoid::CKvAlbersEqualAreaEllipsoid(double phi1, double phi2, double lambda0, double phi0,
@@ -22,6 +58,19 @@ CKvAlbersEqualAreaEllipsoid::CKvAlbersEqualAreaEllipsoid(double phi1, double phi
     const double n = (m1 * m1 - m2 * m2) / (q2 - q1);
     m_C = m1 * m1 + n * q1;
     _setCone(n, m_a * std::sqrt(m_C - n * _q(m_phi0)) / n);
+
+    SFigures& f = m_fast;
+    f.cone = m_cone;
+    f.authalic = m_authalic;
+    f.C = m_C;
+    f.aOverN = m_a / n;
+    f.sinBetaApex = m_C / (n * m_authalic.qPole);
+    f.sinBetaPerRho2 = n / (m_a * m_a * m_authalic.qPole);
+    // The kernels hold for the eccentricities of the earth.
+    const double e = m_authalic.e;
+    f.fastForward = m_cone.finite && e > 0.0 && e <= CKvMathKernel::EccentricSinhLimit && std::isfinite(f.C) &&
+                    std::isfinite(f.aOverN);
+    f.fastInverse = f.fastForward && std::isfinite(f.sinBetaApex) && std::isfinite(f.sinBetaPerRho2);
 }
 
 double CKvAlbersEqualAreaEllipsoid::_q(double phi) const
@@ -37,4 +86,38 @@ double CKvAlbersEqualAreaEllipsoid::_rho(double phi) const
 double CKvAlbersEqualAreaEllipsoid::_latitude(double rho) const
 {
     return CKvConformalLatitude::AuthalicLatitude(m_authalic, (m_C - rho * rho * m_n * m_n / (m_a * m_a)) / m_n);
+}
+
+void CKvAlbersEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (m_fast.fastForward && Forward(m_fast, lon, lat, *x, *y))
+        return;
+    CKvConicVariantT::Geo2Proj(lon, lat, x, y);
+}
+
+void CKvAlbersEqualAreaEllipsoid::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    if (m_fast.fastInverse && Inverse(m_fast, x, y, *lon, *lat))
+        return;
+    CKvConicVariantT::Proj2Geo(x, y, lon, lat);
+}
+
+void CKvAlbersEqualAreaEllipsoid::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                           std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                           std::size_t yStride) const
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fastForward, n, lon, lonStride, lat, latStride, x,
+                               xStride, y, yStride, [this](double a, double b, double* u, double* v) {
+                                   CKvConicVariantT::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvAlbersEqualAreaEllipsoid::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                           std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                           std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fastInverse, n, x, xStride, y, yStride, lon, lonStride,
+                               lat, latStride, [this](double a, double b, double* u, double* v) {
+                                   CKvConicVariantT::Proj2Geo(a, b, u, v);
+                               });
 }

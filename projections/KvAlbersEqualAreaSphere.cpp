@@ -1,6 +1,40 @@
 #include "projections/KvAlbersEqualAreaSphere.h"
 
+#include "projections/KvBatch.h"
+
 #include <cmath>
+
+namespace {
+constexpr double kDeg = CKvAngle::Pi / 180.0;
+
+using SFigures = CKvAlbersEqualAreaSphere::SFigures;
+
+// Forward: the sine of the latitude without reduction. false: a latitude off
+// the sphere, a longitude difference to be reduced, a radicand below 0, not
+// finite; the general formulas take those.
+KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+{
+    const double radicand = f.C - f.twoN * CKvMathKernel::SinHalfPi(lat * kDeg);
+    const double rho = f.aOverN * std::sqrt(radicand);
+    const bool placed = CKvConicVariant::Place(f.cone, rho, lon - f.cone.lon0, x, y);
+    return placed & (std::fabs(lat) <= 90.0) & (radicand >= 0.0);
+}
+
+// Inverse: sin phi from the squared radius, with no square root, and asin by
+// the kernel. false: off the map (|sin phi| > 1), a longitude to be reduced,
+// not finite.
+KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
+{
+    double rho2;
+    const bool unplaced = CKvConicVariant::Unplace(f.cone, x, y, lon, rho2);
+    const double sinPhi = f.sinPhiApex - rho2 * f.sinPhiPerRho2;
+    lat = CKvMathKernel::Asin(sinPhi) * (1.0 / kDeg);
+    return unplaced & (std::fabs(sinPhi) <= 1.0);
+}
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
+} // namespace
 
 CKvAlbersEqualAreaSphere::CKvAlbersEqualAreaSphere(double phi1, double phi2, double lambda0, double phi0,
                                                    double falseEasting, double falseNorthing,
@@ -10,6 +44,16 @@ CKvAlbersEqualAreaSphere::CKvAlbersEqualAreaSphere(double phi1, double phi2, dou
     const double n = (std::sin(m_phi1) + std::sin(m_phi2)) / 2.0;
     m_C = std::cos(m_phi1) * std::cos(m_phi1) + 2.0 * n * std::sin(m_phi1);
     _setCone(n, m_a * std::sqrt(m_C - 2.0 * n * std::sin(m_phi0)) / n);
+
+    SFigures& f = m_fast;
+    f.cone = m_cone;
+    f.C = m_C;
+    f.twoN = 2.0 * n;
+    f.aOverN = m_a / n;
+    f.sinPhiApex = m_C / (2.0 * n);
+    f.sinPhiPerRho2 = n / (2.0 * m_a * m_a);
+    f.fast = m_cone.finite && m_a > 0.0 && std::isfinite(f.C) && std::isfinite(f.aOverN) &&
+             std::isfinite(f.sinPhiApex) && std::isfinite(f.sinPhiPerRho2);
 }
 
 double CKvAlbersEqualAreaSphere::_rho(double phi) const
@@ -21,4 +65,38 @@ double CKvAlbersEqualAreaSphere::_latitude(double rho) const
 {
     const double r = rho * m_n / m_a;
     return std::asin((m_C - r * r) / (2.0 * m_n));
+}
+
+void CKvAlbersEqualAreaSphere::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (m_fast.fast && Forward(m_fast, lon, lat, *x, *y))
+        return;
+    CKvConicVariantT::Geo2Proj(lon, lat, x, y);
+}
+
+void CKvAlbersEqualAreaSphere::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    if (m_fast.fast && Inverse(m_fast, x, y, *lon, *lat))
+        return;
+    CKvConicVariantT::Proj2Geo(x, y, lon, lat);
+}
+
+void CKvAlbersEqualAreaSphere::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                        std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                        std::size_t yStride) const
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n, lon, lonStride, lat, latStride, x, xStride, y,
+                               yStride, [this](double a, double b, double* u, double* v) {
+                                   CKvConicVariantT::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvAlbersEqualAreaSphere::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                        std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                        std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fast, n, x, xStride, y, yStride, lon, lonStride, lat,
+                               latStride, [this](double a, double b, double* u, double* v) {
+                                   CKvConicVariantT::Proj2Geo(a, b, u, v);
+                               });
 }

@@ -153,6 +153,31 @@ public:
         return (1.0 - authalic.e2) * sinPhi * (1.0 / (1.0 - z2) + AuthalicSeriesP(z2));
     }
 
+    // The geodetic latitude (radians) of the authalic latitude whose sine is
+    // sinBeta, |sinBeta| <= 1, for 0 < e <= CKvMathKernel::EccentricSinhLimit,
+    // by the inline kernels: AuthalicLatitude's series and Newton step on q,
+    // taken from the sine itself (the equal-area projections hold sin beta, and
+    // q / q_P would divide it again), beta = atan2(sin beta, cos beta). phi -
+    // beta stays below e^2 / 3 < SinCosSmallLimit, so that the sine and cosine
+    // of phi are always those of beta turned by the correction. At the poles,
+    // where q and its derivative both vanish from the step, no step is taken.
+    // Beyond +-1 and NaN give NaN.
+    static KVCART_ALWAYS_INLINE double AuthalicLatitudeKernel(const SAuthalic& authalic, double sinBeta)
+    {
+        const double cosBeta = std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta));
+        const double sin2Beta = 2.0 * sinBeta * cosBeta, cos2Beta = (cosBeta - sinBeta) * (cosBeta + sinBeta);
+        const double delta =
+            sin2Beta * (authalic.poly[0] + cos2Beta * (authalic.poly[1] + cos2Beta * authalic.poly[2]));
+        const double phi = CKvMathKernel::Atan2(sinBeta, cosBeta) + delta;
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(delta, sd, cd);
+        const double s = sinBeta * cd + cosBeta * sd, c = cosBeta * cd - sinBeta * sd;
+        const double w = 1.0 - authalic.e2 * s * s;
+        const double step =
+            (authalic.qPole * sinBeta - AuthalicQKernel(authalic, s)) * (w * w) / (2.0 * (1.0 - authalic.e2) * c);
+        return phi + (std::fabs(step) <= 1e-3 ? step : 0.0);
+    }
+
     // The meridian distance M(phi) = a (m0 phi + sum b_k sin 2k phi), and the
     // footpoint latitude of a distance (Snyder, eqs. 7-19 and 3-26: the rectifying
     // latitude mu = M / (a m0) and a series in e1 = n to n^4), which misses M by
@@ -183,6 +208,26 @@ public:
     // The footpoint latitude of M by the series alone, and polished by Newton's step.
     static double FootpointLatitude(const SMeridian& meridian, double distance);
     static double MeridianLatitude(const SMeridian& meridian, double distance);
+    // MeridianLatitude by the inline kernels, for a distance within a quarter
+    // meridian (|mu| <= pi/2) and e^2 <= 0.01: the footpoint's correction is then
+    // below 3n/2 <= 0.004, and the sine and cosine of 2phi are always those of
+    // 2mu turned by it. The Newton step divides once.
+    static KVCART_ALWAYS_INLINE double MeridianLatitudeKernel(const SMeridian& meridian, double distance)
+    {
+        const double mu = distance / (meridian.a * meridian.m0);
+        double s2Mu, c2Mu, v2Mu;
+        CKvMathKernel::SinCos(2.0 * mu, s2Mu, c2Mu, v2Mu);
+        const double delta = s2Mu * CKvMathKernel::Estrin<4>(c2Mu, meridian.footpoint);
+        const double phi = mu + delta;
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(2.0 * delta, sd, cd);
+        const double s = s2Mu * cd + c2Mu * sd, c = c2Mu * cd - s2Mu * sd;
+        // sin^2 phi = (1 - cos 2phi) / 2; the meridian's radius of curvature
+        // a (1 - e^2) / w^(3/2) multiplied out of the step's denominator.
+        const double w = 1.0 - meridian.e2 * (1.0 - c) / 2.0;
+        return phi + (distance - MeridianDistance(meridian, phi, s, c)) * (w * std::sqrt(w)) /
+                         (meridian.a * (1.0 - meridian.e2));
+    }
 
 private:
     // From m0 and the coefficients b_1..b_4 of sin 2k phi in M / a.

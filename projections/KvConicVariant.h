@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVCONICVARIANT_H
 
 #include "projections/KvAngle.h"
+#include "projections/KvMathKernel.h"
 #include "projections/KvVariant.h"
 
 #include <cmath>
@@ -17,6 +18,38 @@ public:
     // A box of 3 degrees around the origin, latitudes clamped at the poles.
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
     bool GetAnonymousEllipsoid(CKvEllipsoid& ellipsoid) const override;
+
+    // The cone's figures for the variants' fast paths, which compute one point
+    // with the inline math kernels and values chosen rather than branches, the
+    // same operations in the single-point calls and the vectorized batch loops.
+    struct SCone
+    {
+        double n = 0.0, nDeg = 0.0, invN = 0.0, sign = 1.0, rho0 = 0.0;
+        double FE = 0.0, FN = 0.0, lon0 = 0.0, lambda0 = 0.0;
+        bool finite = false; // every figure finite, n not 0
+    };
+    // The grid point of radius rho at d degrees of longitude from the central
+    // meridian; false for a difference to be reduced (or NaN).
+    static KVCART_ALWAYS_INLINE bool Place(const SCone& cone, double rho, double d, double& x, double& y)
+    {
+        double sinTheta, cosTheta, vTheta;
+        CKvMathKernel::SinCos(cone.nDeg * d, sinTheta, cosTheta, vTheta);
+        x = cone.FE + rho * sinTheta;
+        y = cone.FN + cone.rho0 - rho * cosTheta;
+        return std::fabs(d) <= 180.0;
+    }
+    // The longitude (degrees) of a grid point and its squared distance from the
+    // apex: (dx, dy) = rho (sin theta, cos theta), both turned round on a cone
+    // opening southwards. false for a longitude beyond +-180 (to be reduced),
+    // a point beyond 1e150 m (where the kernel's atan2 could overflow), NaN.
+    static KVCART_ALWAYS_INLINE bool Unplace(const SCone& cone, double x, double y, double& lon, double& rho2)
+    {
+        constexpr double ToDegrees = 180.0 / CKvAngle::Pi;
+        const double dx = x - cone.FE, dy = cone.rho0 - (y - cone.FN);
+        rho2 = dx * dx + dy * dy;
+        lon = (CKvMathKernel::Atan2(cone.sign * dx, cone.sign * dy) * cone.invN + cone.lambda0) * ToDegrees;
+        return (rho2 <= 1e300) & (std::fabs(lon) <= 180.0);
+    }
 
 protected:
     // Parallels, central meridian and origin latitude in degrees; FE and FN in metres.
@@ -34,6 +67,17 @@ protected:
         m_n = n;
         m_nDeg = n * CKvAngle::Pi / 180.0;
         m_rho0 = rho0;
+        m_cone.n = n;
+        m_cone.nDeg = m_nDeg;
+        m_cone.invN = 1.0 / n;
+        m_cone.sign = n >= 0.0 ? 1.0 : -1.0;
+        m_cone.rho0 = rho0;
+        m_cone.FE = m_FE;
+        m_cone.FN = m_FN;
+        m_cone.lon0 = m_lon0;
+        m_cone.lambda0 = m_lambda0;
+        m_cone.finite = n != 0.0 && std::isfinite(m_cone.invN) && std::isfinite(rho0) && std::isfinite(m_FE) &&
+                        std::isfinite(m_FN) && std::isfinite(m_lon0);
     }
 
     double m_a, m_invF;
@@ -42,6 +86,7 @@ protected:
     double m_lat0; // the origin latitude in degrees, as given
     double m_n = 0.0, m_rho0 = 0.0;
     double m_nDeg = 0.0; // n per degree of longitude
+    SCone m_cone;
 };
 
 // The cone's mapping for a final variant class TVariant, which names this class

@@ -360,6 +360,15 @@ public:
         return std::copysign(turned, y);
     }
 
+    // asin x for |x| <= 1 as atan2(x, sqrt(1 - x^2)), the root's argument taken
+    // as (1 - x)(1 + x), whose factors are exact from |x| >= 1/2 on (Sterbenz), so
+    // that no cancellation is left near the poles: within a few units in the last
+    // place, one division. +-1 give +-pi/2; beyond them, and NaN, NaN.
+    static KVCART_ALWAYS_INLINE double Asin(double x)
+    {
+        return Atan2(x, std::sqrt((1.0 - x) * (1.0 + x)));
+    }
+
 private:
     static KVCART_ALWAYS_INLINE std::uint64_t _bits(double x)
     {

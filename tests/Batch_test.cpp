@@ -679,3 +679,53 @@ TEST(Batch, AuthalicQKernelAgainstLongDouble)
         EXPECT_EQ(CKvConformalLatitude::AuthalicQKernel(authalic, 0.0), 0.0);
     }
 }
+
+// The inverse kernels: asin against libm over [-1, 1] up to the ends; the
+// geodetic latitude of an authalic sine that long double q (Snyder's eq. 3-12)
+// gives for a known latitude, and of a meridian distance from Helmert's series,
+// back to that latitude; the poles, and beyond them NaN.
+TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
+{
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    double worst = 0.0;
+    for (int i = -100000; i <= 100000; ++i) {
+        const double x = i * 1e-5, y = 1.0 - std::ldexp(1.0, -(std::abs(i) % 53)) * (i < 0 ? -1.0 : 1.0);
+        for (double t : {x, y, -y})
+            if (t != 0.0)
+                worst = std::fmax(worst, std::fabs(CKvMathKernel::Asin(t) - std::asin(t)) / std::fabs(std::asin(t)));
+    }
+    EXPECT_LE(worst, 4.5e-16);
+    EXPECT_EQ(CKvMathKernel::Asin(1.0), 1.5707963267948966);
+    EXPECT_EQ(CKvMathKernel::Asin(-1.0), -1.5707963267948966);
+    EXPECT_TRUE(std::isnan(CKvMathKernel::Asin(1.0 + 1e-15)) && std::isnan(CKvMathKernel::Asin(nan)));
+
+    constexpr long double Deg = 3.14159265358979323846264338327950288L / 180;
+    for (double e : {0.0818191910428158, 0.0822688893, 0.1}) {
+        const CKvConformalLatitude::SAuthalic authalic = CKvConformalLatitude::MakeAuthalic(e);
+        const CKvConformalLatitude::SMeridian meridian = CKvConformalLatitude::MakeMeridian(6378137.0, e * e);
+        const long double le = e;
+        auto q = [le](long double s) { return (1 - le * le) * (s / (1 - le * le * s * s) + std::atanh(le * s) / le); };
+        double worstBeta = 0.0, worstM = 0.0;
+        for (int i = -8990; i <= 8990; ++i) {
+            const long double phi = i * 0.01L * Deg;
+            const double sinBeta = static_cast<double>(q(std::sin(phi)) / q(1.0L));
+            const double back = CKvConformalLatitude::AuthalicLatitudeKernel(authalic, sinBeta);
+            // A rounding of sin beta moves phi by up to 1.1e-16 / cos beta: the
+            // error is weighed by the cosine.
+            worstBeta = std::fmax(worstBeta, static_cast<double>(std::fabs(back - phi) * std::cos(phi)));
+            const double m = CKvConformalLatitude::MeridianDistance(meridian, static_cast<double>(phi));
+            worstM = std::fmax(worstM, static_cast<double>(std::fabs(
+                                           CKvConformalLatitude::MeridianLatitudeKernel(meridian, m) - phi)));
+        }
+        EXPECT_LE(worstBeta, 8e-16) << e;
+        EXPECT_LE(worstM, 1e-15) << e;
+        EXPECT_EQ(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, 0.0), 0.0);
+        EXPECT_NEAR(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, 1.0), 1.5707963267948966, 1e-16);
+        EXPECT_NEAR(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, -1.0), -1.5707963267948966, 1e-16);
+        EXPECT_TRUE(std::isnan(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, 1.0 + 1e-15)));
+        EXPECT_TRUE(std::isnan(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, nan)));
+        const double quarter = CKvConformalLatitude::MeridianDistance(meridian, 1.5707963267948966);
+        EXPECT_NEAR(CKvConformalLatitude::MeridianLatitudeKernel(meridian, quarter), 1.5707963267948966, 1e-15);
+        EXPECT_TRUE(std::isnan(CKvConformalLatitude::MeridianLatitudeKernel(meridian, nan)));
+    }
+}
