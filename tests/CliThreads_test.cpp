@@ -3,7 +3,7 @@
 // threads and the lines of a block, on inputs holding every kind of line the
 // program reads and marks, across several inputs, and when reading or writing
 // fails part way.
-#include "TestSupport.h"
+#include "ProgramRun.h"
 #include "tools/kvcart/KvPointStream.h"
 
 #include "geodesy/KvDatumConverter.h"
@@ -322,27 +322,10 @@ TEST(PointStreamThreads, AMillionLines)
 
 namespace {
 
-std::string Quote(const std::string& arg)
+SResult Program(const kvtest::TempDir& dir, const std::vector<std::string>& args, const std::string& input = "")
 {
-    std::string quoted = "'";
-    for (char c : arg)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-SResult Program(const kvtest::TempDir& dir, const std::vector<std::string>& args)
-{
-    std::string command = "cd " + Quote(dir.Path()) + " && XDG_CONFIG_HOME=" + Quote(dir.Path() + "config") + " " +
-                          Quote(KVCART_CLI);
-    for (const std::string& arg : args)
-        command += " " + Quote(arg);
-    command += " < stdin.txt > stdout.txt 2> stderr.txt";
-    SResult run;
-    const int raw = std::system(command.c_str());
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.out = kvtest::ReadFile(dir.File("stdout.txt"));
-    run.err = kvtest::ReadFile(dir.File("stderr.txt"));
-    return run;
+    const kvtest::SRun run = kvtest::Kvcart(dir, args, &input);
+    return {run.status, run.out, run.err};
 }
 
 } // namespace
@@ -354,22 +337,22 @@ TEST(CliThreads, ThreadsOptionGivesOneThreadsOutput)
 {
     kvtest::TempDir dir;
     kvtest::WriteFile(dir.File("a.txt"), "lon lat\n" + MixedLines(9000, 10));
-    kvtest::WriteFile(dir.File("stdin.txt"), MixedLines(5000, 11, true));
+    const std::string piped = MixedLines(5000, 11, true);
     const std::vector<std::string> utm = {"transform", "LONG/LAT", "UTM-32", "a.txt", "-", "missing.txt", "a.txt"};
     std::vector<std::string> one = utm;
     one.push_back("--threads=1");
-    const SResult single = Program(dir, one);
+    const SResult single = Program(dir, one, piped);
     EXPECT_EQ(single.status, 1);
     EXPECT_NE(single.err.find("a.txt:1: line 1 holds no coordinates"), std::string::npos);
     for (const char* threads : {"2", "3", "8"}) {
         std::vector<std::string> args = utm;
         args.insert(args.end(), {"--threads", threads});
-        ExpectSame(Program(dir, args), single, std::string("UTM-32, threads ") + threads);
+        ExpectSame(Program(dir, args, piped), single, std::string("UTM-32, threads ") + threads);
     }
-    ExpectSame(Program(dir, utm), single, "UTM-32, the default threads");
+    ExpectSame(Program(dir, utm, piped), single, "UTM-32, the default threads");
     std::vector<std::string> quiet = utm;
     quiet.push_back("--no-progress");
-    ExpectSame(Program(dir, quiet), single, "UTM-32, no progress line");
+    ExpectSame(Program(dir, quiet, piped), single, "UTM-32, no progress line");
 
     std::string british;
     for (int i = 0; i < 6000; ++i)

@@ -1,7 +1,7 @@
 // The kvcart program run as a user runs it: arguments, standard input or
 // files, standard output and error, the exit status. Reference coordinates come
 // from PROJ (cs2cs, geod) on the same points.
-#include "TestSupport.h"
+#include "ProgramRun.h"
 #include "tools/kvcart/KvPointStream.h"
 
 #include "geodesy/KvDatumConverter.h"
@@ -20,55 +20,10 @@
 
 namespace {
 
-struct SRun
-{
-    int status = -1;
-    std::string out, err;
-    std::vector<std::string> OutLines() const
-    {
-        std::vector<std::string> lines;
-        std::istringstream in(out);
-        for (std::string line; std::getline(in, line);)
-            lines.push_back(line);
-        return lines;
-    }
-};
-
-std::string Quote(const std::string& arg)
-{
-    std::string quoted = "'";
-    for (char c : arg)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-// Runs the program in dir with XDG_CONFIG_HOME there, so that the default user
-// directory is the test's own; input, when given, is standard input.
-SRun Kvcart(const kvtest::TempDir& dir, const std::vector<std::string>& args, const std::string* input = nullptr)
-{
-    std::string command = "cd " + Quote(dir.Path()) + " && XDG_CONFIG_HOME=" + Quote(dir.Path() + "config") + " " +
-                          Quote(KVCART_CLI);
-    for (const std::string& arg : args)
-        command += " " + Quote(arg);
-    if (input != nullptr) {
-        kvtest::WriteFile(dir.File("stdin.txt"), *input);
-        command += " < stdin.txt";
-    } else {
-        command += " < /dev/null";
-    }
-    command += " > stdout.txt 2> stderr.txt";
-    SRun run;
-    const int raw = std::system(command.c_str());
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.out = kvtest::ReadFile(dir.File("stdout.txt"));
-    run.err = kvtest::ReadFile(dir.File("stderr.txt"));
-    return run;
-}
-
-SRun Kvcart(const kvtest::TempDir& dir, const std::vector<std::string>& args, const std::string& input)
-{
-    return Kvcart(dir, args, &input);
-}
+using kvtest::Kvcart;
+using kvtest::Quote;
+using kvtest::Shell;
+using kvtest::SRun;
 
 const char kOsgb36Wkt[] =
     "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\","
@@ -545,17 +500,6 @@ std::vector<double> Numbers(const std::string& line)
     return values;
 }
 
-// A shell command run in dir, standard output and error kept; the status of sh.
-SRun Shell(const kvtest::TempDir& dir, const std::string& command)
-{
-    SRun run;
-    const int raw = std::system(("cd " + Quote(dir.Path()) + " && { " + command + " ; } > stdout.txt 2> stderr.txt")
-                                    .c_str());
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.out = kvtest::ReadFile(dir.File("stdout.txt"));
-    run.err = kvtest::ReadFile(dir.File("stderr.txt"));
-    return run;
-}
 
 } // namespace
 

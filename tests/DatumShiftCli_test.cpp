@@ -2,7 +2,7 @@
 // the program's answers against PROJ through the same transformation
 // (tests/data/catalogue_shift_vectors.txt, tools/make_catalogue_shift_vectors.py),
 // the convention of a pasted shift, and the warning for a shift that is not known.
-#include "TestSupport.h"
+#include "ProgramRun.h"
 
 #include <gtest/gtest.h>
 
@@ -17,35 +17,8 @@
 
 namespace {
 
-struct SRun
-{
-    int status = -1;
-    std::string out, err;
-};
-
-std::string Quote(const std::string& arg)
-{
-    std::string quoted = "'";
-    for (char c : arg)
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
-}
-
-SRun Kvcart(const kvtest::TempDir& dir, const std::vector<std::string>& args, const std::string& input = "")
-{
-    kvtest::WriteFile(dir.File("stdin.txt"), input);
-    std::string command =
-        "cd " + Quote(dir.Path()) + " && XDG_CONFIG_HOME=" + Quote(dir.Path() + "config") + " " + Quote(KVCART_CLI);
-    for (const std::string& arg : args)
-        command += " " + Quote(arg);
-    command += " < stdin.txt > stdout.txt 2> stderr.txt";
-    SRun run;
-    const int raw = std::system(command.c_str());
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.out = kvtest::ReadFile(dir.File("stdout.txt"));
-    run.err = kvtest::ReadFile(dir.File("stderr.txt"));
-    return run;
-}
+using kvtest::Kvcart;
+using kvtest::SRun;
 
 int Count(const std::string& text, const std::string& what)
 {

@@ -97,6 +97,7 @@ private:
 #endif
 
 #include "catalogue/KvCartSetup.h"
+#include "catalogue/KvEpsgRegistry.h"
 #include "catalogue/KvMapProjData.h"
 #include "coordsys/KvMapProjection.h"
 #include "interface/KvCart.h"
@@ -189,6 +190,17 @@ public:
 
 private:
     bool m_before;
+};
+
+// Reads texts for a scope as a host without the EPSG registry does: no datum
+// shift or code is taken from it, whether or not a catalogue is set up.
+class WithoutRegistry
+{
+public:
+    WithoutRegistry() { CKvEpsgRegistry::Instance().UseFile("/nonexistent/epsg_registry.txt"); }
+    ~WithoutRegistry() { CKvEpsgRegistry::Instance().UseFile(""); }
+    WithoutRegistry(const WithoutRegistry&) = delete;
+    WithoutRegistry& operator=(const WithoutRegistry&) = delete;
 };
 
 // A definition's parameters in stored order.
