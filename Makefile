@@ -51,16 +51,17 @@ test-tsan: deps
 # (bench/cli_bench.py; CLI_BENCH_ARGS passes its options, such as
 # CLI_BENCH_ARGS=--points=100000). Then the Python package beside
 # pyproj and the C batch function (python/bench.py; PY_BENCH_ARGS passes its
-# options, such as PY_BENCH_ARGS=--no-dask). Last, the summary: the table of
+# options, such as PY_BENCH_ARGS=--no-dask). Last, the summary: one table of
 # every engine (per point and batch, forward and inverse, beside PROJ) and the
-# program's table, as the README keeps them.
+# program (one thread beside cs2cs, cct and its identity run; the default
+# threads as its batch), as the README keeps it.
 bench: deps
 	$(CMAKE) -S . -B $(BENCH_BUILD) -DCMAKE_BUILD_TYPE=Release -DKVCART_BENCH=ON -DKVCART_TESTS=OFF
 	$(CMAKE) --build $(BENCH_BUILD) -j $(JOBS)
 	$(BENCH_BUILD)/bench/kvcart_bench --benchmark_repetitions=3 --benchmark_report_aggregates_only=true \
 		--table_out=$(BENCH_BUILD)/engines-table.md $(BENCH_ARGS)
 	/usr/bin/python3 bench/cli_bench.py --kvcart $(BENCH_BUILD)/kvcart --table-out $(BENCH_BUILD)/program-table.md \
-		$(CLI_BENCH_ARGS)
+		--summary-rows-out $(BENCH_BUILD)/program-rows.md $(CLI_BENCH_ARGS)
 	@if [ -d $(BENCH_BUILD)/python/kvcart ]; then \
 		PYTHONPATH=$(BENCH_BUILD)/python KVCART_USER_DIR=$(BENCH_BUILD)/python-user/ \
 			$$(sed -n 's/^Python3_EXECUTABLE:FILEPATH=//p' $(BENCH_BUILD)/CMakeCache.txt) python/bench.py \
@@ -68,7 +69,7 @@ bench: deps
 	fi
 	@echo; echo "Summary: every engine per point and batch beside PROJ's proj_trans, and the program beside cs2cs and cct"
 	@cat $(BENCH_BUILD)/engines-table.md 2>/dev/null || echo "(no engine rows in this run)"
-	@echo; cat $(BENCH_BUILD)/program-table.md
+	@cat $(BENCH_BUILD)/program-rows.md
 
 # libFuzzer under ASan and UBSan (clang): any crash, hang (10 s), leak or sanitizer
 # report fails. New inputs go to a scratch corpus; the committed seeds stay as they are.

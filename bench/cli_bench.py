@@ -90,6 +90,10 @@ def main():
     parser.add_argument("--points", type=int, default=1000000)
     parser.add_argument("--repeat", type=int, default=3)
     parser.add_argument("--table-out", help="also write the table (markdown) to this file")
+    parser.add_argument("--summary-rows-out",
+                        help="write the program's rows for the engine table of make bench's summary (same columns: "
+                             "nanoseconds per point, ours beside the named reference, the ratio, and the default "
+                             "threads' speed-up over one thread)")
     args = parser.parse_args()
     kvcart = os.path.abspath(args.kvcart)
     for tool in ("cs2cs", "cct"):
@@ -148,6 +152,25 @@ def main():
     if args.table_out:
         with open(args.table_out, "w") as f:
             f.write("\n".join(out) + "\n")
+    if args.summary_rows_out:
+        with open(args.summary_rows_out, "w") as f:
+            f.write(summary_rows(results, args.points))
+
+
+def summary_rows(results, points):
+    """The program as rows of the engine table: forward by one thread, beside
+    cs2cs, cct and the identity run, then by the default threads with its
+    speed-up; nanoseconds per point, file to file."""
+    ns = {name: seconds / points * 1e9 for name, (seconds, _, _, _) in results.items()}
+    one, default = ns["kvcart transform --threads 1"], ns["kvcart transform (default threads)"]
+    rows = []
+    for label, reference in (("cs2cs", "cs2cs -f %.4f"), ("cct", "cct -z0 -t0"),
+                             ("its identity run (reading and writing only)", "kvcart identity LONG/LAT LONG/LAT")):
+        theirs = ns[reference]
+        rows.append("| Program: kvcart transform, %g M points LONG/LAT to UTM-32, beside %s | %.1f | %.1f | %.2f "
+                    "| %.1f | %.1f | – | – | – | – | – |" %
+                    (points / 1e6, label, one, theirs, one / theirs, default, one / default))
+    return "\n".join(rows) + "\n"
 
 
 if __name__ == "__main__":
