@@ -10,6 +10,20 @@ constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
 constexpr double kSqrt2 = 1.4142135623730951;
 
+// The starts of the forward's Newton step, written by tools/make_mollweide_start.py:
+// theta / phi as a polynomial in x = phi^2 kThetaScale - 1 for sin phi <=
+// kStartLimit, and v / r as one in r^2 kPoleScale - 1 beyond (see
+// CKvMollweide::_theta).
+constexpr double kStartLimit = 0.9;
+constexpr double kThetaScale = 1.595044176408236;
+constexpr double kTheta[10] = {0.8071083293494978,    0.024690655628920963,  0.003524299767826554,
+                               0.0006603581414014181, 0.00014413638909462341, 3.450450053020803e-05,
+                               8.63428531208132e-06,  2.278652769627244e-06, 7.88912011273624e-07,
+                               2.2849734175878212e-07};
+constexpr double kPoleScale = 1.3106777098062208;
+constexpr double kPole[6] = {1.0131503788618736,     0.013604144194749496,  0.0004742087864167202,
+                             2.1490417089531366e-05, 1.1080747969322013e-06, 6.121887907717391e-08};
+
 // v - sin v without the cancellation of the difference: by its Taylor series,
 // v^3 / 3! - v^5 / 5! + ... to v^17 (remainder below 1e-17 relative), for
 // v < 1; directly beyond (sinV = sin v), where sin v < 0.85 v keeps at least a
@@ -36,47 +50,52 @@ CKvMollweide::CKvMollweide(const std::string& name, const double* parameters, co
     const bool usable = a > 0.0 && std::isfinite(a) && std::isfinite(m_lon0) && std::isfinite(m_FE) &&
                         std::isfinite(m_FN);
     m_R = usable ? a : std::nan("");
+    m_invY = 1.0 / (kSqrt2 * m_R);
+    m_invX = kPi / (2.0 * kSqrt2 * m_R * kDeg);
 }
 
 void CKvMollweide::_theta(double lat, double* sinTheta, double* cosTheta)
 {
     const double phi = std::fabs(lat) * kDeg;
-    const double s = std::sin(phi);
+    // The sines and cosines by the library's inline kernel (one reduction for
+    // both, within an ulp).
+    double s, cosPhi, versine;
+    CKvMathKernel::SinCos(phi, s, cosPhi, versine);
     double st, ct;
-    if (s <= 0.8) {
-        // u = 2 |theta|: u + sin u = pi s, with 1 + cos u >= 1.06 here, from
-        // the root of 2u - u^3 / 6 = pi s. Newton's method squares the error:
-        // after a step below 1e-9 what is left is below 1e-17.
-        const double k = kPi * s, h = k / 2.0;
-        double u = h + h * h * h / 12.0;
-        // The sines and cosines by the library's inline kernel (one reduction
-        // for both, within an ulp).
-        double su, cu, versine;
-        for (int i = 0; i < 10; ++i) {
-            CKvMathKernel::SinCos(u, su, cu, versine);
-            const double step = (u + su - k) / (1.0 + cu);
-            u -= step;
-            if (std::fabs(step) < 1e-9)
-                break;
-        }
-        CKvMathKernel::SinCos(u / 2.0, st, ct, versine);
+    if (s <= kStartLimit) {
+        // 2 theta + sin 2 theta = pi s from the start theta0 = phi P(phi^2),
+        // within 1.7e-10 of the root: one Newton step in u = 2 theta, whose
+        // derivative 1 + cos u = 2 cos^2 theta stays above 0.7 here and whose
+        // second derivative -sin u is at most 1 in size, leaves at most
+        // (3.4e-10)^2 / 1.4 < 1e-19 in u. The sines of the root follow from
+        // those of the start by the addition formulas.
+        const double theta = phi * CKvMathKernel::Estrin<10>(phi * phi * kThetaScale - 1.0, kTheta);
+        double sn, cs;
+        CKvMathKernel::SinCos(theta, sn, cs, versine);
+        const double step = -(2.0 * theta + 2.0 * sn * cs - kPi * s) / (4.0 * cs * cs);
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(step, sd, cd);
+        st = sn * cd + cs * sd;
+        ct = cs * cd - sn * sd;
+    } else if (std::fabs(lat) == 90.0) {
+        st = 1.0; // the pole itself, v = 0
+        ct = 0.0;
     } else {
-        // v = pi - 2 |theta|: v - sin v = pi (1 - s) = pi cos^2 phi / (1 + s),
-        // whose root starts as the cube root of 6 C; the next term of the series,
-        // v^5 / 120, gives the factor (1 + v^2 / 60). The pole itself is v = 0.
-        const double c = std::fabs(lat) == 90.0 ? 0.0 : std::cos(phi);
-        const double C = kPi * c * c / (1.0 + s);
-        const double v0 = std::cbrt(6.0 * C);
-        double v = v0 * (1.0 + v0 * v0 / 60.0);
-        double h, hc, versine;
-        for (int i = 0; i < 10 && v > 0.0; ++i) {
-            CKvMathKernel::SinCos(v / 2.0, h, hc, versine);
-            const double step = (VMinusSinV(v, 2.0 * h * hc) - C) / (2.0 * h * h);
-            v -= step;
-            if (std::fabs(step) <= 1e-9 * v) // what is left: some 1e-18 v
-                break;
-        }
-        CKvMathKernel::SinCos(v / 2.0, ct, st, versine);
+        // v = pi - 2 |theta|: v - sin v = C = pi (1 - s) = pi cos^2 phi / (1 + s),
+        // from the start v0 = r Q(r^2), r = (6 C)^(1/3), within 1.1e-10 v of the
+        // root. Newton's step leaves cot(v / 2) / 2 e^2 < e^2 / v of an error e:
+        // some 1e-20 v. The sines of v / 2 after the step by the addition
+        // formulas, as above.
+        const double C = kPi * cosPhi * cosPhi / (1.0 + s);
+        const double r = CKvMathKernel::Exp(CKvMathKernel::Log(6.0 * C) * (1.0 / 3.0));
+        const double v = r * CKvMathKernel::Estrin<6>(r * r * kPoleScale - 1.0, kPole);
+        double h, hc;
+        CKvMathKernel::SinCos(v / 2.0, h, hc, versine);
+        const double step = -(VMinusSinV(v, 2.0 * h * hc) - C) / (4.0 * h * h); // in v / 2
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(step, sd, cd);
+        ct = h * cd + hc * sd; // cos theta = sin(v / 2)
+        st = hc * cd - h * sd; // sin |theta| = cos(v / 2)
     }
     *sinTheta = lat < 0.0 ? -st : st;
     *cosTheta = ct;
@@ -97,7 +116,7 @@ void CKvMollweide::Geo2Proj(double lon, double lat, double* x, double* y) const
 
 void CKvMollweide::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    double Y = (y - m_FN) / (kSqrt2 * m_R);
+    const double Y = (y - m_FN) * m_invY;
     if (!(std::fabs(Y) <= 1.0 + 1e-15) || !std::isfinite(x)) {
         *lon = *lat = std::nan("");
         return;
@@ -107,22 +126,25 @@ void CKvMollweide::Proj2Geo(double x, double y, double* lon, double* lat) const
     // Along the parallel, cos theta: at the pole every x but the centre's is off
     // the map.
     const double dx = x - m_FE;
-    const double lambdaDeg = dx == 0.0 ? 0.0 : kPi * dx / (2.0 * kSqrt2 * m_R * cosTheta) / kDeg;
+    const double lambdaDeg = dx == 0.0 ? 0.0 : dx * m_invX / cosTheta;
     if (!(std::fabs(lambdaDeg) <= 180.0 + 1e-9)) {
         *lon = *lat = std::nan("");
         return;
     }
     double phi;
+    // The arcs by the inline kernel's atan2 of a sine and a cosine (within an
+    // ulp or two of libm's).
     if (absY <= 0.5) {
-        const double theta = std::asin(absY);
-        phi = std::asin((2.0 * theta + 2.0 * absY * cosTheta) / kPi);
+        const double theta = CKvMathKernel::Atan2(absY, cosTheta);
+        const double z = (2.0 * theta + 2.0 * absY * cosTheta) * (1.0 / kPi);
+        phi = CKvMathKernel::Atan2(z, std::sqrt((1.0 - z) * (1.0 + z)));
     } else {
         // Near the pole through v = pi - 2 theta: 1 - sin phi = (v - sin v) / pi,
-        // and phi from its sine and cosine, which keeps the digits that an arc
-        // sine of a number close to 1 would lose.
-        const double v = 2.0 * std::atan2(cosTheta, absY);
-        const double d = VMinusSinV(v, std::sin(v)) / kPi;
-        phi = std::atan2(1.0 - d, std::sqrt(d * (2.0 - d)));
+        // sin v = 2 sin theta cos theta, and phi from its sine and cosine, which
+        // keeps the digits that an arc sine of a number close to 1 would lose.
+        const double v = 2.0 * CKvMathKernel::Atan2(cosTheta, absY);
+        const double d = VMinusSinV(v, 2.0 * absY * cosTheta) * (1.0 / kPi);
+        phi = CKvMathKernel::Atan2(1.0 - d, std::sqrt(d * (2.0 - d)));
     }
     *lat = (Y < 0.0 ? -phi : phi) / kDeg;
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);

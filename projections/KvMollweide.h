@@ -46,6 +46,8 @@ private:
 
     double m_lon0, m_FE, m_FN;
     double m_R; // the sphere's radius, a (NaN: no map)
+    // The inverse's scales: 1 / (sqrt 2 R), and pi / (2 sqrt 2 R) per degree.
+    double m_invY, m_invX;
 };
 
 #endif
