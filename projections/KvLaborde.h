@@ -60,6 +60,8 @@ private:
     double m_B, m_C, m_R; // m_R NaN: no map
     double m_sinPhiS, m_cosPhiS;
     double m_Gre, m_Gim; // G
+    // phi from the isometric latitude (Karney's series where it holds).
+    CKvConformalLatitude::SInverse m_inverse;
 };
 
 #endif
