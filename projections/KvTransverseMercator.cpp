@@ -43,11 +43,37 @@ void CKvTransverseMercator::_init(double k0, double centralMeridian, double orig
     if (GetName()[0] == '\0')
         _setName(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eNonUTM));
     m_bLocal = CKvMapProjection::IsLocal(GetName());
+
+    SFigures& f = m_fast;
+    f.lambda0 = m_lambda0;
+    f.R = _radius();
+    f.invR = 1.0 / f.R;
+    f.FE = m_FE;
+    // sum c_k sin 2kx = sin 2x (c1 U0 + c2 U1 + c3 U2 + c4 U3)(cos 2x), with
+    // Chebyshev's U1(c) = 2c, U2(c) = 4c^2 - 1 and U3(c) = 8c^3 - 4c.
+    const auto chebyshev = [](const double* c, double* poly) {
+        poly[0] = c[1] - c[3];
+        poly[1] = 2.0 * c[2] - 4.0 * c[4];
+        poly[2] = 4.0 * c[3];
+        poly[3] = 8.0 * c[4];
+    };
+    chebyshev(m_cbg, f.cbg);
+    chebyshev(m_cgb, f.cgb);
+    for (int k = 0; k < 4; ++k) {
+        f.gtu[k] = m_gtu[k + 1];
+        f.gut[k] = m_gut[k + 1];
+    }
+    f.fast = !m_bLocal && std::isfinite(f.R) && f.R > 0.0 && std::isfinite(f.invR) && std::isfinite(m_FE) &&
+             std::isfinite(m_FN) && std::isfinite(m_lambda0) && m_n >= 0.0 && m_n < 0.01;
+    // The origin's northing, by the path its points take.
     m_y0 = 0.0;
     if (m_phi0 != 0.0) {
         double x0;
-        _Geo2Proj(m_lambda0, m_phi0, m_FE, 0.0, &x0, &m_y0);
+        if (!(f.fast && Forward<false>(f, m_lambda0, m_phi0, x0, m_y0)))
+            _Geo2Proj(m_lambda0, m_phi0, m_FE, 0.0, &x0, &m_y0);
     }
+    f.FN = m_FN;
+    f.y0 = m_y0;
 }
 
 void CKvTransverseMercator::_Coeffs()
@@ -86,26 +112,6 @@ double CKvTransverseMercator::_Csin(const double* c, int count, double sinX, dou
         b1 = b;
     }
     return b1 * sinX;
-}
-
-void CKvTransverseMercator::_Cksin(const double* c, int count, double sinU, double cosU, double sinhV, double coshV,
-                                   double& du, double& dv)
-{
-    // 2 cos(u + iv) = 2 cos u cosh v - 2i sin u sinh v
-    const double r = 2.0 * cosU * coshV, i = -2.0 * sinU * sinhV;
-    double b1r = 0.0, b1i = 0.0, b2r = 0.0, b2i = 0.0;
-    for (int k = count; k >= 1; --k) {
-        const double br = c[k] + r * b1r - i * b1i - b2r;
-        const double bi = r * b1i + i * b1r - b2i;
-        b2r = b1r;
-        b2i = b1i;
-        b1r = br;
-        b1i = bi;
-    }
-    // times sin(u + iv) = sin u cosh v + i cos u sinh v
-    const double sr = sinU * coshV, si = cosU * sinhV;
-    du = b1r * sr - b1i * si;
-    dv = b1r * si + b1i * sr;
 }
 
 namespace {
@@ -168,7 +174,7 @@ void CKvTransverseMercator::_Geo2Proj(double lon, double lat, double X0, double 
     const double v = std::atanh(w);
     const double r2 = num * num + den * den, oneMinusW2 = (1.0 - w) * (1.0 + w);
     double du, dv;
-    _Cksin(m_gtu, 4, 2.0 * num * den / r2, (den - num) * (den + num) / r2, 2.0 * w / oneMinusW2,
+    ComplexSinSum(m_gtu + 1, 2.0 * num * den / r2, (den - num) * (den + num) / r2, 2.0 * w / oneMinusW2,
            (1.0 + w * w) / oneMinusW2, du, dv);
     const double yP = R * (u + du);
     *x = X0 + R * (v + dv);
@@ -194,7 +200,7 @@ void CKvTransverseMercator::_Proj2Geo(double x, double y, double X0, double Y0, 
     double du, dv, sin2U, cos2U, sinh2V, cosh2V;
     CKvMathKernel::SinCosAny(2.0 * u, sin2U, cos2U);
     SinhCosh(2.0 * v, sinh2V, cosh2V);
-    _Cksin(m_gut, 4, sin2U, cos2U, sinh2V, cosh2V, du, dv);
+    ComplexSinSum(m_gut + 1, sin2U, cos2U, sinh2V, cosh2V, du, dv);
     u += du;
     v += dv;
     // dl = atan2(sinh v, cos u) and chi = atan2(sin u cos dl, cos u); cos dl is
@@ -236,12 +242,16 @@ void CKvTransverseMercator::_Proj2Geo(double x, double y, double X0, double Y0, 
 
 void CKvTransverseMercator::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (m_fast.fast && Forward<false>(m_fast, lon, lat, *x, *y))
+        return;
     _Geo2Proj(lon, lat, m_FE, m_FN, x, y);
     *y -= m_y0;
 }
 
 void CKvTransverseMercator::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    if (m_fast.fast && Inverse<false>(m_fast, x, y, *lon, *lat))
+        return;
     _Proj2Geo(x, y + m_y0, m_FE, m_FN, lon, lat);
 }
 
