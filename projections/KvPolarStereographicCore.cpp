@@ -1,5 +1,8 @@
 #include "projections/KvPolarStereographicCore.h"
 
+#include "projections/KvBatch.h"
+#include "projections/KvProjection.h"
+
 #include <cmath>
 
 namespace {
@@ -13,42 +16,45 @@ double EccentricityTerm(double e)
     return std::sqrt(std::pow(1.0 + e, 1.0 + e) * std::pow(1.0 - e, 1.0 - e));
 }
 
-// Beyond this t (a point some 1e100 radii out) the closed forms of the inverse
-// would square it out of range; the general formulas take it, down to t = inf.
-constexpr double kLargestSeriesT = 1e100;
-
 } // namespace
 
 CKvPolarStereographicCore CKvPolarStereographicCore::AtPole(double a, double e, int pole, double k0, double lambda0,
                                                             double falseEasting, double falseNorthing)
 {
     CKvPolarStereographicCore core;
-    core.m_a = a;
-    core.m_e = e;
+    SFigures& f = core.m_f;
     core.m_pole = pole >= 0 ? 1 : -1;
-    core.m_sign = core.m_pole;
     core.m_k0 = k0;
-    core.m_lambda0 = lambda0;
-    core.m_FE = falseEasting;
-    core.m_FN = falseNorthing;
-    core.m_scaleTerm = 2.0 * a * k0 / EccentricityTerm(e);
+    f.e = e;
+    f.sign = core.m_pole;
+    f.lambda0 = lambda0;
+    f.FE = falseEasting;
+    f.FN = falseNorthing;
+    f.scaleTerm = 2.0 * a * k0 / EccentricityTerm(e);
     // No map on a figure that is none (an unknown ellipsoid, a <= 0, e >= 1) or with
     // a scale that is not positive: NaN for every point rather than the false
     // origin (a = 0) or a mirrored map.
     if (!(a > 0.0 && std::isfinite(a) && e >= 0.0 && e < 1.0 && k0 > 0.0 && std::isfinite(k0)))
-        core.m_scaleTerm = std::nan("");
+        f.scaleTerm = std::nan("");
     // f(z) = ((1 + z) / (1 - z))^(e/2) = sum c_k z^k: f' (1 - z^2) = e f gives
     // (k + 1) c_{k+1} = e c_k + (k - 1) c_{k-1}, from c_0 = 1 and c_1 = e. The
     // coefficients are about e / k (odd k) and e^2 / k (even k), so that for
     // |z| <= e <= 0.1 the terms from z^16 on sum to less than 2e-19 of f.
-    core.m_expSeries = e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit;
-    if (core.m_expSeries) {
-        core.m_exp[0] = 1.0;
-        core.m_exp[1] = e;
-        for (int k = 1; k + 1 < kExpTerms; ++k)
-            core.m_exp[k + 1] = (e * core.m_exp[k] + (k - 1) * core.m_exp[k - 1]) / (k + 1);
+    f.scaleTerm2 = f.scaleTerm * f.scaleTerm;
+    f.invScaleTerm = 1.0 / f.scaleTerm;
+    f.largestRho = LargestSeriesT * f.scaleTerm;
+    f.expSeries = e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit;
+    if (f.expSeries) {
+        f.exp[0] = 1.0;
+        f.exp[1] = e;
+        for (int k = 1; k + 1 < ExpTerms; ++k)
+            f.exp[k + 1] = (e * f.exp[k] + (k - 1) * f.exp[k - 1]) / (k + 1);
     }
-    core.m_inverse = CKvConformalLatitude::MakeInverse(e);
+    f.inverse = CKvConformalLatitude::MakeInverse(e);
+    const bool figures = std::isfinite(f.scaleTerm) && std::isfinite(lambda0) && std::isfinite(falseEasting) &&
+                         std::isfinite(falseNorthing);
+    f.fastForward = figures && f.expSeries;
+    f.fastInverse = figures && f.inverse.series;
     return core;
 }
 
@@ -73,33 +79,33 @@ void CKvPolarStereographicCore::Forward(double lambda, double phi, double* x, do
 {
     // The other pole lies at infinity; t there would be the tangent of the rounded
     // right angle, a made-up 1.6e16.
-    if (m_sign * phi <= -kHalfPi) {
+    if (m_f.sign * phi <= -kHalfPi) {
         *x = *y = std::nan("");
         return;
     }
     // h = pi/4 - phi/2 seen from the pole lies in [0, pi/2] for every latitude
     // (NaN stays NaN), well within the kernel's range.
-    const double h = kQuarterPi - m_sign * phi / 2;
+    const double h = kQuarterPi - m_f.sign * phi / 2;
     double sinH, cosH, versine;
     CKvMathKernel::SinCos(h, sinH, cosH, versine);
-    const double z = m_e * ((cosH - sinH) * (cosH + sinH)); // e sin phi, sin phi = cos 2h
+    const double z = m_f.e * ((cosH - sinH) * (cosH + sinH)); // e sin phi, sin phi = cos 2h
     const double tanH = sinH / cosH; // under way while the eccentricity term is summed
     // ((1 + e sin phi) / (1 - e sin phi))^(e/2) by its power series in e sin phi
     // for the eccentricities of the earth, else by pow.
-    const double expU = m_expSeries ? CKvMathKernel::Estrin<kExpTerms>(z, m_exp)
-                                    : std::pow((1.0 + z) / (1.0 - z), m_e / 2);
-    const double rho = m_scaleTerm * tanH * expU;
+    const double expU = m_f.expSeries ? CKvMathKernel::Estrin<ExpTerms>(z, m_f.exp)
+                                    : std::pow((1.0 + z) / (1.0 - z), m_f.e / 2);
+    const double rho = m_f.scaleTerm * tanH * expU;
     double sinDl, cosDl;
-    CKvMathKernel::SinCosAny(lambda - m_lambda0, sinDl, cosDl);
-    *x = m_FE + rho * sinDl;
-    *y = m_FN - m_sign * rho * cosDl;
+    CKvMathKernel::SinCosAny(lambda - m_f.lambda0, sinDl, cosDl);
+    *x = m_f.FE + rho * sinDl;
+    *y = m_f.FN - m_f.sign * rho * cosDl;
 }
 
 void CKvPolarStereographicCore::Inverse(double x, double y, double* lambda, double* phi) const
 {
-    const double dx = x - m_FE, dy = y - m_FN;
-    const double t = std::sqrt(dx * dx + dy * dy) / m_scaleTerm;
-    if (!(m_inverse.series && t <= kLargestSeriesT)) {
+    const double dx = x - m_f.FE, dy = y - m_f.FN;
+    const double t = std::sqrt(dx * dx + dy * dy) / m_f.scaleTerm;
+    if (!(m_f.inverse.series && t <= LargestSeriesT)) {
         _inverseGeneral(dx, dy, lambda, phi);
         return;
     }
@@ -115,25 +121,52 @@ void CKvPolarStereographicCore::Inverse(double x, double y, double* lambda, doub
     // 2 atan(1/t), so phi = -(pi/2 - 2 atan(1/t) - (phi - chi)). Near either pole
     // that angle is small and keeps its relative precision, so that the latitude
     // is left with the one rounding of the final difference.
-    const double correction = CKvConformalLatitude::SeriesCorrection(m_inverse, sin2Chi, cos2Chi);
+    const double correction = CKvConformalLatitude::SeriesCorrection(m_f.inverse, sin2Chi, cos2Chi);
     const bool beyond = t > 1.0;
     const double hemisphere = beyond ? -1.0 : 1.0;
     const double atanNear = std::atan(beyond ? 1.0 / t : t);
-    *phi = m_sign * hemisphere *
+    *phi = m_f.sign * hemisphere *
            (kHalfPi - 2.0 * (atanNear - 0.5 * (hemisphere * correction + kHalfPiLow)));
-    *lambda = m_lambda0 + std::atan2(dx, -m_sign * dy);
+    *lambda = m_f.lambda0 + std::atan2(dx, -m_f.sign * dy);
 }
 
 void CKvPolarStereographicCore::_inverseGeneral(double dx, double dy, double* lambda, double* phi) const
 {
-    const double t = std::sqrt(dx * dx + dy * dy) / m_scaleTerm;
+    const double t = std::sqrt(dx * dx + dy * dy) / m_f.scaleTerm;
     // chi = pi/2 - 2 atan t, so tan chi = (1/t - t) / 2; then geodetic from conformal.
     const double tanChi = (1.0 / t - t) / 2.0;
-    *phi = m_sign * std::atan(CKvConformalLatitude::Tau(tanChi, m_e));
-    *lambda = m_lambda0 + std::atan2(dx, -m_sign * dy);
+    *phi = m_f.sign * std::atan(CKvConformalLatitude::Tau(tanChi, m_f.e));
+    *lambda = m_f.lambda0 + std::atan2(dx, -m_f.sign * dy);
 }
 
 double CKvPolarStereographicCore::Convergence(double lambda) const
 {
-    return m_pole * std::remainder(lambda - m_lambda0, 2.0 * kPi);
+    return m_pole * std::remainder(lambda - m_f.lambda0, 2.0 * kPi);
+}
+
+namespace {
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvPolarStereographicCore::SFigures, CKvPolarStereographicCore::Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvPolarStereographicCore::SFigures, CKvPolarStereographicCore::Inverse)
+
+} // namespace
+
+void CKvPolarStereographicCore::ForwardBatch(const SFigures& f, const CKvProjection& engine, std::size_t n,
+                                             const double* lon, std::size_t lonStride, const double* lat,
+                                             std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                             std::size_t yStride)
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, f, f.fastForward, n,
+                               lon, lonStride, lat, latStride, x, xStride, y, yStride,
+                               [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
+}
+
+void CKvPolarStereographicCore::InverseBatch(const SFigures& f, const CKvProjection& engine, std::size_t n,
+                                             const double* x, std::size_t xStride, const double* y,
+                                             std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                             std::size_t latStride)
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, f, f.fastInverse, n,
+                               x, xStride, y, yStride, lon, lonStride, lat, latStride,
+                               [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
 }

@@ -13,16 +13,37 @@ public:
     using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override
     {
+        const CKvPolarStereographicCore::SFigures& f = m_core.Figures();
+        if (f.fastForward && CKvPolarStereographicCore::Forward(f, lon, lat, *x, *y))
+            return;
         if (!CKvAngle::GuardForward(lat, x, y))
             return;
         m_core.Forward(lon * kDeg, lat * kDeg, x, y);
     }
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
+        const CKvPolarStereographicCore::SFigures& f = m_core.Figures();
+        if (f.fastInverse && CKvPolarStereographicCore::Inverse(f, x, y, *lon, *lat))
+            return;
         m_core.Inverse(x, y, lon, lat);
         *lon = CKvAngle::ReduceLongitudeDegrees(*lon / kDeg);
         *lat /= kDeg;
         CKvAngle::GuardInverse(x, y, lon, lat);
+    }
+    // The batch forms run the core's fast path on blocks of points in vectorized
+    // loops (the same kernels, so the same bits as the single-point calls); a
+    // point beyond it goes through the engine's own single-point call.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override
+    {
+        CKvPolarStereographicCore::ForwardBatch(m_core.Figures(), *this, n, lon, lonStride, lat, latStride, x, xStride,
+                                                y, yStride);
+    }
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override
+    {
+        CKvPolarStereographicCore::InverseBatch(m_core.Figures(), *this, n, x, xStride, y, yStride, lon, lonStride,
+                                                lat, latStride);
     }
     void GetOrigin(double* x, double* y) const override
     {

@@ -16,6 +16,10 @@
 #include "projections/KvPseudoMercator.h"
 #include "projections/KvRectifiedSkewOrthomorphic.h"
 #include "projections/KvCassiniSoldner.h"
+#include "projections/KvPolarStereographic.h"
+#include "projections/KvPolarStereographicC.h"
+#include "projections/KvStereographicNorthPole.h"
+#include "projections/KvStereographicSouthPole.h"
 #include "projections/KvStereographic.h"
 
 #include <array>
@@ -320,4 +324,37 @@ TEST(VectorBatch, CassiniSoldner)
     ExpectLoopsMatchSingleCalls(equator, 20, 0, far, "Cassini-Soldner, equator", 63);
     ExpectLoopsMatchSingleCalls(sphere, 13.6, 52.4, far, "Cassini-Soldner, sphere", 64);
     ExpectLoopsMatchSingleCalls(sphereSouth, -70, -60, far, "Cassini-Soldner, southern sphere", 65);
+}
+
+TEST(VectorBatch, PolarStereographic)
+{
+    const CKvEllipsoid intl("International 1924", "IN", 6378388.0, 297.0);
+    const CKvEllipsoid flattened("flat", "XX", 6378137.0, 10.0); // e = 0.44, beyond the kernels' series
+    // Variant A (UPS north and south, one with its central meridian near the
+    // antimeridian, where the inverse's longitude takes a turn), variant B
+    // (EPSG's example, the NSIDC north, a southern one), variant C (Terre
+    // Adelie), a sphere, and a figure beyond the series.
+    const CKvPolarStereographic upsNorth("ups n", 0.994, 0, 90, 2000000, 2000000, kWgs84);
+    const CKvPolarStereographic upsSouth("ups s", 0.994, 0, -90, 2000000, 2000000, kWgs84);
+    const CKvPolarStereographic pacific("pacific", 0.97, 170, 90, 0, 0, kGrs80);
+    const CKvPolarStereographic variantB("b", 1.0, 70, -71, 6000000, 6000000, kWgs84);
+    const CKvStereographicNorthPole nsidc("nsidc", 70, -45, 0, 0, kWgs84);
+    const CKvStereographicSouthPole south("south", -71, -170, 0, 0, kWgs84);
+    const double petrels[] = {-67, 140, 300000, 200000};
+    const CKvPolarStereographicC adelie("adelie", petrels, intl);
+    const CKvPolarStereographic sphere("sphere", 1.0, -100, 90, 0, 0, kSphere);
+    const CKvPolarStereographic flat("flat", 0.994, 0, 90, 0, 0, flattened);
+    // The pole and a hair off it (the longitude turns about it), and points far
+    // enough out to lie on the other pole, at infinity, by rounding.
+    const GridPoints pole = {{2000000, 2000000}, {2000000, 2000000 + 1e-9}, {2000000 - 1e-300, 2000000},
+                             {2000000 + 3e22, 2000000}, {0, -4e17}, {0, 0}, {-1e-9, 0}};
+    ExpectLoopsMatchSingleCalls(upsNorth, 0, 90, pole, "UPS north", 70);
+    ExpectLoopsMatchSingleCalls(upsSouth, 0, -90, pole, "UPS south", 71);
+    ExpectLoopsMatchSingleCalls(pacific, 170, 80, pole, "polar, 170 E", 72);
+    ExpectLoopsMatchSingleCalls(variantB, 70, -71, pole, "polar variant B", 73);
+    ExpectLoopsMatchSingleCalls(nsidc, -45, 70, pole, "NSIDC north", 74);
+    ExpectLoopsMatchSingleCalls(south, -170, -71, pole, "polar south, 170 W", 75);
+    ExpectLoopsMatchSingleCalls(adelie, 140, -67, {{300000, 200000 - 2299363.487830594}, {300000, 1e22}}, "Terre Adelie", 76);
+    ExpectLoopsMatchSingleCalls(sphere, -100, 80, pole, "polar, sphere", 77);
+    ExpectLoopsMatchSingleCalls(flat, 0, 80, pole, "polar, 1/f = 10", 78);
 }
