@@ -20,6 +20,7 @@ CKvMercatorCore::SFigures CKvMercatorCore::MakeFigures(double e, double ak0, dou
                          std::isfinite(FE) && std::isfinite(FN) && std::isfinite(lon0);
     f.fastForward = figures;
     f.fastInverse = figures && f.inverse.series;
+    f.sphere = e == 0.0;
     return f;
 }
 
@@ -27,6 +28,8 @@ namespace {
 
 KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvMercatorCore::SFigures, CKvMercatorCore::Forward)
 KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvMercatorCore::SFigures, CKvMercatorCore::Inverse)
+KVCART_DEFINE_BLOCK_LOOP(ForwardSphereBlock, CKvMercatorCore::SFigures, CKvMercatorCore::ForwardSphere)
+KVCART_DEFINE_BLOCK_LOOP(InverseSphereBlock, CKvMercatorCore::SFigures, CKvMercatorCore::InverseSphere)
 
 } // namespace
 
@@ -34,7 +37,7 @@ void CKvMercatorCore::ForwardBatch(const SFigures& f, const CKvProjection& engin
                                    std::size_t lonStride, const double* lat, std::size_t latStride, double* x,
                                    std::size_t xStride, double* y, std::size_t yStride)
 {
-    CKvBatch::ForEachFastBlock(ForwardBlock, f, f.fastForward, n,
+    CKvBatch::ForEachFastBlock(f.sphere ? ForwardSphereBlock : ForwardBlock, f, f.fastForward, n,
                                lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [&engine](double a, double b, double* u, double* v) { engine.Geo2Proj(a, b, u, v); });
 }
@@ -43,7 +46,7 @@ void CKvMercatorCore::InverseBatch(const SFigures& f, const CKvProjection& engin
                                    std::size_t xStride, const double* y, std::size_t yStride, double* lon,
                                    std::size_t lonStride, double* lat, std::size_t latStride)
 {
-    CKvBatch::ForEachFastBlock(InverseBlock, f, f.fastInverse, n,
+    CKvBatch::ForEachFastBlock(f.sphere ? InverseSphereBlock : InverseBlock, f, f.fastInverse, n,
                                x, xStride, y, yStride, lon, lonStride, lat, latStride,
                                [&engine](double a, double b, double* u, double* v) { engine.Proj2Geo(a, b, u, v); });
 }

@@ -25,6 +25,7 @@ public:
         double FE = 0.0, FN = 0.0, lon0 = 0.0;
         CKvConformalLatitude::SInverse inverse;
         bool fastForward = false, fastInverse = false;
+        bool sphere = false; // e = 0: the sphere's closed forms (ForwardSphere, InverseSphere)
     };
     // ak0: a k0 in metres; lon0 in degrees.
     static SFigures MakeFigures(double e, double ak0, double FE, double FN, double lon0);
@@ -42,6 +43,22 @@ public:
         return (std::fabs(phi) < CKvConformalLatitude::IsometricKernelLimit) & (std::fabs(d) <= 180.0);
     }
 
+    // The same on the sphere (e = 0), where the isometric latitude is atanh(sin
+    // phi) alone: IsometricKernel's operations without its eccentricity term,
+    // which is an exact 0 there, so that the bits are the same.
+    static KVCART_ALWAYS_INLINE bool ForwardSphere(const SFigures& f, double lon, double lat, double& x, double& y)
+    {
+        constexpr double Deg = 3.141592653589793 / 180.0;
+        const double phi = lat * Deg;
+        const double d = lon - f.lon0;
+        const double s = CKvMathKernel::SinHalfPi(phi);
+        const double series = CKvMathKernel::AtanhSmall(s);
+        const double logs = 0.5 * CKvMathKernel::Log((1.0 + s) / (1.0 - s));
+        x = f.FE + f.ak0Deg * d;
+        y = f.FN + f.ak0 * (std::fabs(s) < 0.1 ? series : logs);
+        return (std::fabs(phi) < CKvConformalLatitude::IsometricKernelLimit) & (std::fabs(d) <= 180.0);
+    }
+
     // false: a northing beyond the kernel's reach (within some 1e-11 degree of a
     // pole, or not finite), a longitude to be brought into [-180, 180] or not
     // finite.
@@ -53,6 +70,36 @@ public:
         lon = f.lon0 + (x - f.FE) * f.invAk0Deg;
         return (std::fabs(psi) <= CKvConformalLatitude::LatitudeKernelLimit) & (std::fabs(lon) <= 180.0) &
                (std::fabs(lat) <= 90.0);
+    }
+
+    // The sphere's latitude in closed form, the Gudermannian of psi = (y - FN) /
+    // (a k0): atan(sinh psi) = atan2(exp(2 psi) - 1, 2 exp(psi)), with no
+    // reciprocal of the exponential and one quotient (the arctangent's); for
+    // |psi| < 0.5, where exp(2 psi) - 1 would cancel, sinh psi by its series
+    // over 1. The same bounds as Inverse.
+    static KVCART_ALWAYS_INLINE bool InverseSphere(const SFigures& f, double x, double y, double& lon, double& lat)
+    {
+        constexpr double Deg = 3.141592653589793 / 180.0;
+        const double psi = (y - f.FN) * f.invAk0;
+        const double E = CKvMathKernel::Exp(psi);
+        const bool small = std::fabs(psi) < 0.5;
+        const double sinhPsi = CKvMathKernel::SinhSmall(psi);
+        const double num = small ? sinhPsi : E * E - 1.0, den = small ? 1.0 : 2.0 * E;
+        lat = CKvMathKernel::Atan2(num, den) * (1.0 / Deg);
+        lon = f.lon0 + (x - f.FE) * f.invAk0Deg;
+        return (std::fabs(psi) <= CKvConformalLatitude::LatitudeKernelLimit) & (std::fabs(lon) <= 180.0) &
+               (std::fabs(lat) <= 90.0);
+    }
+
+    // The fast path the figures call for, for the single-point calls: the
+    // sphere's or the ellipsoid's, as the batch forms choose their loops.
+    static KVCART_ALWAYS_INLINE bool ForwardPoint(const SFigures& f, double lon, double lat, double& x, double& y)
+    {
+        return f.sphere ? ForwardSphere(f, lon, lat, x, y) : Forward(f, lon, lat, x, y);
+    }
+    static KVCART_ALWAYS_INLINE bool InversePoint(const SFigures& f, double x, double y, double& lon, double& lat)
+    {
+        return f.sphere ? InverseSphere(f, x, y, lon, lat) : Inverse(f, x, y, lon, lat);
     }
 
     // The batch forms of an engine on these figures. Strided arrays as CKvBatch

@@ -24,7 +24,7 @@ public:
     {
         // A longitude beyond +-180 is not wrapped: lon0 + 360 lies a whole
         // equator further east (CKvAngle::LongitudeDifferenceDegrees).
-        if (m_fast.fastForward && CKvMercatorCore::Forward(m_fast, lon, lat, *x, *y))
+        if (m_fast.fastForward && CKvMercatorCore::ForwardPoint(m_fast, lon, lat, *x, *y))
             return;
         if (!CKvAngle::GuardForward(lat, x, y))
             return;
@@ -37,7 +37,7 @@ public:
 
     void Proj2Geo(double x, double y, double* lon, double* lat) const override
     {
-        if (m_fast.fastInverse && CKvMercatorCore::Inverse(m_fast, x, y, *lon, *lat))
+        if (m_fast.fastInverse && CKvMercatorCore::InversePoint(m_fast, x, y, *lon, *lat))
             return;
         // sinh of the isometric latitude is the tangent of the conformal latitude.
         const double phi = CKvConformalLatitude::Latitude(m_inverse, std::sinh((y - m_FN) / m_ak0));

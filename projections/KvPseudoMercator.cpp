@@ -45,7 +45,7 @@ void CKvPseudoMercator::_init(double centralMeridian, double originLatitude, dou
 
 void CKvPseudoMercator::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
-    if (m_fast.fastForward && CKvMercatorCore::Forward(m_fast, lon, lat, *x, *y))
+    if (m_fast.fastForward && CKvMercatorCore::ForwardPoint(m_fast, lon, lat, *x, *y))
         return;
     if (!CKvAngle::IsPoint(lon, lat)) {
         *x = *y = std::nan("");
@@ -64,7 +64,7 @@ void CKvPseudoMercator::Geo2Proj(double lon, double lat, double* x, double* y) c
 
 void CKvPseudoMercator::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    if (m_fast.fastInverse && CKvMercatorCore::Inverse(m_fast, x, y, *lon, *lat))
+    if (m_fast.fastInverse && CKvMercatorCore::InversePoint(m_fast, x, y, *lon, *lat))
         return;
     // pi/2 - 2 atan(exp(-t)), t = (N - FN) / a, is the Gudermannian of t, taken as
     // atan(sinh t): no cancellation near the equator, and the pole (sinh
