@@ -1,5 +1,6 @@
 #include "projections/KvKrovak.h"
 #include "projections/KvAngle.h"
+#include "projections/KvBatch.h"
 
 #include "projections/KvConformalLatitude.h"
 
@@ -58,10 +59,43 @@ void CKvKrovak::_init(double kp, double pseudoParallel, double centerLongitude, 
     m_cosRot = std::cos(xyPlaneRotation * kDeg);
     m_FE = falseEasting;
     m_FN = falseNorthing;
+
+    SFigures& f = m_fast;
+    f.e = e;
+    f.B = m_B;
+    f.invB = m_invB;
+    f.lnT0 = m_lnT0;
+    f.lambda0 = m_lambda0;
+    f.sinAlpha = m_sinAlpha;
+    f.cosAlpha = m_cosAlpha;
+    f.n = m_n;
+    f.invN = m_invN;
+    f.rTerm = m_rTerm;
+    f.invR0 = m_invR0;
+    f.lnTanP = m_lnTanP;
+    f.xScale = xScale;
+    f.yScale = yScale;
+    f.invXScale = 1.0 / xScale;
+    f.invYScale = 1.0 / yScale;
+    f.sinRot = m_sinRot;
+    f.cosRot = m_cosRot;
+    f.FE = falseEasting;
+    f.FN = falseNorthing;
+    f.inverse = m_inverse;
+    const double figures[] = {f.B, f.invB, f.lnT0, f.lambda0, f.sinAlpha, f.cosAlpha, f.invN, f.rTerm, f.invR0,
+                              f.lnTanP, f.xScale, f.yScale, f.invXScale, f.invYScale, f.sinRot, f.cosRot, f.FE, f.FN};
+    bool finite = true;
+    for (double v : figures)
+        finite = finite && std::isfinite(v);
+    const bool cone = f.n > 0.0 && f.n <= 1.0 && f.rTerm > 0.0 && f.invR0 > 0.0;
+    f.fastForward = finite && cone && e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit;
+    f.fastInverse = f.fastForward && f.inverse.series;
 }
 
 void CKvKrovak::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    if (m_fast.fastForward && Forward(m_fast, lon, lat, *x, *y))
+        return;
     if (!CKvAngle::GuardForward(lat, x, y))
         return;
     // The Gaussian sphere's latitude U: tan(pi/4 + U/2) = t0 exp(B psi), so that its
@@ -92,6 +126,8 @@ void CKvKrovak::Geo2Proj(double lon, double lat, double* x, double* y) const
 
 void CKvKrovak::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    if (m_fast.fastInverse && Inverse(m_fast, x, y, *lon, *lat))
+        return;
     const double dx = x - m_FE, dy = y - m_FN;
     const double X = (dx * m_cosRot + dy * m_sinRot) / m_xScale;  // southing
     const double Y = (-dx * m_sinRot + dy * m_cosRot) / m_yScale; // westing
@@ -121,6 +157,29 @@ void CKvKrovak::Proj2Geo(double x, double y, double* lon, double* lat) const
     *lat = CKvConformalLatitude::Latitude(m_inverse, std::sinh((isometricU - m_lnT0) * m_invB)) / kDeg;
     *lon = CKvAngle::ReduceLongitudeDegrees(*lon);
     CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+namespace {
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvKrovak::SFigures, CKvKrovak::Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvKrovak::SFigures, CKvKrovak::Inverse)
+
+} // namespace
+
+void CKvKrovak::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                         std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fastForward, n, lon, lonStride, lat, latStride, x, xStride,
+                               y, yStride,
+                               [this](double a, double b, double* u, double* v) { CKvKrovak::Geo2Proj(a, b, u, v); });
+}
+
+void CKvKrovak::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                         double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fastInverse, n, x, xStride, y, yStride, lon, lonStride, lat,
+                               latStride,
+                               [this](double a, double b, double* u, double* v) { CKvKrovak::Proj2Geo(a, b, u, v); });
 }
 
 void CKvKrovak::GetOrigin(double* x, double* y) const

@@ -16,6 +16,7 @@
 #include "projections/KvPseudoMercator.h"
 #include "projections/KvRectifiedSkewOrthomorphic.h"
 #include "projections/KvCassiniSoldner.h"
+#include "projections/KvKrovak.h"
 #include "projections/KvPolarStereographic.h"
 #include "projections/KvPolarStereographicC.h"
 #include "projections/KvStereographicNorthPole.h"
@@ -357,4 +358,24 @@ TEST(VectorBatch, PolarStereographic)
     ExpectLoopsMatchSingleCalls(adelie, 140, -67, {{300000, 200000 - 2299363.487830594}, {300000, 1e22}}, "Terre Adelie", 76);
     ExpectLoopsMatchSingleCalls(sphere, -100, 80, pole, "polar, sphere", 77);
     ExpectLoopsMatchSingleCalls(flat, 0, 80, pole, "polar, 1/f = 10", 78);
+}
+
+TEST(VectorBatch, Krovak)
+{
+    const CKvEllipsoid bessel("Bessel 1841", "BR", 6377397.155, 299.1528128);
+    const double lon0 = 24.833333333333333, alpha = 30.28813975277778;
+    // The method's own axes (southing, westing), S-JTSK east-north, turned with
+    // a false origin, a sphere, and a cone about another centre and azimuth.
+    const CKvKrovak classic("classic", 0.9999, 78.5, lon0, 49.5, alpha, 0, 1, 1, 0, 0, bessel);
+    const CKvKrovak eastNorth("east-north", 0.9999, 78.5, lon0, 49.5, alpha, 90, -1, 1, 0, 0, bessel);
+    const CKvKrovak turned("turned", 0.9999, 78.5, lon0, 49.5, alpha, 30, -1, 1, 100, 200, kGrs80);
+    const CKvKrovak sphere("sphere", 1.0, 78.5, lon0, 49.5, alpha, 0, 1, 1, 0, 0, kSphere);
+    const CKvKrovak other("other", 0.9996, 60, -100, 30, 20, 0, 1, 1, 500000, 0, kWgs84);
+    // The cone's apex (the false origin) and a hair off it, and points far out.
+    const GridPoints apex = {{0, 0}, {1e-9, 0}, {0, -1e-300}, {100, 200}, {500000, 0}, {3e13, -2e13}, {-1e154, 0}};
+    ExpectLoopsMatchSingleCalls(classic, lon0, 49.5, apex, "Krovak", 80);
+    ExpectLoopsMatchSingleCalls(eastNorth, lon0, 49.5, apex, "Krovak east-north", 81);
+    ExpectLoopsMatchSingleCalls(turned, 15, 50, apex, "Krovak turned", 82);
+    ExpectLoopsMatchSingleCalls(sphere, lon0, 49.5, apex, "Krovak, sphere", 83);
+    ExpectLoopsMatchSingleCalls(other, -100, 30, apex, "Krovak, other cone", 84);
 }
