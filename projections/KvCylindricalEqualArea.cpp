@@ -36,6 +36,9 @@ CKvCylindricalEqualArea::CKvCylindricalEqualArea(const std::string& name, const 
         m_authalic.qPole = 2.0;
     m_xPerDegree = usable ? a * k0 * kDeg : std::nan("");
     m_yPerQ = usable ? a / (2.0 * k0) : std::nan("");
+    m_kernel = !m_sphere && e <= CKvMathKernel::EccentricSinhLimit;
+    m_degreePerX = 1.0 / m_xPerDegree;
+    m_sinBetaPerY = 1.0 / (m_yPerQ * m_authalic.qPole);
 }
 
 void CKvCylindricalEqualArea::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -52,28 +55,25 @@ void CKvCylindricalEqualArea::Geo2Proj(double lon, double lat, double* x, double
 
 void CKvCylindricalEqualArea::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    const double dLon = (x - m_FE) / m_xPerDegree;
-    // q beyond +-q(pi/2) gives NaN (AuthalicLatitude), as does a point beyond
-    // the map's width.
-    const double q = (y - m_FN) / m_yPerQ;
-    const double phi = m_sphere ? _sphereLatitude(q) : CKvConformalLatitude::AuthalicLatitude(m_authalic, q);
-    if (!(std::fabs(dLon) <= 180.0 + 1e-9) || std::isnan(phi)) {
+    const double dLon = (x - m_FE) * m_degreePerX;
+    // sin beta = q / q(pi/2): beyond +-1 by rounding alone the pole, further
+    // beyond (or NaN) no latitude, as is a point beyond the map's width.
+    double sinBeta = (y - m_FN) * m_sinBetaPerY;
+    if (!(std::fabs(dLon) <= 180.0 + 1e-9) || !(std::fabs(sinBeta) <= 1.0 + 1e-15)) {
         *lon = *lat = std::nan("");
         return;
     }
+    sinBeta = std::fmax(-1.0, std::fmin(1.0, sinBeta));
+    // On the sphere asin(sin beta), as the kernel's atan2 of the sine and the
+    // cosine; on the earth's ellipsoids the authalic latitude's series and
+    // Newton step by the inline kernels; beyond their eccentricity the general
+    // function.
+    const double phi = m_sphere ? CKvMathKernel::Atan2(sinBeta, std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta)))
+                       : m_kernel ? CKvConformalLatitude::AuthalicLatitudeKernel(m_authalic, sinBeta)
+                                  : CKvConformalLatitude::AuthalicLatitude(m_authalic, sinBeta * m_authalic.qPole);
     *lat = std::fmax(-90.0, std::fmin(90.0, phi / kDeg));
     *lon = CKvAngle::InverseLongitudeDegrees(dLon + m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
-}
-
-double CKvCylindricalEqualArea::_sphereLatitude(double q)
-{
-    // q = 2 sin phi; a q beyond +-2 by rounding alone is the pole, further
-    // beyond (or NaN) no latitude.
-    double s = 0.5 * q;
-    if (std::fabs(s) > 1.0 && std::fabs(s) <= 1.0 + 1e-15)
-        s = s > 0.0 ? 1.0 : -1.0;
-    return std::asin(s); // NaN beyond the poles
 }
 
 void CKvCylindricalEqualArea::GetOrigin(double* x, double* y) const

@@ -11,6 +11,15 @@ constexpr double kA1 = 1.340264, kA2 = -0.081106, kA3 = 0.000893, kA4 = 0.003796
 constexpr double kM = 0.86602540378443865; // sqrt(3) / 2
 constexpr double kThetaMax = kPi / 3.0;    // theta of the poles: asin(sqrt(3) / 2)
 
+// The inverse's start, theta / Y as a polynomial in x = Y^2 kStartScale - 1,
+// within 7e-10 of the root over the map; written by
+// tools/make_equal_earth_start.py.
+constexpr double kStartScale = 1.1524424085949865;
+constexpr double kStart[10] = {0.7698587941843507,     0.025455084500979778,   0.00120246467565336,
+                               -0.0009267399733541142, -0.0005345907451381832, -0.00014074206976161515,
+                               -1.2132571450318434e-05, 1.0066180697421161e-05, 6.122509019412805e-06,
+                               1.329736419153349e-06};
+
 // P(theta) / theta, and P'(theta), P''(theta) / theta, from theta^2.
 inline double PolyOverTheta(double t2)
 {
@@ -43,18 +52,33 @@ CKvEqualEarth::CKvEqualEarth(const std::string& name, const double* parameters, 
         m_authalic = CKvConformalLatitude::MakeAuthalic(e);
     // Rq = a sqrt(qP / 2), the radius of the sphere with the ellipsoid's area.
     m_R = !usable ? std::nan("") : m_ellipsoidal ? a * std::sqrt(m_authalic.qPole / 2.0) : a;
+    m_kernel = m_ellipsoidal && e <= CKvMathKernel::EccentricSinhLimit;
+    m_invQPole = m_ellipsoidal ? 1.0 / m_authalic.qPole : 1.0;
+    m_invR = 1.0 / m_R;
 }
 
 double CKvEqualEarth::_theta(double lat) const
 {
-    double sinBeta = std::sin(lat * kDeg);
+    double sinTheta, cosTheta;
+    _sinCosTheta(lat, &sinTheta, &cosTheta);
+    return CKvMathKernel::Atan2(sinTheta, cosTheta);
+}
+
+void CKvEqualEarth::_sinCosTheta(double lat, double* sinTheta, double* cosTheta) const
+{
+    // sin phi by the kernel's series (|phi| <= pi/2), q by its kernel on the
+    // earth's ellipsoids.
+    double sinBeta = CKvMathKernel::SinHalfPi(lat * kDeg);
     if (m_ellipsoidal) {
-        sinBeta = CKvConformalLatitude::AuthalicQ(m_authalic, sinBeta) / m_authalic.qPole;
+        sinBeta = (m_kernel ? CKvConformalLatitude::AuthalicQKernel(m_authalic, sinBeta)
+                            : CKvConformalLatitude::AuthalicQ(m_authalic, sinBeta)) *
+                  m_invQPole;
         // q(phi) / qP reaches 1 at the pole; rounding may take it a hair beyond.
-        if (std::fabs(sinBeta) > 1.0)
-            sinBeta = sinBeta > 0.0 ? 1.0 : -1.0;
+        sinBeta = std::fmax(-1.0, std::fmin(1.0, sinBeta));
     }
-    return std::asin(kM * sinBeta);
+    // sin theta = (sqrt 3 / 2) sin beta; cos theta >= 1/2 has no cancellation.
+    *sinTheta = kM * sinBeta;
+    *cosTheta = std::sqrt((1.0 - *sinTheta) * (1.0 + *sinTheta));
 }
 
 void CKvEqualEarth::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -64,46 +88,43 @@ void CKvEqualEarth::Geo2Proj(double lon, double lat, double* x, double* y) const
         return;
     }
     const double lambda = CKvAngle::ReduceLongitudeDegrees(lon - m_lon0) * kDeg;
-    const double theta = _theta(lat);
+    double sinTheta, cosTheta;
+    _sinCosTheta(lat, &sinTheta, &cosTheta);
+    const double theta = CKvMathKernel::Atan2(sinTheta, cosTheta);
     const double t2 = theta * theta;
-    *x = m_FE + m_R * lambda * std::cos(theta) / (kM * PolyDerivative(t2));
+    *x = m_FE + m_R * lambda * cosTheta / (kM * PolyDerivative(t2));
     *y = m_FN + m_R * theta * PolyOverTheta(t2);
 }
 
 void CKvEqualEarth::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    const double Y = (y - m_FN) / m_R;
+    const double Y = (y - m_FN) * m_invR;
     const double yMax = kThetaMax * PolyOverTheta(kThetaMax * kThetaMax);
     // Beyond the poles' lines (by more than rounding), or no number: no point.
     if (!(std::fabs(Y) <= yMax * (1.0 + 1e-15)) || !std::isfinite(x)) {
         *lon = *lat = std::nan("");
         return;
     }
-    // Newton's method on P(theta) = Y from theta = Y / A1. P' lies between 1.13
-    // and A1 over the map, so each step squares the error: after a step below
-    // 1e-9 what is left is below 1e-17. A dozen steps bound the work.
-    double theta = Y / kA1;
-    for (int i = 0; i < 12; ++i) {
-        const double t2 = theta * theta;
-        const double step = (theta * PolyOverTheta(t2) - Y) / PolyDerivative(t2);
-        theta -= step;
-        if (std::fabs(step) < 1e-9)
-            break;
-    }
-    if (std::fabs(theta) > kThetaMax)
-        theta = theta > 0.0 ? kThetaMax : -kThetaMax;
+    // One Newton step on P(theta) = Y from the start, within 7e-10 of the
+    // root: P' stays above 1.13 over the map and |P''| below 0.3, so that the
+    // step leaves at most 0.3 / 2.26 (7e-10)^2 < 1e-19.
+    const double theta0 = Y * CKvMathKernel::Estrin<10>(Y * Y * kStartScale - 1.0, kStart);
+    const double t02 = theta0 * theta0;
+    double theta = theta0 - (theta0 * PolyOverTheta(t02) - Y) / PolyDerivative(t02);
+    theta = std::fmax(-kThetaMax, std::fmin(kThetaMax, theta));
     const double t2 = theta * theta;
-    const double lambdaDeg = kM * PolyDerivative(t2) * (x - m_FE) / (m_R * std::cos(theta)) / kDeg;
+    double sinTheta, cosTheta, versine;
+    CKvMathKernel::SinCos(theta, sinTheta, cosTheta, versine);
+    const double lambdaDeg = kM * PolyDerivative(t2) * (x - m_FE) * m_invR / (cosTheta * kDeg);
     // Outside the outline: a longitude beyond the antimeridian of the centre.
     if (!(std::fabs(lambdaDeg) <= 180.0 + 1e-9)) {
         *lon = *lat = std::nan("");
         return;
     }
-    double sinBeta = std::sin(theta) / kM;
-    if (std::fabs(sinBeta) > 1.0)
-        sinBeta = sinBeta > 0.0 ? 1.0 : -1.0;
-    const double phi = m_ellipsoidal ? CKvConformalLatitude::AuthalicLatitude(m_authalic, sinBeta * m_authalic.qPole)
-                                     : std::asin(sinBeta);
+    const double sinBeta = std::fmax(-1.0, std::fmin(1.0, sinTheta * (1.0 / kM)));
+    const double phi = !m_ellipsoidal ? CKvMathKernel::Atan2(sinBeta, std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta)))
+                       : m_kernel     ? CKvConformalLatitude::AuthalicLatitudeKernel(m_authalic, sinBeta)
+                                      : CKvConformalLatitude::AuthalicLatitude(m_authalic, sinBeta * m_authalic.qPole);
     *lat = phi / kDeg;
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);

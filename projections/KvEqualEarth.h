@@ -45,10 +45,14 @@ public:
 private:
     // theta from the latitude in degrees (through the authalic latitude).
     double _theta(double lat) const;
+    // sin theta and cos theta from the latitude in degrees.
+    void _sinCosTheta(double lat, double* sinTheta, double* cosTheta) const;
 
     double m_lon0, m_FE, m_FN;
     double m_R; // Rq, the radius of the sphere of equal area (NaN: no map)
     bool m_ellipsoidal;
+    bool m_kernel; // 0 < e <= CKvMathKernel::EccentricSinhLimit: q and its inverse by the inline kernels
+    double m_invQPole, m_invR;
     CKvConformalLatitude::SAuthalic m_authalic;
 };
 
