@@ -49,6 +49,23 @@ CKvTransverseMercatorZoned::CKvTransverseMercatorZoned(const std::string& name, 
 
 int CKvTransverseMercatorZoned::_zone(double lon, double* fromCentre) const
 {
+    // The common case without a call of floor: q = (lambda - lambdaI) / W within
+    // [0, zones) and at least 1/1000 of a zone short of the next edge, so that
+    // neither the rule for the edges below nor the modulo can change its
+    // whole part, which the conversion to int truncates.
+    const double q0 = (lon - m_lonI) / m_width;
+    if (q0 >= 0.0 && q0 < m_zones) {
+        const int k = static_cast<int>(q0);
+        if (q0 - k <= 0.999) {
+            *fromCentre = CKvAngle::ReduceLongitudeDegrees(lon - _centralMeridian(k + 1));
+            return k + 1;
+        }
+    }
+    return _zoneAtEdge(lon, fromCentre);
+}
+
+int CKvTransverseMercatorZoned::_zoneAtEdge(double lon, double* fromCentre) const
+{
     // floor((lambda - lambdaI) / W) mod (360 / W), the modulo towards negative
     // infinity as the guidance note has it: 180 and -180 share the first zone of
     // a system starting at -180. A longitude on a zone's western edge within
@@ -85,12 +102,14 @@ void CKvTransverseMercatorZoned::Geo2Proj(double lon, double lat, double* x, dou
 
 void CKvTransverseMercatorZoned::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    const double z = std::floor((x - m_FE) / kZoneStep + 0.5);
-    if (!m_valid || !(z >= 1.0 && z <= m_zones) || !std::isfinite(y)) {
+    // floor(q) within [1, zones] is q within [1, zones + 1), where the
+    // conversion to int truncates it: no call of floor.
+    const double q = (x - m_FE) / kZoneStep + 0.5;
+    if (!m_valid || !(q >= 1.0 && q < m_zones + 1.0) || !std::isfinite(y)) {
         *lon = *lat = std::nan("");
         return;
     }
-    const int zone = static_cast<int>(z);
+    const int zone = static_cast<int>(q);
     m_tm.CKvTransverseMercatorJHS::Proj2Geo(x - m_FE - zone * kZoneStep, y, lon, lat);
     // At a pole every longitude names the point: the zone's central meridian is
     // the one that takes it back into the same zone. Within 1e-9 degree of it

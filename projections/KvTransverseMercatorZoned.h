@@ -46,6 +46,7 @@ private:
     // The zone of a longitude in [-180, 180] (1 .. zones), and the longitude from
     // its central meridian.
     int _zone(double lon, double* fromCentre) const;
+    int _zoneAtEdge(double lon, double* fromCentre) const; // the general rule, next to an edge
     double _centralMeridian(int zone) const { return m_lonI + zone * m_width - 0.5 * m_width; }
 
     CKvTransverseMercatorJHS m_tm; // central meridian 0, false easting 0
