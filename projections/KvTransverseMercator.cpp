@@ -1,12 +1,16 @@
 #include "projections/KvTransverseMercator.h"
 #include "projections/KvAngle.h"
 
+#include "projections/KvBatch.h"
 #include "projections/KvMathKernel.h"
 #include "projections/KvTransverseMercatorSeries.h"
 
 #include <cmath>
 
 namespace {
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvTransverseMercator::SFigures, CKvTransverseMercator::Forward<true>)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvTransverseMercator::SFigures, CKvTransverseMercator::Inverse<true>)
+
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
 // Half a meridian, in round metres, as the northing ranges below use it.
@@ -253,6 +257,26 @@ void CKvTransverseMercator::Proj2Geo(double x, double y, double* lon, double* la
     if (m_fast.fast && Inverse<false>(m_fast, x, y, *lon, *lat))
         return;
     _Proj2Geo(x, y + m_y0, m_FE, m_FN, lon, lat);
+}
+
+void CKvTransverseMercator::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                     std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                     std::size_t yStride) const
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n, lon, lonStride, lat, latStride, x, xStride, y,
+                               yStride, [this](double a, double b, double* u, double* v) {
+                                   CKvTransverseMercator::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvTransverseMercator::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                     std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                     std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fast, n, x, xStride, y, yStride, lon, lonStride, lat,
+                               latStride, [this](double a, double b, double* u, double* v) {
+                                   CKvTransverseMercator::Proj2Geo(a, b, u, v);
+                               });
 }
 
 void CKvTransverseMercator::GetOrigin(double* x, double* y) const

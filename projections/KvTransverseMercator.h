@@ -33,6 +33,12 @@ public:
     using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    // Blocks of points through the fast path in vectorized loops (the same
+    // bits as the single-point calls), the rest through the single-point calls.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
     void GetOrigin(double* x, double* y) const override;
     bool IsLocal() const override { return m_bLocal; }
     double GetConvergence(double lon, double lat) const override;
