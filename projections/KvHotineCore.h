@@ -82,13 +82,14 @@ public:
         double V, cosDl, versineDl;
         CKvMathKernel::SinCos(f.BDeg * d, V, cosDl, versineDl);
         const double mV = m * V;
-        const double Um = Sm * f.sinGamma0 - mV * f.cosGamma0, U = Um / Tm;
+        // |U| < 1 as |Um| < Tm (Tm > 0): no division for U itself.
+        const double Um = Sm * f.sinGamma0 - mV * f.cosGamma0;
         const double u = f.AoverB * CKvMathKernel::Atan2(Sm * f.cosGamma0 + mV * f.sinGamma0, m * cosDl) - f.uc;
         const double v = -f.AoverB * AtanhUKernel(Um, Tm);
         x = v * f.cosGammaC + u * f.sinGammaC + f.FE;
         y = u * f.cosGammaC - v * f.sinGammaC + f.FN;
         return (std::fabs(phi) < CKvConformalLatitude::IsometricKernelLimit) & (std::fabs(d) <= 180.0) &
-               (std::fabs(lnQ) <= WLimit) & (std::fabs(U) < 1.0);
+               (std::fabs(lnQ) <= WLimit) & (std::fabs(Um) < Tm);
     }
 
     // false: a grid point not finite, beyond the aposphere's poles or near them,
