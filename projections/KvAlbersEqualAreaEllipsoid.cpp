@@ -16,16 +16,23 @@ constexpr double kDeg = CKvAngle::Pi / 180.0;
 using SFigures = CKvAlbersEqualAreaEllipsoid::SFigures;
 
 // Forward: q of the latitude by the authalic kernel on the sine taken without
-// reduction. false: a latitude off the ellipsoid, a longitude difference to be
-// reduced, a radicand below 0 (a pole beyond the cone's reach), not finite; the
-// general formulas take those.
-KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+// reduction, at d degrees from the central meridian. false: a latitude off
+// the ellipsoid, a radicand below 0 (a pole beyond the cone's reach), not
+// finite; the general formulas take those.
+KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, double& x, double& y)
 {
     const double q = CKvConformalLatitude::AuthalicQKernel(f.authalic, CKvMathKernel::SinHalfPi(lat * kDeg));
     const double radicand = f.C - f.cone.n * q;
     const double rho = f.aOverN * std::sqrt(radicand);
-    const bool placed = CKvConicVariant::Place(f.cone, rho, lon - f.cone.lon0, x, y);
+    const bool placed = CKvConicVariant::Place(f.cone, rho, d, x, y);
     return placed & (std::fabs(lat) <= 90.0) & (radicand >= 0.0);
+}
+
+// The point at lon - lon0, within +-180 of the central meridian.
+KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+{
+    const double d = lon - f.cone.lon0;
+    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
 }
 
 // Inverse: sin beta from the squared radius, with no square root, and the
@@ -90,7 +97,8 @@ double CKvAlbersEqualAreaEllipsoid::_latitude(double rho) const
 
 void CKvAlbersEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
-    if (m_fast.fastForward && Forward(m_fast, lon, lat, *x, *y))
+    if (m_fast.fastForward && (Forward(m_fast, lon, lat, *x, *y) ||
+                               ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))
         return;
     CKvConicVariantT::Geo2Proj(lon, lat, x, y);
 }
@@ -108,7 +116,7 @@ void CKvAlbersEqualAreaEllipsoid::Geo2Proj(std::size_t n, const double* lon, std
 {
     CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fastForward, n, lon, lonStride, lat, latStride, x,
                                xStride, y, yStride, [this](double a, double b, double* u, double* v) {
-                                   CKvConicVariantT::Geo2Proj(a, b, u, v);
+                                   CKvAlbersEqualAreaEllipsoid::Geo2Proj(a, b, u, v);
                                });
 }
 

@@ -9,15 +9,22 @@ constexpr double kDeg = CKvAngle::Pi / 180.0;
 
 using SFigures = CKvAlbersEqualAreaSphere::SFigures;
 
-// Forward: the sine of the latitude without reduction. false: a latitude off
-// the sphere, a longitude difference to be reduced, a radicand below 0, not
+// Forward: the sine of the latitude without reduction, at d degrees from the
+// central meridian. false: a latitude off the sphere, a radicand below 0, not
 // finite; the general formulas take those.
-KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, double& x, double& y)
 {
     const double radicand = f.C - f.twoN * CKvMathKernel::SinHalfPi(lat * kDeg);
     const double rho = f.aOverN * std::sqrt(radicand);
-    const bool placed = CKvConicVariant::Place(f.cone, rho, lon - f.cone.lon0, x, y);
+    const bool placed = CKvConicVariant::Place(f.cone, rho, d, x, y);
     return placed & (std::fabs(lat) <= 90.0) & (radicand >= 0.0);
+}
+
+// The point at lon - lon0, within +-180 of the central meridian.
+KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+{
+    const double d = lon - f.cone.lon0;
+    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
 }
 
 // Inverse: sin phi from the squared radius, with no square root, and asin by
@@ -69,7 +76,8 @@ double CKvAlbersEqualAreaSphere::_latitude(double rho) const
 
 void CKvAlbersEqualAreaSphere::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
-    if (m_fast.fast && Forward(m_fast, lon, lat, *x, *y))
+    if (m_fast.fast && (Forward(m_fast, lon, lat, *x, *y) ||
+                        ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))
         return;
     CKvConicVariantT::Geo2Proj(lon, lat, x, y);
 }
@@ -87,7 +95,7 @@ void CKvAlbersEqualAreaSphere::Geo2Proj(std::size_t n, const double* lon, std::s
 {
     CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n, lon, lonStride, lat, latStride, x, xStride, y,
                                yStride, [this](double a, double b, double* u, double* v) {
-                                   CKvConicVariantT::Geo2Proj(a, b, u, v);
+                                   CKvAlbersEqualAreaSphere::Geo2Proj(a, b, u, v);
                                });
 }
 

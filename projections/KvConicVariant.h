@@ -29,14 +29,22 @@ public:
         bool finite = false; // every figure finite, n not 0
     };
     // The grid point of radius rho at d degrees of longitude from the central
-    // meridian; false for a difference to be reduced (or NaN).
+    // meridian; false beyond the sine kernel's reach (or NaN).
     static KVCART_ALWAYS_INLINE bool Place(const SCone& cone, double rho, double d, double& x, double& y)
     {
         double sinTheta, cosTheta, vTheta;
         CKvMathKernel::SinCos(cone.nDeg * d, sinTheta, cosTheta, vTheta);
         x = cone.FE + rho * sinTheta;
         y = cone.FN + cone.rho0 - rho * cosTheta;
-        return std::fabs(d) <= 180.0;
+        return std::fabs(d) <= 1e5;
+    }
+    // The fast paths take lon - lon0 where it needs no reduction; a point they
+    // leave for a difference beyond +-180 goes through the same operations with
+    // the difference that CKvAngle::LongitudeDifferenceDegrees gives, so that
+    // 180 and -180 land on the same bits.
+    static double ReducedDifference(const SCone& cone, double lon)
+    {
+        return CKvAngle::LongitudeDifferenceDegrees(lon, cone.lon0);
     }
     // The longitude (degrees) of a grid point and its squared distance from the
     // apex: (dx, dy) = rho (sin theta, cos theta), both turned round on a cone

@@ -1,6 +1,50 @@
 #include "projections/KvEquidistantConicEllipsoid.h"
 
+#include "projections/KvBatch.h"
+
 #include <cmath>
+
+namespace {
+constexpr double kDeg = CKvAngle::Pi / 180.0;
+
+using SFigures = CKvEquidistantConicEllipsoid::SFigures;
+
+// Forward: the meridian distance on one SinCos of 2 phi (MeridianDistance's
+// own operations), at d degrees from the central meridian. false: a latitude
+// off the ellipsoid, not finite; the general formulas take those.
+KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, double& x, double& y)
+{
+    const double phi = lat * kDeg;
+    double s2Phi, c2Phi, v2Phi;
+    CKvMathKernel::SinCos(2.0 * phi, s2Phi, c2Phi, v2Phi);
+    const double rho = f.aG - CKvConformalLatitude::MeridianDistance(f.meridian, phi, s2Phi, c2Phi);
+    const bool placed = CKvConicVariant::Place(f.cone, rho, d, x, y);
+    return placed & (std::fabs(lat) <= 90.0);
+}
+
+// The point at lon - lon0, within +-180 of the central meridian.
+KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+{
+    const double d = lon - f.cone.lon0;
+    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
+}
+
+// Inverse: the radius of the sign of n, and the latitude of its meridian
+// distance by the kernel. false: a latitude beyond the poles (which the
+// general formulas set on the pole or refuse), a longitude to be reduced, not
+// finite.
+KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
+{
+    double rho2;
+    const bool unplaced = CKvConicVariant::Unplace(f.cone, x, y, lon, rho2);
+    const double rho = f.cone.sign * std::sqrt(rho2);
+    lat = CKvConformalLatitude::MeridianLatitudeKernel(f.meridian, f.aG - rho) * (1.0 / kDeg);
+    return unplaced & (std::fabs(lat) <= 90.0);
+}
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
+} // namespace
 
 CKvEquidistantConicEllipsoid::CKvEquidistantConicEllipsoid(double phi1, double phi2, double lambda0, double phi0,
                                                            double falseEasting, double falseNorthing,
@@ -17,6 +61,13 @@ CKvEquidistantConicEllipsoid::CKvEquidistantConicEllipsoid(double phi1, double p
     const double n = m_phi1 == m_phi2 ? std::sin(m_phi1) : m_a * (m1 - m2) / (_meridian(m_phi2) - _meridian(m_phi1));
     m_G = m1 / n + _meridian(m_phi1) / m_a;
     _setCone(n, m_a * m_G - _meridian(m_phi0));
+
+    SFigures& f = m_fast;
+    f.cone = m_cone;
+    f.meridian = m_meridian;
+    f.aG = m_a * m_G;
+    // The kernels hold for the eccentricities of the earth (e^2 <= 0.01).
+    f.fast = m_cone.finite && e2 > 0.0 && e2 <= 0.01 && std::isfinite(f.aG);
 }
 
 double CKvEquidistantConicEllipsoid::_meridian(double phi) const
@@ -29,4 +80,39 @@ double CKvEquidistantConicEllipsoid::_latitude(double rho) const
     // The meridian distance of the radius, and its latitude to the series' own
     // M (the footpoint series, then Newton's step on M).
     return CKvConformalLatitude::MeridianLatitude(m_meridian, m_a * m_G - rho);
+}
+
+void CKvEquidistantConicEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (m_fast.fast && (Forward(m_fast, lon, lat, *x, *y) ||
+                        ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))
+        return;
+    CKvConicVariantT::Geo2Proj(lon, lat, x, y);
+}
+
+void CKvEquidistantConicEllipsoid::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    if (m_fast.fast && Inverse(m_fast, x, y, *lon, *lat))
+        return;
+    CKvConicVariantT::Proj2Geo(x, y, lon, lat);
+}
+
+void CKvEquidistantConicEllipsoid::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                            std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                            std::size_t yStride) const
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n, lon, lonStride, lat, latStride, x, xStride, y,
+                               yStride, [this](double a, double b, double* u, double* v) {
+                                   CKvEquidistantConicEllipsoid::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvEquidistantConicEllipsoid::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                            std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                            std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fast, n, x, xStride, y, yStride, lon, lonStride, lat,
+                               latStride, [this](double a, double b, double* u, double* v) {
+                                   CKvConicVariantT::Proj2Geo(a, b, u, v);
+                               });
 }

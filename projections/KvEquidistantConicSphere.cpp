@@ -1,6 +1,43 @@
 #include "projections/KvEquidistantConicSphere.h"
 
+#include "projections/KvBatch.h"
+
 #include <cmath>
+
+namespace {
+constexpr double kDeg = CKvAngle::Pi / 180.0;
+
+using SFigures = CKvEquidistantConicSphere::SFigures;
+
+// Forward at d degrees from the central meridian. false: a latitude off the
+// sphere, not finite; the general formulas take those.
+KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, double& x, double& y)
+{
+    const double rho = f.a * (f.G - lat * kDeg);
+    const bool placed = CKvConicVariant::Place(f.cone, rho, d, x, y);
+    return placed & (std::fabs(lat) <= 90.0);
+}
+
+// The point at lon - lon0, within +-180 of the central meridian.
+KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
+{
+    const double d = lon - f.cone.lon0;
+    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
+}
+
+// Inverse. false: a latitude beyond the poles, a longitude to be reduced, not
+// finite.
+KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
+{
+    double rho2;
+    const bool unplaced = CKvConicVariant::Unplace(f.cone, x, y, lon, rho2);
+    lat = (f.G - f.cone.sign * std::sqrt(rho2) * f.invA) * (1.0 / kDeg);
+    return unplaced & (std::fabs(lat) <= 90.0);
+}
+
+KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
+} // namespace
 
 CKvEquidistantConicSphere::CKvEquidistantConicSphere(double phi1, double phi2, double lambda0, double phi0,
                                                      double falseEasting, double falseNorthing,
@@ -11,4 +48,46 @@ CKvEquidistantConicSphere::CKvEquidistantConicSphere(double phi1, double phi2, d
     const double n = m_phi1 == m_phi2 ? std::sin(m_phi1) : (std::cos(m_phi1) - std::cos(m_phi2)) / (m_phi2 - m_phi1);
     m_G = std::cos(m_phi1) / n + m_phi1;
     _setCone(n, m_a * (m_G - m_phi0));
+
+    SFigures& f = m_fast;
+    f.cone = m_cone;
+    f.a = m_a;
+    f.G = m_G;
+    f.invA = 1.0 / m_a;
+    f.fast = m_cone.finite && m_a > 0.0 && std::isfinite(f.G) && std::isfinite(f.invA);
+}
+
+void CKvEquidistantConicSphere::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    if (m_fast.fast && (Forward(m_fast, lon, lat, *x, *y) ||
+                        ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))
+        return;
+    CKvConicVariantT::Geo2Proj(lon, lat, x, y);
+}
+
+void CKvEquidistantConicSphere::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    if (m_fast.fast && Inverse(m_fast, x, y, *lon, *lat))
+        return;
+    CKvConicVariantT::Proj2Geo(x, y, lon, lat);
+}
+
+void CKvEquidistantConicSphere::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                         std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                         std::size_t yStride) const
+{
+    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n, lon, lonStride, lat, latStride, x, xStride, y,
+                               yStride, [this](double a, double b, double* u, double* v) {
+                                   CKvEquidistantConicSphere::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvEquidistantConicSphere::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                         std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                         std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fast, n, x, xStride, y, yStride, lon, lonStride, lat,
+                               latStride, [this](double a, double b, double* u, double* v) {
+                                   CKvConicVariantT::Proj2Geo(a, b, u, v);
+                               });
 }

@@ -11,32 +11,17 @@ constexpr double kDeg = 3.141592653589793 / 180.0;
 constexpr double kToDegrees = 180.0 / 3.141592653589793;
 
 // The geodetic latitude phi (radians) of the authalic latitude whose sine is
-// sinBeta: CKvConformalLatitude::AuthalicLatitude's series and Newton step on q,
-// from the sine itself rather than from q (which would be divided by q_P again),
-// and with asin for beta, as exact as atan2 of the sine and the cosine taken
-// from it and faster. A sine beyond +-1 by rounding alone is set on the pole;
-// further beyond, or NaN, gives NaN.
+// sinBeta, by the shared kernel (from the sine itself rather than from q, which
+// would be divided by q_P again), or for eccentricities beyond its reach by the
+// general function of q. A sine beyond +-1 by rounding alone is set on the
+// pole; further beyond, or NaN, gives NaN.
 double LatitudeOfAuthalicSine(const CKvConformalLatitude::SAuthalic& authalic, double sinBeta)
 {
     if (std::fabs(sinBeta) > 1.0 && std::fabs(sinBeta) <= 1.0 + 1e-15)
         sinBeta = sinBeta > 0.0 ? 1.0 : -1.0;
-    const double cosBeta = std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta));
-    const double sin2Beta = 2.0 * sinBeta * cosBeta, cos2Beta = (cosBeta - sinBeta) * (cosBeta + sinBeta);
-    const double delta = sin2Beta * (authalic.poly[0] + cos2Beta * (authalic.poly[1] + cos2Beta * authalic.poly[2]));
-    const double phi = std::asin(sinBeta) + delta;
-    double s, c;
-    if (std::fabs(delta) <= CKvMathKernel::SinCosSmallLimit) {
-        double sd, cd;
-        CKvMathKernel::SinCosSmall(delta, sd, cd);
-        s = sinBeta * cd + cosBeta * sd;
-        c = cosBeta * cd - sinBeta * sd;
-    } else {
-        CKvMathKernel::SinCosAny(phi, s, c);
-    }
-    const double w = 1.0 - authalic.e2 * s * s;
-    const double step = (authalic.qPole * sinBeta - CKvConformalLatitude::AuthalicQ(authalic, s)) * w * w /
-                        (2.0 * (1.0 - authalic.e2) * c);
-    return std::isfinite(step) ? phi + step : phi;
+    if (authalic.e <= CKvMathKernel::EccentricSinhLimit)
+        return CKvConformalLatitude::AuthalicLatitudeKernel(authalic, sinBeta);
+    return CKvConformalLatitude::AuthalicLatitude(authalic, authalic.qPole * sinBeta);
 }
 
 // q_P - |q(phi)| near a pole, without the cancellation of the difference, which
@@ -93,7 +78,26 @@ KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, dou
     return (std::fabs(lat) <= kFastLatitude) & (std::fabs(dl) <= CKvAngle::Pi) & (sum > CKvAngle::AntipodeLimit);
 }
 
+// The inverse's fast path, the general formulas of the oblique aspect with the
+// kernels: the latitude by the authalic kernel, the longitude by the atan2
+// kernel. false: the centre itself, beyond the boundary circle, within a
+// degree of the poles (whose rounding overshoot the general formulas set on
+// the pole), a longitude to be reduced, not finite.
+constexpr double kFastSinBeta = 0.9998; // 88.85 degrees
+KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
+{
+    const double dx = x - f.FE, dy = y - f.FN;
+    const double rho2 = dx * dx * f.invD2 + f.D2 * dy * dy;
+    const double s2 = rho2 * f.inv4Rq2, h = std::sqrt(1.0 - s2);
+    const double cc = 1.0 - 2.0 * s2, dyh = dy * h;
+    const double sinBeta = cc * f.sinBeta0 + f.D * dyh * f.cosBeta0 * f.invRq;
+    lat = CKvConformalLatitude::AuthalicLatitudeKernel(f.authalic, sinBeta) * kToDegrees;
+    lon = (f.lambda0 + CKvMathKernel::Atan2(dx * h, f.DRqCosBeta0 * cc - f.D2SinBeta0 * dyh)) * kToDegrees;
+    return (rho2 > 0.0) & (s2 <= 1.0) & (std::fabs(sinBeta) <= kFastSinBeta) & (std::fabs(lon) <= 180.0);
+}
+
 KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
 } // namespace
 
 CKvLambertAzimuthalEqualAreaEllipsoid::CKvLambertAzimuthalEqualAreaEllipsoid(double lambda0, double phi0,
@@ -131,6 +135,8 @@ CKvLambertAzimuthalEqualAreaEllipsoid::CKvLambertAzimuthalEqualAreaEllipsoid(dou
                          std::isfinite(f.inv4Rq2) && std::isfinite(f.lambda0) && std::isfinite(f.FE) &&
                          std::isfinite(f.FN);
     f.fastForward = figures;
+    f.fastInverse = figures && std::isfinite(f.invRq) && std::isfinite(f.D2) && std::isfinite(f.DRqCosBeta0) &&
+                    std::isfinite(f.D2SinBeta0);
 }
 
 void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -176,6 +182,8 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(double lon, double lat, dou
 void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     const SFigures& f = m_fast;
+    if (f.fastInverse && Inverse(f, x, y, *lon, *lat))
+        return;
     const double dx = x - m_FE, dy = y - m_FN;
     if (m_pole != 0) {
         // q = qP - rho^2 / a^2 towards the pole of the origin.
@@ -212,5 +220,15 @@ void CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(std::size_t n, const double
                                lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvLambertAzimuthalEqualAreaEllipsoid::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(std::size_t n, const double* x, std::size_t xStride,
+                                                     const double* y, std::size_t yStride, double* lon,
+                                                     std::size_t lonStride, double* lat, std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fastInverse, n, x, xStride, y, yStride, lon, lonStride,
+                               lat, latStride, [this](double a, double b, double* u, double* v) {
+                                   CKvLambertAzimuthalEqualAreaEllipsoid::Proj2Geo(a, b, u, v);
                                });
 }

@@ -23,9 +23,11 @@ public:
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
                   double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
 
     // The figures of the oblique aspect, which the general formulas and the
-    // forward's fast path (the inline kernels, in the single-point calls and the
+    // fast paths (the inline kernels, in the single-point calls and the
     // vectorized batch loops alike) share.
     struct SFigures
     {
@@ -35,7 +37,7 @@ public:
         // Products and reciprocals of R_q, D, q_P and the above.
         double invQP = 0.0, RqD = 0.0, RqOverD = 0.0, D2 = 0.0, invD2 = 0.0, inv4Rq2 = 0.0, invRq = 0.0;
         double DRqCosBeta0 = 0.0, D2SinBeta0 = 0.0;
-        bool fastForward = false;
+        bool fastForward = false, fastInverse = false;
     };
 
 private:
