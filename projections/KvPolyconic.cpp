@@ -14,6 +14,8 @@ constexpr int kMaxSteps = 100;
 // A Newton step below this leaves an error of about its square times
 // |h''| / 2h', far below round-off.
 constexpr double kSettled = 1e-11;
+constexpr double kFinal = 1e-8;
+constexpr double kPredicted = 1e-16;
 // Below this size of L = (lambda - lambda0) sin phi the ratios sin L / sin phi
 // and (1 - cos L) / sin phi are taken from their series (sin phi may be of any
 // smallness, down to 0 on the equator); the first term left out is L^6 / 5040.
@@ -114,25 +116,33 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
     double lo = -kPi / 2.0, hi = kPi / 2.0;
     bool newton = false, bisected = false;
     double s = 0.0, c = 1.0, nu = a, yp = 0.0;
+    CKvMathKernel::SinCosAny(phi, s, c);
+    const double ae2 = a * e2, oneMinusE2 = 1.0 - e2;
+    double prev = 0.0; // no Newton step yet: no prediction
     for (int i = 0; i < kMaxSteps; ++i) {
-        CKvMathKernel::SinCosAny(phi, s, c);
         // nu, the meridian's radius of curvature rho = dM/dphi and dnu/dphi; on
         // the sphere a, a and 0, and M = a phi.
         double rho = a, dNu = 0.0;
         if (sphere) {
             yp = Y - a * phi;
         } else {
-            const double w2 = 1.0 - e2 * s * s;
-            nu = a / std::sqrt(w2);
-            rho = nu * (1.0 - e2) / w2;
-            dNu = nu * e2 * s * c / w2;
+            const double iw2 = 1.0 / (1.0 - e2 * s * s);
+            const double iw = std::sqrt(iw2);
+            nu = a * iw;
+            rho = nu * oneMinusE2 * iw2;
+            dNu = ae2 * iw * iw2 * s * c;
             yp = Y - CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
         }
         const double r2 = X2 + yp * yp;
         const double h = s * r2 - 2.0 * nu * c * yp;
         const double dh = c * r2 - 2.0 * s * yp * rho - 2.0 * (dNu * c - nu * s) * yp + 2.0 * nu * c * rho;
         const double step = -h / dh;
-        if (std::fabs(step) < kSettled) {
+        // Newton's error squares with each step, e' = C e^2, and C is measured
+        // by the last two steps (C = |step| / prev^2): the step that leaves a
+        // predicted C step^2 below kPredicted is the last one.
+        const double predicted = step * step * std::fabs(step) / (prev * prev);
+        prev = step;
+        if (std::fabs(step) < kSettled || (std::fabs(step) <= kFinal && predicted <= kPredicted)) {
             // Taken whole, even where it rounds to nothing or onto the
             // bracket's end (a bisection there would throw the root away), with
             // sin phi, cos phi, nu and y' carried along it to first order.
@@ -150,7 +160,25 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
         else
             hi = phi;
         const double next = phi + step;
-        phi = next > lo && next < hi ? next : 0.5 * (lo + hi);
+        if (next > lo && next < hi) {
+            phi = next;
+            // Near the root the sines are turned by the step (the addition
+            // formulas, rounding alone), further out taken afresh.
+            if (std::fabs(step) <= CKvMathKernel::SinCosSmallLimit) {
+                double sd, cd;
+                CKvMathKernel::SinCosSmall(step, sd, cd);
+                const double s1 = s * cd + c * sd;
+                c = c * cd - s * sd;
+                s = s1;
+            } else {
+                CKvMathKernel::SinCosAny(phi, s, c);
+            }
+        } else {
+            phi = 0.5 * (lo + hi);
+            CKvMathKernel::SinCosAny(phi, s, c);
+            prev = 0.0; // no Newton step to measure C by
+
+        }
         if (hi - lo < kSettled) {
             bisected = true;
             break;
@@ -168,7 +196,7 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
     }
     // sin L and cos L in proportion, both multiplied by nu cos phi > 0. On the
     // root (X, y') lies on the parallel's circle, and L is its angle there.
-    const double L = std::atan2(X * s, nu * c - yp * s);
+    const double L = CKvMathKernel::Atan2(X * s, nu * c - yp * s);
     const double dLambda = std::fabs(s) > 1e-100 ? L / s : X / (nu * c - yp * s);
     if (!(std::fabs(dLambda) <= kPi * (1.0 + 1e-12))) {
         *lon = *lat = std::nan("");
