@@ -78,8 +78,13 @@ public:
         constexpr double ToDegrees = 180.0 / 3.141592653589793;
         const double xr = (x - f.FE) * f.invA;
         const double D = (y - f.FN) * f.invA + f.phi0;
-        double sX, cX, vX, sD, cD, vD;
-        CKvMathKernel::SinCos(xr, sX, cX, vX);
+        // sin and cos of x/R (at most 0.5 on the path) by the series of the
+        // sine without reduction, cos x/R = sin(pi/2 - |x/R|): a shorter chain
+        // than the reduced kernel's, and the rounding of pi/2 - |x/R| moves
+        // the cosine by no more than 1e-16 |x/R|.
+        constexpr double HalfPi = 1.5707963267948966;
+        const double sX = CKvMathKernel::SinHalfPi(xr), cX = CKvMathKernel::SinHalfPi(HalfPi - std::fabs(xr));
+        double sD, cD, vD;
         CKvMathKernel::SinCos(D, sD, cD, vD);
         const double cc = cX * cD;
         const double r = std::sqrt(sX * sX + cc * cc);
