@@ -28,6 +28,7 @@ CKvSinusoidal::CKvSinusoidal(const std::string& name, const double* parameters, 
     } else {
         m_quarter = m_a * kPi / 2.0;
     }
+    m_invA = 1.0 / m_a;
 }
 
 void CKvSinusoidal::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -38,13 +39,14 @@ void CKvSinusoidal::Geo2Proj(double lon, double lat, double* x, double* y) const
     }
     const double lambda = CKvAngle::ReduceLongitudeDegrees(lon - m_lon0) * kDeg;
     const double phi = lat * kDeg;
-    const double c = std::cos(phi);
+    // Both by the library's inline kernel (one reduction, within an ulp).
+    double s, c, versine;
+    CKvMathKernel::SinCos(phi, s, c, versine);
     if (m_e2 == 0.0) {
         *x = m_FE + m_a * lambda * c;
         *y = m_FN + m_a * phi;
         return;
     }
-    const double s = std::sin(phi);
     // The parallel's radius a cos phi / W; its sin 2phi and cos 2phi for M.
     *x = m_FE + m_a * lambda * c / std::sqrt(1.0 - m_e2 * s * s);
     *y = m_FN + CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
@@ -58,15 +60,26 @@ void CKvSinusoidal::Proj2Geo(double x, double y, double* lon, double* lat) const
         *lon = *lat = std::nan("");
         return;
     }
-    double phi = m_e2 == 0.0 ? north / m_a : CKvConformalLatitude::MeridianLatitude(m_meridian, north);
-    if (std::fabs(phi) > kPi / 2.0)
-        phi = phi > 0.0 ? kPi / 2.0 : -kPi / 2.0;
-    const double s = std::sin(phi), c = std::cos(phi);
-    // The parallel's half length is pi times its radius: a point beyond it is off
-    // the map (at a pole, every point but the centre's).
+    // The latitude phi and its sine and cosine; the parallel's radius a cos phi
+    // / W over a, inverted.
+    double phi, s = 0.0, c, w = 1.0;
+    if (m_e2 == 0.0) {
+        phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, north * m_invA));
+        c = std::cos(phi);
+    } else if (m_e2 <= 0.01) {
+        _footpoint(north, &phi, &s, &c);
+        w = std::sqrt(1.0 - m_e2 * s * s);
+    } else {
+        phi = CKvConformalLatitude::MeridianLatitude(m_meridian, north);
+        phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
+        s = std::sin(phi);
+        c = std::cos(phi);
+        w = std::sqrt(1.0 - m_e2 * s * s);
+    }
+    // The parallel's half length is pi times its radius: a point beyond it is
+    // off the map (at a pole, every point but the centre's).
     const double dx = x - m_FE;
-    const double radius = m_e2 == 0.0 ? m_a * c : m_a * c / std::sqrt(1.0 - m_e2 * s * s);
-    const double lambdaDeg = dx == 0.0 ? 0.0 : dx / radius / kDeg;
+    const double lambdaDeg = dx == 0.0 ? 0.0 : dx * w * m_invA / (c * kDeg);
     if (!(std::fabs(lambdaDeg) <= 180.0 + 1e-9)) {
         *lon = *lat = std::nan("");
         return;
@@ -74,6 +87,33 @@ void CKvSinusoidal::Proj2Geo(double x, double y, double* lon, double* lat) const
     *lat = phi / kDeg;
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvSinusoidal::_footpoint(double distance, double* phi, double* sinPhi, double* cosPhi) const
+{
+    // CKvConformalLatitude::MeridianLatitudeKernel's footpoint series and
+    // Newton step on M, carried with the sine and cosine of the latitude, which
+    // the parallel's radius needs too: the rectifying latitude's sine and
+    // cosine by the kernel, those of 2 mu, 2 phi and phi from them by the
+    // double-angle and addition formulas (the corrections stay below 3n/2 <=
+    // 0.004, within SinCosSmall's reach), so that one reduction serves all.
+    const double mu = distance / (m_meridian.a * m_meridian.m0);
+    double sMu, cMu, versine;
+    CKvMathKernel::SinCos(mu, sMu, cMu, versine);
+    const double s2Mu = 2.0 * sMu * cMu, c2Mu = (cMu - sMu) * (cMu + sMu);
+    const double delta = s2Mu * CKvMathKernel::Estrin<4>(c2Mu, m_meridian.footpoint);
+    const double phi0 = mu + delta;
+    double sd, cd;
+    CKvMathKernel::SinCosSmall(delta, sd, cd);
+    const double s0 = sMu * cd + cMu * sd, c0 = cMu * cd - sMu * sd;
+    const double s2 = 2.0 * s0 * c0, c2 = (c0 - s0) * (c0 + s0);
+    const double w = 1.0 - m_e2 * s0 * s0;
+    const double step = (distance - CKvConformalLatitude::MeridianDistance(m_meridian, phi0, s2, c2)) *
+                        (w * std::sqrt(w)) / (m_meridian.a * (1.0 - m_e2));
+    CKvMathKernel::SinCosSmall(step, sd, cd);
+    *phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi0 + step));
+    *sinPhi = s0 * cd + c0 * sd;
+    *cosPhi = c0 * cd - s0 * sd;
 }
 
 void CKvSinusoidal::GetOrigin(double* x, double* y) const

@@ -41,10 +41,15 @@ public:
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
 
 private:
+    // The latitude of a meridian distance within a quarter meridian, with its
+    // sine and cosine, for e^2 <= 0.01.
+    void _footpoint(double distance, double* phi, double* sinPhi, double* cosPhi) const;
+
     double m_lon0, m_FE, m_FN;
     double m_a;       // the semi-major axis or the sphere's radius (NaN: no map)
     double m_e2;      // 0 on a sphere
     double m_quarter; // the meridian's length from the equator to a pole
+    double m_invA;    // 1 / a
     CKvConformalLatitude::SMeridian m_meridian;
 };
 
