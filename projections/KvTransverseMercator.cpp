@@ -63,10 +63,8 @@ void CKvTransverseMercator::_init(double k0, double centralMeridian, double orig
     };
     chebyshev(m_cbg, f.cbg);
     chebyshev(m_cgb, f.cgb);
-    for (int k = 0; k < 4; ++k) {
-        f.gtu[k] = m_gtu[k + 1];
-        f.gut[k] = m_gut[k + 1];
-    }
+    chebyshev(m_gtu, f.gtu);
+    chebyshev(m_gut, f.gut);
     f.fast = !m_bLocal && std::isfinite(f.R) && f.R > 0.0 && std::isfinite(f.invR) && std::isfinite(m_FE) &&
              std::isfinite(m_FN) && std::isfinite(m_lambda0) && m_n >= 0.0 && m_n < 0.01;
     // The origin's northing, by the path its points take.
@@ -178,7 +176,7 @@ void CKvTransverseMercator::_Geo2Proj(double lon, double lat, double X0, double 
     const double v = std::atanh(w);
     const double r2 = num * num + den * den, oneMinusW2 = (1.0 - w) * (1.0 + w);
     double du, dv;
-    ComplexSinSum(m_gtu + 1, 2.0 * num * den / r2, (den - num) * (den + num) / r2, 2.0 * w / oneMinusW2,
+    ComplexSinSum(m_fast.gtu, 2.0 * num * den / r2, (den - num) * (den + num) / r2, 2.0 * w / oneMinusW2,
            (1.0 + w * w) / oneMinusW2, du, dv);
     const double yP = R * (u + du);
     *x = X0 + R * (v + dv);
@@ -204,7 +202,7 @@ void CKvTransverseMercator::_Proj2Geo(double x, double y, double X0, double Y0, 
     double du, dv, sin2U, cos2U, sinh2V, cosh2V;
     CKvMathKernel::SinCosAny(2.0 * u, sin2U, cos2U);
     SinhCosh(2.0 * v, sinh2V, cosh2V);
-    ComplexSinSum(m_gut + 1, sin2U, cos2U, sinh2V, cosh2V, du, dv);
+    ComplexSinSum(m_fast.gut, sin2U, cos2U, sinh2V, cosh2V, du, dv);
     u += du;
     v += dv;
     // dl = atan2(sinh v, cos u) and chi = atan2(sin u cos dl, cos u); cos dl is

@@ -53,35 +53,30 @@ public:
         double FE = 0.0, FN = 0.0, y0 = 0.0; // y0: the northing of the origin's parallel
         double cbg[4] = {0, 0, 0, 0};      // geodetic to Gaussian latitude, over sin 2phi in cos 2phi
         double cgb[4] = {0, 0, 0, 0};      // and back, over sin 2chi in cos 2chi
-        double gtu[4] = {0, 0, 0, 0};      // Krueger's series of sin 2k(u + iv), k = 1..4
+        double gtu[4] = {0, 0, 0, 0};      // Krueger's series, over sin 2(u + iv) in cos 2(u + iv)
         double gut[4] = {0, 0, 0, 0};      // and its inverse
         bool fast = false;
     };
 
-    // The complex sum of c[k-1] sin(k z), k = 1..4, z = U + iV, by Clenshaw's
-    // recurrence from sin U, cos U, sinh V and cosh V: the real part to dU, the
-    // imaginary to dV.
-    static KVCART_ALWAYS_INLINE void ComplexSinSum(const double* c, double sinU, double cosU, double sinhV,
+    // The complex sum of c_k sin(k z), k = 1..4, z = U + iV, as sin z times
+    // p[0] + p[1] cos z + p[2] cos^2 z + p[3] cos^3 z (sin kz = sin z U_{k-1}(cos z),
+    // Chebyshev's U; p from c as for the real series), by Estrin's scheme in
+    // complex arithmetic: a shorter chain than Clenshaw's recurrence. From sin U,
+    // cos U, sinh V and cosh V; the real part to dU, the imaginary to dV. The
+    // coefficients fall by the third flattening from one to the next, so that
+    // nothing cancels for |cos z| up to cosh 2.
+    static KVCART_ALWAYS_INLINE void ComplexSinSum(const double* p, double sinU, double cosU, double sinhV,
                                                    double coshV, double& dU, double& dV)
     {
-        // 2 cos(U + iV) = 2 cos U cosh V - 2i sin U sinh V. The first two steps
-        // of the recurrence written out (b2 = 0 and b1 real there).
-        const double r = 2.0 * cosU * coshV, i = -2.0 * sinU * sinhV;
-        double b2r = c[3], b2i = 0.0;
-        double b1r = c[2] + r * c[3], b1i = i * c[3];
-#pragma GCC unroll 2
-        for (int k = 1; k >= 0; --k) {
-            const double br = c[k] + r * b1r - i * b1i - b2r;
-            const double bi = r * b1i + i * b1r - b2i;
-            b2r = b1r;
-            b2i = b1i;
-            b1r = br;
-            b1i = bi;
-        }
-        // times sin(U + iV) = sin U cosh V + i cos U sinh V
+        // cos z = cos U cosh V - i sin U sinh V, sin z = sin U cosh V + i cos U sinh V
+        const double cr = cosU * coshV, ci = -sinU * sinhV;
         const double sr = sinU * coshV, si = cosU * sinhV;
-        dU = b1r * sr - b1i * si;
-        dV = b1r * si + b1i * sr;
+        const double c2r = (cr - ci) * (cr + ci), c2i = 2.0 * cr * ci;
+        const double lr = p[0] + p[1] * cr, li = p[1] * ci;
+        const double hr = p[2] + p[3] * cr, hi = p[3] * ci;
+        const double pr = lr + (c2r * hr - c2i * hi), pi = li + (c2r * hi + c2i * hr);
+        dU = sr * pr - si * pi;
+        dV = sr * pi + si * pr;
     }
 
     // sin x and cos x for 0 <= x <= pi/2 (a latitude, the spherical northing),
@@ -207,8 +202,10 @@ public:
         const double tl = sinhV / (h + cosU);
         const double dLambda = 2.0 * CKvMathKernel::AtanSmall(tl);
         const double t = -sinU * s2 / (cosU * (1.0 + s2) + h);
+        // cos 2chi from cos 2u and sinh^2 v, so that its polynomial need not wait
+        // for the square root.
         const double inv = 1.0 / (1.0 + s2);
-        const double sin2Chi = 2.0 * sinU * h * inv, cos2Chi = (h - sinU) * (h + sinU) * inv;
+        const double sin2Chi = 2.0 * sinU * h * inv, cos2Chi = (s2 + (cosU - sinU) * (cosU + sinU)) * inv;
         // phi1 = chi + delta by the series back; phi = chi - (the forward's
         // series at phi1), sin 2phi1 and cos 2phi1 by turning 2chi's through 2 delta.
         const double delta = sin2Chi * CKvMathKernel::Estrin<4>(cos2Chi, f.cgb);
