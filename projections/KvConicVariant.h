@@ -29,14 +29,19 @@ public:
         bool finite = false; // every figure finite, n not 0
     };
     // The grid point of radius rho at d degrees of longitude from the central
-    // meridian; false beyond the sine kernel's reach (or NaN).
+    // meridian: sin theta and cos theta = sin(pi/2 - |theta|) by the series
+    // without reduction (pi/2 - |theta| exact from 45 degrees on, by Sterbenz's
+    // lemma), shorter than a reduced sine and cosine. false for |theta| beyond
+    // a quarter turn (or NaN).
     static KVCART_ALWAYS_INLINE bool Place(const SCone& cone, double rho, double d, double& x, double& y)
     {
-        double sinTheta, cosTheta, vTheta;
-        CKvMathKernel::SinCos(cone.nDeg * d, sinTheta, cosTheta, vTheta);
+        constexpr double HalfPi = 1.5707963267948966;
+        const double theta = cone.nDeg * d;
+        const double sinTheta = CKvMathKernel::SinHalfPi(theta);
+        const double cosTheta = CKvMathKernel::SinHalfPi(HalfPi - std::fabs(theta));
         x = cone.FE + rho * sinTheta;
         y = cone.FN + cone.rho0 - rho * cosTheta;
-        return std::fabs(d) <= 1e5;
+        return std::fabs(theta) <= HalfPi;
     }
     // The fast paths take lon - lon0 where it needs no reduction; a point they
     // leave for a difference beyond +-180 goes through the same operations with

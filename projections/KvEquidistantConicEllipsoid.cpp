@@ -9,14 +9,17 @@ constexpr double kDeg = CKvAngle::Pi / 180.0;
 
 using SFigures = CKvEquidistantConicEllipsoid::SFigures;
 
-// Forward: the meridian distance on one SinCos of 2 phi (MeridianDistance's
-// own operations), at d degrees from the central meridian. false: a latitude
-// off the ellipsoid, not finite; the general formulas take those.
+// Forward: the meridian distance from sin phi and cos phi, at d degrees from
+// the central meridian. false: a latitude off the ellipsoid, not finite; the
+// general formulas take those.
 KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, double& x, double& y)
 {
+    // sin phi and cos phi = sin(pi/2 - |phi|) by the series without reduction
+    // (pi/2 - |phi| exact from 45 degrees on, by Sterbenz's lemma), and those of
+    // 2 phi from them.
     const double phi = lat * kDeg;
-    double s2Phi, c2Phi, v2Phi;
-    CKvMathKernel::SinCos(2.0 * phi, s2Phi, c2Phi, v2Phi);
+    const double s = CKvMathKernel::SinHalfPi(phi), c = CKvMathKernel::SinHalfPi(1.5707963267948966 - std::fabs(phi));
+    const double s2Phi = 2.0 * s * c, c2Phi = (c - s) * (c + s);
     const double rho = f.aG - CKvConformalLatitude::MeridianDistance(f.meridian, phi, s2Phi, c2Phi);
     const bool placed = CKvConicVariant::Place(f.cone, rho, d, x, y);
     return placed & (std::fabs(lat) <= 90.0);
