@@ -47,6 +47,11 @@ CKvColombiaUrban::CKvColombiaUrban(const std::string& name, const double* p, con
     m_sin0 = s0;
     m_cos0 = std::cos(m_phi0);
     m_q = m_h0 / (a * (1.0 - e2));
+    m_invA = 1.0 / m_A;
+    m_invC = 1.0 / m_C;
+    m_invD = 1.0 / m_D;
+    m_invRho0 = 1.0 / m_rho0;
+    m_smallQ = std::fabs(m_q) <= 1e-3;
     // A plane below the centre of curvature of every meridian (G <= 0 somewhere)
     // turns the grid over: no map.
     m_valid = Problem(p).empty() && a > 0.0 && std::isfinite(a) && e2 >= 0.0 && e2 < 1.0 &&
@@ -63,11 +68,28 @@ void CKvColombiaUrban::Geo2Proj(double lon, double lat, double* x, double* y) co
         return;
     const double phi = lat * kDeg;
     const double dLambda = CKvAngle::ReduceLongitude(lon * kDeg - m_lambda0);
-    double s, c;
-    CKvMathKernel::SinCosAny(phi, s, c);
+    // A city's points lie within a fraction of a degree of the origin: the
+    // sines of phi and of the mid-latitude phiM = phi0 + delta / 2 follow
+    // from phi0's by the addition formulas, on the short series of delta / 2
+    // (sin delta = 2 sin(delta/2) cos(delta/2), cos delta = 1 - 2 sin^2(delta/2)).
+    const double delta = phi - m_phi0;
+    double s, c, sM;
+    if (std::fabs(delta) <= 2.0 * CKvMathKernel::SinCosSmallLimit) {
+        double sh, ch;
+        CKvMathKernel::SinCosSmall(0.5 * delta, sh, ch);
+        sM = m_sin0 * ch + m_cos0 * sh;
+        const double sd = 2.0 * sh * ch, cd = 1.0 - 2.0 * sh * sh;
+        s = m_sin0 * cd + m_cos0 * sd;
+        c = m_cos0 * cd - m_sin0 * sd;
+    } else {
+        CKvMathKernel::SinCosAny(phi, s, c);
+        sM = std::sin(0.5 * (m_phi0 + phi));
+    }
     const double a = _a(), e2 = _e2();
     const double nu = a / std::sqrt(1.0 - e2 * s * s);
-    const double G = 1.0 + m_h0 / MeridianRadius(a, e2, std::sin(0.5 * (m_phi0 + phi)));
+    // G = 1 + h0 / rhoM = 1 + q wM^(3/2).
+    const double wM = 1.0 - e2 * sM * sM;
+    const double G = 1.0 + m_q * wM * std::sqrt(wM);
     const double L = nu * c * dLambda;
     *x = m_FE + m_A * L;
     *y = m_FN + G * m_rho0 * ((phi - m_phi0) + m_B * L * L);
@@ -98,18 +120,41 @@ void CKvColombiaUrban::Proj2Geo(double x, double y, double* lon, double* lat) co
     // the inverse is the forward's own.
     const double a = _a(), e2 = _e2();
     const double dN = y - m_FN;
-    const double dE = (x - m_FE) / m_C;
-    double phi = m_phi0 + dN / m_D - m_B * dE * dE;
-    const double u = (x - m_FE) / m_A;
-    const double base = m_phi0 - m_B * u * u, n = dN / m_rho0;
+    const double dE = (x - m_FE) * m_invC;
+    double phi = m_phi0 + dN * m_invD - m_B * dE * dE;
+    const double u = (x - m_FE) * m_invA;
+    const double base = m_phi0 - m_B * u * u, n = dN * m_invRho0;
     double s = 0.0, c = 1.0, d = 0.0;
     for (int i = 0; i < 2; ++i) {
-        CKvMathKernel::SinCosAny(phi, s, c);
+        // Within the short series' reach of phi0 (a city), the sines by the
+        // addition formulas from phi0's.
+        const double delta = phi - m_phi0;
+        if (std::fabs(delta) <= CKvMathKernel::SinCosSmallLimit) {
+            double sd, cd;
+            CKvMathKernel::SinCosSmall(delta, sd, cd);
+            s = m_sin0 * cd + m_cos0 * sd;
+            c = m_cos0 * cd - m_sin0 * sd;
+        } else {
+            CKvMathKernel::SinCosAny(phi, s, c);
+        }
         const double w = 1.0 - e2 * 0.5 * (1.0 - (m_cos0 * c - m_sin0 * s));
         const double rootW = std::sqrt(w);
-        const double inverseG = 1.0 / (1.0 + m_q * w * rootW);
+        const double g = m_q * w * rootW; // G - 1
         const double slope = -0.75 * m_q * e2 * (m_sin0 * c + m_cos0 * s) * rootW; // G'
-        d = -(phi - base - n * inverseG) / (1.0 + n * slope * inverseG * inverseG);
+        if (m_smallQ) {
+            // 1 / G = 1 - g + ... + g^6 with |g| <= 1e-3 (the first term left
+            // out below 1e-21), and the step's quotient by 1 + t, |t| = |n G'
+            // / G^2| <= 4 * 0.75 |q| e^2 <= 2e-5, as 1 - t + t^2 (relatively
+            // 1e-14 of a step, which either is below 1e-8 or is followed by
+            // another): no division.
+            const double g2 = g * g;
+            const double inverseG = 1.0 - g + g2 * ((1.0 - g) + g2 * ((1.0 - g) + g2));
+            const double t = n * slope * inverseG * inverseG;
+            d = -(phi - base - n * inverseG) * (1.0 - t + t * t);
+        } else {
+            const double inverseG = 1.0 / (1.0 + g);
+            d = -(phi - base - n * inverseG) / (1.0 + n * slope * inverseG * inverseG);
+        }
         phi += d;
         if (std::fabs(d) <= 1e-8)
             break;
@@ -125,10 +170,11 @@ void CKvColombiaUrban::Proj2Geo(double x, double y, double* lon, double* lat) co
     } else {
         CKvMathKernel::SinCosAny(phi, s, c);
     }
-    const double nu = a / std::sqrt(1.0 - e2 * s * s);
     *lat = phi / kDeg;
-    // At a pole u is 0 and the longitude the origin's.
-    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + (u == 0.0 ? 0.0 : u / (nu * c))) / kDeg);
+    // At a pole u is 0 and the longitude the origin's. u / (nu cos phi), nu =
+    // a / sqrt(1 - e^2 sin^2 phi).
+    const double dLambda = u == 0.0 ? 0.0 : u * std::sqrt(1.0 - e2 * s * s) / (a * c);
+    *lon = CKvAngle::ReduceLongitudeDegrees((m_lambda0 + dLambda) / kDeg);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
 

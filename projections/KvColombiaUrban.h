@@ -44,6 +44,8 @@ private:
     double m_rho0, m_A, m_B, m_C, m_D;
     double m_sin0, m_cos0; // of phi0
     double m_q;            // h0 / (a (1 - e^2)): G = 1 + q w^(3/2), w = 1 - e^2 sin^2(phiM)
+    double m_invA, m_invC, m_invD, m_invRho0;
+    bool m_smallQ;         // |q| <= 1e-3: the inverse's quotients by their series
     bool m_valid;
 };
 
