@@ -27,10 +27,13 @@ inline double PoleSide(double w, double h, double hc)
 {
     return w - 2.0 * h * hc * (1.0 - 2.0 * h * h) + 4.0 * h * h;
 }
-inline double PoleSide(double w)
-{
-    return PoleSide(w, std::sin(w / 2.0), std::cos(w / 2.0));
-}
+// The polar start: w / r for r = sqrt(C) as a polynomial in x = r kPoleScale - 1
+// (see CKvEckertIV::_theta), written by tools/make_eckert4_start.py.
+constexpr double kPoleScale = 3.3469363708070623;
+constexpr double kPole[10] = {0.9226527026405156,     -0.05982600731696686,   0.013950822883103,
+                              -0.0027043142741878415, 0.0006530174409175914,  -0.00015823255167060063,
+                              4.004083650372968e-05,  -1.042932786905482e-05, 3.4648387163827023e-06,
+                              -9.672653568770784e-07};
 } // namespace
 
 CKvEckertIV::CKvEckertIV(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid)
@@ -43,6 +46,8 @@ CKvEckertIV::CKvEckertIV(const std::string& name, const double* parameters, cons
     const bool usable = a > 0.0 && std::isfinite(a) && std::isfinite(m_lon0) && std::isfinite(m_FE) &&
                         std::isfinite(m_FN);
     m_R = usable ? a : std::nan("");
+    m_invY = 1.0 / (kCy * m_R);
+    m_invX = 1.0 / (kCx * m_R * kDeg);
 }
 
 void CKvEckertIV::_theta(double lat, double* sinTheta, double* cosTheta)
@@ -71,27 +76,28 @@ void CKvEckertIV::_theta(double lat, double* sinTheta, double* cosTheta)
         CKvMathKernel::SinCosSmall(step, sd, cd);
         st = sn * cd + cs * sd;
         ct = cs * cd - sn * sd;
+    } else if (std::fabs(lat) == 90.0) {
+        st = 1.0; // the pole itself, w = 0
+        ct = 0.0;
     } else {
-        // w = pi/2 - |theta|: PoleSide(w) = Cp (1 - s) = Cp cos^2 phi / (1 + s),
-        // with PoleSide(w) = w^2 + 2 w^3 / 3 - w^4 / 12 - ..., whose root is
-        // r (1 - r / 3 + 23 r^2 / 72) to third order in r = sqrt(Cp (1 - s)),
-        // and derivative 2 sin w (1 + sin w). The pole itself is w = 0.
-        const double c = std::fabs(lat) == 90.0 ? 0.0 : cosPhi;
-        const double C = kCp * c * c / (1.0 + s);
+        // w = pi/2 - |theta|: PoleSide(w) = C = Cp (1 - s) = Cp cos^2 phi / (1 + s),
+        // with PoleSide(w) = w^2 + 2 w^3 / 3 - ..., from the start w0 = r Q(r),
+        // r = sqrt(C), within 6.2e-10 w of the root. PoleSide' = 2 sin w (1 +
+        // sin w) and PoleSide'' = 2 cos w (1 + 2 sin w): Newton's step leaves
+        // cos w (1 + 2 sin w) / (2 sin w (1 + sin w)) e^2 < e^2 / w of an error
+        // e, below 4e-19 w. The sines of the root follow from those of the
+        // start by the addition formulas.
+        const double C = kCp * cosPhi * cosPhi / (1.0 + s);
         const double r = std::sqrt(C);
-        double w = r * (1.0 - r / 3.0 + r * r * (23.0 / 72.0));
+        const double w = r * CKvMathKernel::Estrin<10>(r * kPoleScale - 1.0, kPole);
         double h, hc;
-        for (int i = 0; i < 12 && w > 0.0; ++i) {
-            CKvMathKernel::SinCos(w / 2.0, h, hc, versine);
-            const double sw = 2.0 * h * hc;
-            const double step = (PoleSide(w, h, hc) - C) / (2.0 * sw * (1.0 + sw));
-            w -= step;
-            if (std::fabs(step) <= 1e-9 * w) // what is left: some 1e-18 w
-                break;
-        }
         CKvMathKernel::SinCos(w / 2.0, h, hc, versine);
-        st = 1.0 - 2.0 * h * h; // cos w
-        ct = 2.0 * h * hc;      // sin w
+        const double sw = 2.0 * h * hc, cw = 1.0 - 2.0 * h * h;
+        const double step = -(PoleSide(w, h, hc) - C) / (2.0 * sw * (1.0 + sw));
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(step, sd, cd);
+        st = cw * cd - sw * sd; // cos(w + step)
+        ct = sw * cd + cw * sd; // sin(w + step)
     }
     *sinTheta = lat < 0.0 ? -st : st;
     *cosTheta = ct;
@@ -112,29 +118,33 @@ void CKvEckertIV::Geo2Proj(double lon, double lat, double* x, double* y) const
 
 void CKvEckertIV::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
-    const double Y = (y - m_FN) / (kCy * m_R);
+    const double Y = (y - m_FN) * m_invY;
     if (!(std::fabs(Y) <= 1.0 + 1e-15) || !std::isfinite(x)) {
         *lon = *lat = std::nan("");
         return;
     }
     const double absY = std::fabs(Y) > 1.0 ? 1.0 : std::fabs(Y);
     const double cosTheta = std::sqrt((1.0 - absY) * (1.0 + absY));
-    const double lambdaDeg = (x - m_FE) / (kCx * m_R * (1.0 + cosTheta)) / kDeg;
+    const double lambdaDeg = (x - m_FE) * m_invX / (1.0 + cosTheta);
     if (!(std::fabs(lambdaDeg) <= 180.0 + 1e-9)) {
         *lon = *lat = std::nan("");
         return;
     }
     double phi;
+    // The arcs by the inline kernel's atan2 of a sine and a cosine (within an
+    // ulp or two of libm's).
     if (absY <= 0.5) {
-        const double theta = std::asin(absY);
-        phi = std::asin((theta + absY * cosTheta + 2.0 * absY) / kCp);
+        const double theta = CKvMathKernel::Atan2(absY, cosTheta);
+        const double z = (theta + absY * cosTheta + 2.0 * absY) * (1.0 / kCp);
+        phi = CKvMathKernel::Atan2(z, std::sqrt((1.0 - z) * (1.0 + z)));
     } else {
         // Near the pole through w = pi/2 - theta: 1 - sin phi = PoleSide(w) / Cp,
-        // and phi from its sine and cosine rather than an arc sine of a number
-        // close to 1.
-        const double w = std::atan2(cosTheta, absY);
-        const double d = PoleSide(w) / kCp;
-        phi = std::atan2(1.0 - d, std::sqrt(d * (2.0 - d)));
+        // with sin w = cos theta, cos w = sin theta and 4 sin^2(w / 2) = 2 (1 -
+        // sin theta), and phi from its sine and cosine rather than an arc sine
+        // of a number close to 1.
+        const double w = CKvMathKernel::Atan2(cosTheta, absY);
+        const double d = (w - cosTheta * absY + 2.0 * (1.0 - absY)) * (1.0 / kCp);
+        phi = CKvMathKernel::Atan2(1.0 - d, std::sqrt(d * (2.0 - d)));
     }
     *lat = (Y < 0.0 ? -phi : phi) / kDeg;
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);

@@ -46,6 +46,7 @@ private:
 
     double m_lon0, m_FE, m_FN;
     double m_R; // the sphere's radius, a (NaN: no map)
+    double m_invY, m_invX; // the inverse's scales: 1 / (Cy R), and 1 / (Cx R) per degree
 };
 
 #endif
