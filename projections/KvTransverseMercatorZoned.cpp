@@ -1,5 +1,6 @@
 #include "projections/KvTransverseMercatorZoned.h"
 #include "projections/KvAngle.h"
+#include "projections/KvBatch.h"
 
 #include <algorithm>
 #include <cmath>
@@ -86,37 +87,110 @@ int CKvTransverseMercatorZoned::_zoneAtEdge(double lon, double* fromCentre) cons
     return zone;
 }
 
-void CKvTransverseMercatorZoned::Geo2Proj(double lon, double lat, double* x, double* y) const
+int CKvTransverseMercatorZoned::_forwardZone(double lon, double lat, double* fromCentre) const
 {
-    if (!m_valid || !std::isfinite(lon)) {
-        *x = *y = std::nan("");
-        return;
-    }
-    if (!CKvAngle::GuardForward(lat, x, y))
-        return;
-    double fromCentre;
-    const int zone = _zone(CKvAngle::ReduceLongitudeDegrees(lon), &fromCentre);
-    m_tm.CKvTransverseMercatorJHS::Geo2Proj(fromCentre, lat, x, y);
-    *x += zone * kZoneStep + m_FE;
+    if (!m_valid || !std::isfinite(lon) || !CKvAngle::IsLatitude(lat))
+        return 0;
+    return _zone(CKvAngle::ReduceLongitudeDegrees(lon), fromCentre);
 }
 
-void CKvTransverseMercatorZoned::Proj2Geo(double x, double y, double* lon, double* lat) const
+int CKvTransverseMercatorZoned::_inverseZone(double x, double y) const
 {
     // floor(q) within [1, zones] is q within [1, zones + 1), where the
     // conversion to int truncates it: no call of floor.
     const double q = (x - m_FE) / kZoneStep + 0.5;
-    if (!m_valid || !(q >= 1.0 && q < m_zones + 1.0) || !std::isfinite(y)) {
-        *lon = *lat = std::nan("");
-        return;
-    }
-    const int zone = static_cast<int>(q);
-    m_tm.CKvTransverseMercatorJHS::Proj2Geo(x - m_FE - zone * kZoneStep, y, lon, lat);
+    if (!m_valid || !(q >= 1.0 && q < m_zones + 1.0) || !std::isfinite(y))
+        return 0;
+    return static_cast<int>(q);
+}
+
+void CKvTransverseMercatorZoned::_inverseFinish(int zone, double x, double y, double* lon, double* lat) const
+{
     // At a pole every longitude names the point: the zone's central meridian is
     // the one that takes it back into the same zone. Within 1e-9 degree of it
     // (0.1 mm) the longitude is rounding's.
     const double fromCentre = std::fabs(*lat) >= 90.0 - 1e-9 ? 0.0 : *lon;
     *lon = CKvAngle::InverseLongitudeDegrees(fromCentre + _centralMeridian(zone));
     CKvAngle::GuardInverse(x, y, lon, lat);
+}
+
+void CKvTransverseMercatorZoned::Geo2Proj(double lon, double lat, double* x, double* y) const
+{
+    double fromCentre;
+    const int zone = _forwardZone(lon, lat, &fromCentre);
+    if (zone == 0) {
+        *x = *y = std::nan("");
+        return;
+    }
+    m_tm.CKvTransverseMercatorJHS::Geo2Proj(fromCentre, lat, x, y);
+    *x += zone * kZoneStep + m_FE;
+}
+
+void CKvTransverseMercatorZoned::Proj2Geo(double x, double y, double* lon, double* lat) const
+{
+    const int zone = _inverseZone(x, y);
+    if (zone == 0) {
+        *lon = *lat = std::nan("");
+        return;
+    }
+    m_tm.CKvTransverseMercatorJHS::Proj2Geo(x - m_FE - zone * kZoneStep, y, lon, lat);
+    _inverseFinish(zone, x, y, lon, lat);
+}
+
+// The batches: the zones of a block first, then the zones' transverse Mercator
+// over the whole block in its own (vectorized) batch, whose results are its
+// single-point calls' bits, then the zones' offsets.
+void CKvTransverseMercatorZoned::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
+                                          std::size_t latStride, double* x, std::size_t xStride, double* y,
+                                          std::size_t yStride) const
+{
+    constexpr std::size_t D = sizeof(double);
+    CKvBatch::ForEachCopiedBlock(
+        n, lon, lonStride, lat, latStride,
+        [&](std::size_t first, std::size_t count, const double* a, const double* b) {
+            double fromCentre[CKvBatch::BlockSize], u[CKvBatch::BlockSize], v[CKvBatch::BlockSize];
+            int zone[CKvBatch::BlockSize];
+            for (std::size_t i = 0; i < count; ++i) {
+                zone[i] = _forwardZone(a[i], b[i], &fromCentre[i]);
+                if (zone[i] == 0)
+                    fromCentre[i] = 0.0;
+            }
+            m_tm.CKvTransverseMercatorJHS::Geo2Proj(count, fromCentre, D, b, D, u, D, v, D);
+            for (std::size_t i = 0; i < count; ++i) {
+                if (zone[i] == 0)
+                    u[i] = v[i] = std::nan("");
+                else
+                    u[i] += zone[i] * kZoneStep + m_FE;
+                *CKvBatch::At(x, xStride, first + i) = u[i];
+                *CKvBatch::At(y, yStride, first + i) = v[i];
+            }
+        });
+}
+
+void CKvTransverseMercatorZoned::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
+                                          std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
+                                          std::size_t latStride) const
+{
+    constexpr std::size_t D = sizeof(double);
+    CKvBatch::ForEachCopiedBlock(
+        n, x, xStride, y, yStride, [&](std::size_t first, std::size_t count, const double* a, const double* b) {
+            double zx[CKvBatch::BlockSize], zy[CKvBatch::BlockSize], u[CKvBatch::BlockSize], v[CKvBatch::BlockSize];
+            int zone[CKvBatch::BlockSize];
+            for (std::size_t i = 0; i < count; ++i) {
+                zone[i] = _inverseZone(a[i], b[i]);
+                zx[i] = zone[i] == 0 ? 0.0 : a[i] - m_FE - zone[i] * kZoneStep;
+                zy[i] = zone[i] == 0 ? 0.0 : b[i];
+            }
+            m_tm.CKvTransverseMercatorJHS::Proj2Geo(count, zx, D, zy, D, u, D, v, D);
+            for (std::size_t i = 0; i < count; ++i) {
+                if (zone[i] == 0)
+                    u[i] = v[i] = std::nan("");
+                else
+                    _inverseFinish(zone[i], a[i], b[i], &u[i], &v[i]);
+                *CKvBatch::At(lon, lonStride, first + i) = u[i];
+                *CKvBatch::At(lat, latStride, first + i) = v[i];
+            }
+        });
 }
 
 void CKvTransverseMercatorZoned::GetOrigin(double* x, double* y) const

@@ -35,6 +35,11 @@ public:
     using CKvProjection::Proj2Geo;
     void Geo2Proj(double lon, double lat, double* x, double* y) const override;
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
+    // Blocks of points through the zones' transverse Mercator in its batch form.
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
     // The initial longitude and the latitude of natural origin.
     void GetOrigin(double* x, double* y) const override;
     double GetConvergence(double lon, double lat) const override;
@@ -47,6 +52,11 @@ private:
     // its central meridian.
     int _zone(double lon, double* fromCentre) const;
     int _zoneAtEdge(double lon, double* fromCentre) const; // the general rule, next to an edge
+    // The zone of a point, 0 for one without an image (NaN for both coordinates).
+    int _forwardZone(double lon, double lat, double* fromCentre) const;
+    int _inverseZone(double x, double y) const;
+    // The longitude from the zone's central meridian, the poles and the guard.
+    void _inverseFinish(int zone, double x, double y, double* lon, double* lat) const;
     double _centralMeridian(int zone) const { return m_lonI + zone * m_width - 0.5 * m_width; }
 
     CKvTransverseMercatorJHS m_tm; // central meridian 0, false easting 0
