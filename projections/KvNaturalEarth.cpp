@@ -12,9 +12,14 @@ constexpr double kDeg = kPi / 180.0;
 constexpr double A0 = 0.8707, A1 = -0.131979, A2 = -0.013791, A3 = 0.003971, A4 = -0.001529;
 constexpr double B0 = 1.007226, B1 = 0.015085, B2 = -0.044475, B3 = 0.028874, B4 = -0.005916;
 // Newton's method on y(phi), which rises monotonically from the equator to the
-// poles (its derivative stays above 0.66): from phi = y / B0 it reaches
-// rounding in at most 5 steps over the whole range; 16 bound the time.
+// poles (its derivative stays above 0.12, |y''| below 6.6): a step s leaves
+// an error below 27 s^2, so that the iteration stops after a step below
+// 1e-9 (some 3e-17 left). It starts from a least-squares fit of phi / y in
+// y^2 over the map (the coefficients below), which only shortens the work:
+// 3 steps on average and at most 6 over the whole range; 16 bound the time.
 constexpr int kMaxIterations = 16;
+constexpr double kStart[4] = {0.9916175275749318, -0.001301952083424038, -0.00899979238562984,
+                              0.015712793580587973};
 
 // The length of the parallel over that of the equator times A0, and the
 // northing over R.
@@ -72,12 +77,13 @@ void CKvNaturalEarth::Proj2Geo(double x, double y, double* lon, double* lat) con
     const double Y = (y - m_FN) / m_R, X = (x - m_FE) / m_R;
     if (!(std::fabs(Y) <= kPoleY * (1.0 + 1e-15)) || !std::isfinite(X))
         return;
-    double phi = Y / B0;
+    const double Y2 = Y * Y;
+    double phi = Y * (kStart[0] + Y2 * (kStart[1] + Y2 * (kStart[2] + Y2 * kStart[3])));
     for (int i = 0; i < kMaxIterations; ++i) {
         const double p = phi * phi;
         const double step = (Northing(phi, p) - Y) / NorthingSlope(p);
         phi -= step;
-        if (!(std::fabs(step) > 1e-15))
+        if (!(std::fabs(step) > 1e-9))
             break;
     }
     phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));

@@ -56,6 +56,27 @@ const float kDistance[19][4] = {
     {1.0f, 0.0f, 0.0f, 0.0f},
 };
 
+// The piece of each of kBins equal bins of Y in [0, 1): the last piece whose
+// lower parallel lies at or below the bin's start. The pieces are at least
+// 0.0239 high, more than a bin (1 / 64), so that a Y of the bin lies in that
+// piece or the next.
+constexpr int kBins = 64;
+struct SPieceTable
+{
+    int piece[kBins];
+    SPieceTable() : piece()
+    {
+        for (int b = 0; b < kBins; ++b) {
+            int i = 0;
+            while (i < 17 && kDistance[i + 1][0] <= static_cast<double>(b) / kBins)
+                ++i;
+            piece[b] = i;
+        }
+    }
+};
+const SPieceTable kPieceTable;
+const int* const kPieceOfBin = kPieceTable.piece;
+
 inline double Piece(const float* c, double t)
 {
     return c[0] + t * (c[1] + t * (c[2] + t * c[3]));
@@ -114,15 +135,9 @@ void CKvRobinson::Proj2Geo(double x, double y, double* lon, double* lat) const
         X = kLength[18][0];
     } else {
         // The piece whose lower parallel lies at or below Y (Y grows with the
-        // latitude), by bisection over the 18 pieces.
-        int lo = 0, hi = 18;
-        while (hi - lo > 1) {
-            const int mid = (lo + hi) / 2;
-            if (kDistance[mid][0] <= Y)
-                lo = mid;
-            else
-                hi = mid;
-        }
+        // latitude): the table's piece of Y's bin, or the next one.
+        int lo = kPieceOfBin[static_cast<int>(Y * kBins)];
+        lo += kDistance[lo + 1][0] <= Y && lo < 17;
         const float* c = kDistance[lo];
         // Newton's method on the cubic from the chord's estimate; its slope stays
         // above 0.006 per degree, and six steps bound the work; after a step
