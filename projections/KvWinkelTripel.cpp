@@ -52,9 +52,12 @@ void CKvWinkelTripel::_unit(double phi, double lambda, double* X, double* Y, dou
     // sin^2 phi + cos^2 phi sin^2(lambda/2), which does not cancel near the centre.
     const double cosAlpha = c * C;
     const double sinAlpha = std::sqrt(s * s + c * c * S * S);
-    const double alpha = std::atan2(sinAlpha, cosAlpha);
+    // The kernel's atan2 (within an ulp or two of libm's): the inverse's
+    // iteration takes it at every step too.
+    const double alpha = CKvMathKernel::Atan2(sinAlpha, cosAlpha);
     // alpha / sin alpha, 1 at the centre (where atan2 returns sin alpha itself).
-    const double f = sinAlpha > 0.0 ? alpha / sinAlpha : 1.0;
+    const double invSinAlpha = 1.0 / sinAlpha;
+    const double f = sinAlpha > 0.0 ? alpha * invSinAlpha : 1.0;
     *X = 2.0 * c * S * f + lambda * m_cosPhi1;
     *Y = s * f + phi;
     if (jacobian == nullptr)
@@ -63,7 +66,7 @@ void CKvWinkelTripel::_unit(double phi, double lambda, double* X, double* Y, dou
     // d cos alpha = -sin alpha d alpha; g = (1 - f cos alpha) / sin^2 alpha
     // tends to 1/3 at the centre, where it is only ever multiplied by squares
     // of sin alpha's size (the difference's rounding is divided out with them).
-    const double g = sinAlpha > 1e-4 ? (1.0 - f * cosAlpha) / (sinAlpha * sinAlpha) : 1.0 / 3.0;
+    const double g = sinAlpha > 1e-4 ? (1.0 - f * cosAlpha) * (invSinAlpha * invSinAlpha) : 1.0 / 3.0;
     jacobian[0] = 2.0 * S * s * (g * c * C - f);            // dX/dphi
     jacobian[1] = c * (C * f + g * c * S * S) + m_cosPhi1;  // dX/dlambda
     jacobian[2] = c * f + g * s * s * C + 1.0;              // dY/dphi
@@ -112,9 +115,9 @@ void CKvWinkelTripel::Proj2Geo(double x, double y, double* lon, double* lat) con
         _unit(phi, lambda, &fx, &fy, J);
         fx -= X;
         fy -= Y;
-        const double det = J[0] * J[3] - J[1] * J[2];
-        const double dPhi = (J[1] * fy - J[3] * fx) / det;
-        const double dLambda = (J[2] * fx - J[0] * fy) / det;
+        const double invDet = 1.0 / (J[0] * J[3] - J[1] * J[2]);
+        const double dPhi = (J[1] * fy - J[3] * fx) * invDet;
+        const double dLambda = (J[2] * fx - J[0] * fy) * invDet;
         if (!std::isfinite(dPhi) || !std::isfinite(dLambda))
             return;
         phi += dPhi;
