@@ -6,6 +6,8 @@
 
 #include "catalogue/KvEllipsoid.h"
 #include "coordsys/KvMapProjection.h"
+#include "projections/KvAlbersEqualArea.h"
+#include "projections/KvEquidistantConic.h"
 #include "projections/KvHotineObliqueMercator.h"
 #include "projections/KvLambert1SP.h"
 #include "projections/KvLambertAzimuthalEqualArea.h"
@@ -22,6 +24,8 @@
 #include "projections/KvStereographicNorthPole.h"
 #include "projections/KvStereographicSouthPole.h"
 #include "projections/KvStereographic.h"
+#include "projections/KvTransverseMercator.h"
+#include "projections/KvTransverseMercatorZoned.h"
 
 #include <array>
 #include <cmath>
@@ -260,6 +264,46 @@ TEST(VectorBatch, LambertAzimuthalEqualArea)
     ExpectLoopsMatchSingleCalls(polar, 0, 90, circle, "LAEA, north polar", 55);
 }
 
+TEST(VectorBatch, AlbersEqualArea)
+{
+    // Conus Albers, a southern cone (n < 0, the Australian Albers), parallels
+    // near a pole, Clarke 1880, and the sphere, northern and southern. Grid
+    // points north of the map, beyond a quarter turn about the apex.
+    const CKvAlbersEqualArea conus("conus", 29.5, 45.5, -96, 23, 0, 0, kGrs80);
+    const CKvAlbersEqualArea australia("australia", -18, -36, 132, 0, 0, 0, kGrs80);
+    const CKvAlbersEqualArea arctic("arctic", 60, 89, 20, 75, 500000, 0, kWgs84);
+    const CKvAlbersEqualArea clarke("clarke", 10, 30, 20, 0, 0, 0, kClarke1880);
+    const CKvAlbersEqualArea sphere("sphere", 29.5, 45.5, -96, 23, 0, 0, kSphere);
+    const CKvAlbersEqualArea sphereSouth("sphere south", -50, -70, -60, -60, 1e6, 1e6, kSphere);
+    const GridPoints north = {{0, 2e7}, {3e7, 3e7}, {-3e7, 1.5e7}, {0, -3e7}};
+    ExpectLoopsMatchSingleCalls(conus, -96, 23, north, "Conus Albers", 70);
+    ExpectLoopsMatchSingleCalls(australia, 132, -27, north, "Albers, southern", 71);
+    ExpectLoopsMatchSingleCalls(arctic, 20, 75, north, "Albers, arctic", 72);
+    ExpectLoopsMatchSingleCalls(clarke, 20, 0, north, "Albers, Clarke 1880", 73);
+    ExpectLoopsMatchSingleCalls(sphere, -96, 23, north, "Albers, sphere", 74);
+    ExpectLoopsMatchSingleCalls(sphereSouth, -60, -60, north, "Albers, southern sphere", 75);
+}
+
+TEST(VectorBatch, EquidistantConic)
+{
+    // The contiguous USA's, a southern cone, a tangent cone (equal parallels),
+    // Clarke 1880, and the sphere, northern and southern. Grid points beyond
+    // the poles' radii and about the apex.
+    const CKvEquidistantConic usa("usa", 33, 45, -96, 39, 0, 0, kGrs80);
+    const CKvEquidistantConic south("south", -20, -40, 25, -30, 1e6, 1e7, kWgs84);
+    const CKvEquidistantConic tangent("tangent", 50, 50, 10, 50, 0, 0, kGrs80);
+    const CKvEquidistantConic clarke("clarke", 10, 30, 20, 0, 0, 0, kClarke1880);
+    const CKvEquidistantConic sphere("sphere", 33, 45, -96, 39, 0, 0, kSphere);
+    const CKvEquidistantConic sphereSouth("sphere south", -50, -70, -60, -60, 1e6, 1e6, kSphere);
+    const GridPoints far = {{0, 2e7}, {3e7, 3e7}, {-3e7, 1.5e7}, {0, -3e7}, {0, 9e6}, {0, -9e6}};
+    ExpectLoopsMatchSingleCalls(usa, -96, 39, far, "USA equidistant conic", 80);
+    ExpectLoopsMatchSingleCalls(south, 25, -30, far, "equidistant conic, southern", 81);
+    ExpectLoopsMatchSingleCalls(tangent, 10, 50, far, "equidistant conic, tangent", 82);
+    ExpectLoopsMatchSingleCalls(clarke, 20, 0, far, "equidistant conic, Clarke 1880", 83);
+    ExpectLoopsMatchSingleCalls(sphere, -96, 39, far, "equidistant conic, sphere", 84);
+    ExpectLoopsMatchSingleCalls(sphereSouth, -60, -60, far, "equidistant conic, southern sphere", 85);
+}
+
 TEST(VectorBatch, HotineObliqueMercators)
 {
     const CKvEllipsoid everest("Everest 1830 (1967)", "EE", 6377298.556, 300.8017);
@@ -378,4 +422,34 @@ TEST(VectorBatch, Krovak)
     ExpectLoopsMatchSingleCalls(turned, 15, 50, apex, "Krovak turned", 82);
     ExpectLoopsMatchSingleCalls(sphere, lon0, 49.5, apex, "Krovak, sphere", 83);
     ExpectLoopsMatchSingleCalls(other, -100, 30, apex, "Krovak, other cone", 84);
+}
+
+TEST(VectorBatch, TransverseMercators)
+{
+    // The complex series: UTM, a grid with its origin off the equator (British
+    // National Grid), the southern hemisphere with a false northing, a sphere,
+    // and an origin at the pole; grid points at the poles' northings and a
+    // quarter turn east.
+    const CKvTransverseMercator utm("UTM-32", 0.9996, 9, 0, 500000, 0, kWgs84);
+    const CKvTransverseMercator bng("BNG", 0.9996012717, -2, 49, 400000, -100000, kClarke1880);
+    const CKvTransverseMercator south("UTM-33S", 0.9996, 15, 0, 500000, 10000000, kGrs80);
+    const CKvTransverseMercator sphere("sphere", 1, -70, 20, 0, 0, kSphere);
+    const CKvTransverseMercator polar("polar", 1, 0, 90, 0, 0, kWgs84);
+    const GridPoints special = {{500000, 9997964.943}, {500000, -9997964.943}, {500000, 1e7}, {1.5e7, 0}};
+    ExpectLoopsMatchSingleCalls(utm, 9, 50, special, "UTM, complex series", 90);
+    ExpectLoopsMatchSingleCalls(bng, -2, 54, special, "British National Grid, complex series", 91);
+    ExpectLoopsMatchSingleCalls(south, 15, -35, special, "southern UTM, complex series", 92);
+    ExpectLoopsMatchSingleCalls(sphere, -70, 20, special, "sphere, complex series", 93);
+    ExpectLoopsMatchSingleCalls(polar, 0, 89, special, "polar origin, complex series", 94);
+
+    // The zoned grid (WGS 84 / UTM grid system, and 3-degree zones on the
+    // International ellipsoid): the zones' batches, with eastings on the edges
+    // between zones and beyond the first and the last.
+    const double utmGrid[] = {0, -180, 6, 0.9996, 500000, 0};
+    const double threeDegrees[] = {0, 0, 3, 1, 500000, 0};
+    const CKvTransverseMercatorZoned zoned("UTM grid", utmGrid, kWgs84);
+    const CKvTransverseMercatorZoned zoned3("3 degree zones", threeDegrees, CKvEllipsoid("Intl", "IN", 6378388, 297));
+    const GridPoints edges = {{1e6, 5e6}, {31e6, -5e6}, {61e6, 0}, {60.9e6, 0}, {0.9e6, 0}, {31500000, 9997964.943}};
+    ExpectLoopsMatchSingleCalls(zoned, 9, 50, edges, "UTM grid system", 95);
+    ExpectLoopsMatchSingleCalls(zoned3, 13.5, 50, edges, "3-degree zoned grid", 96);
 }
