@@ -8,6 +8,8 @@
 // degree (about a micrometre).
 #include "projections/KvAlbersEqualArea.h"
 #include "projections/KvCassiniSoldner.h"
+#include "projections/KvEckertIV.h"
+#include "projections/KvEqualEarth.h"
 #include "projections/KvEquidistantConic.h"
 #include "projections/KvHotineObliqueMercator.h"
 #include "projections/KvKrovak.h"
@@ -16,10 +18,12 @@
 #include "projections/KvLambertAzimuthalEqualArea.h"
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
+#include "projections/KvMollweide.h"
 #include "projections/KvNewZealandMapGrid.h"
 #include "projections/KvObliqueMercator.h"
 #include "projections/KvPolarStereographic.h"
 #include "projections/KvRectifiedSkewOrthomorphic.h"
+#include "projections/KvSinusoidal.h"
 #include "projections/KvStereographic.h"
 #include "projections/KvStereographicNorthPole.h"
 #include "projections/KvStereographicSouthPole.h"
@@ -307,4 +311,25 @@ TEST(RoundTrip, NewZealandMapGrid)
                 {System("NZGD49 / New Zealand Map Grid",
                         Make<CKvNewZealandMapGrid>("n", 173.0, -41.0, 2510000.0, 6023150.0, kIntl), 166.37, -47.33,
                         178.63, -34.1)});
+}
+
+TEST(RoundTrip, WorldMaps)
+{
+    // The forwards' Newton steps from polynomial starts against the inverses'
+    // closed forms (Mollweide, Eckert IV) and the inverses' steps against the
+    // forwards (Equal Earth, sinusoidal): across each start's border (sin phi =
+    // 0.9, 64.158 degrees), towards the poles and at the map's edges. Not
+    // within a tenth of a degree of the poles, where the inverses' latitude from
+    // a northing that is quadratic in the distance to the pole keeps only half
+    // the digits.
+    const double centre[3] = {0.0, 0.0, 0.0}, offset[3] = {-96.0, 500000.0, -200000.0};
+    const std::vector<std::pair<double, double>> extra = {
+        {170.0, 64.15806723683288}, {-120.0, -64.1580672368329}, {179.99, 89.9},  {30.0, 89.5},
+        {-179.9, -89.9},       {45.0, 63.9},                {-3.0, 72.5},    {100.0, 1e-9}};
+    CheckFamily("World maps",
+                {System("Mollweide, sphere", Make<CKvMollweide>("m", centre, kSphere), -180, -90, 180, 90, extra),
+                 System("Eckert IV, sphere", Make<CKvEckertIV>("e", offset, kSphere), -180, -90, 180, 90, extra),
+                 System("Equal Earth, WGS 84", Make<CKvEqualEarth>("q", centre, kWgs84), -180, -90, 180, 90, extra),
+                 System("Sinusoidal, Clarke 1880", Make<CKvSinusoidal>("s", offset, kClarkeIgn), -180, -90, 180, 90,
+                        extra)});
 }
