@@ -39,7 +39,24 @@ KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, dou
     return (std::fabs(lat) <= 90.0) & (std::fabs(dl) <= CKvAngle::Pi) & (sum > CKvAngle::AntipodeLimit);
 }
 
+// The inverse's fast path: the general formulas below with the kernels' asin
+// and atan2. false: the centre itself, the boundary circle and beyond, a sine of
+// the latitude beyond +-1 by rounding, a longitude to be reduced, not finite.
+KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
+{
+    const double dx = x - f.FE, dy = y - f.FN;
+    const double rho2 = dx * dx + dy * dy;
+    const double s2 = rho2 * f.inv4A2, h = std::sqrt(std::fabs(1.0 - s2));
+    const double cc = 1.0 - 2.0 * s2, dyh = dy * h;
+    const double sinPhi = cc * f.sinPhi0 + dyh * f.cosPhi0OverA;
+    const double lambda = f.lambda0 + CKvMathKernel::Atan2(dx * h, f.aCosPhi0 * cc - dyh * f.sinPhi0);
+    lat = CKvMathKernel::Asin(sinPhi) * kToDegrees;
+    lon = lambda * kToDegrees;
+    return (rho2 > 0.0) & (s2 < 1.0) & (std::fabs(sinPhi) <= 1.0) & (std::fabs(lambda) <= CKvAngle::Pi);
+}
+
 KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
+KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
 } // namespace
 
 CKvLambertAzimuthalEqualAreaSphere::CKvLambertAzimuthalEqualAreaSphere(double lambda0, double phi0, double falseEasting,
@@ -85,6 +102,8 @@ void CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(double lon, double lat, double
 void CKvLambertAzimuthalEqualAreaSphere::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     const SFigures& f = m_fast;
+    if (f.fast && Inverse(f, x, y, *lon, *lat))
+        return;
     const double dx = x - m_FE, dy = y - m_FN;
     const double rho2 = dx * dx + dy * dy;
     if (rho2 == 0.0) {
@@ -115,5 +134,15 @@ void CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(std::size_t n, const double* l
                                lon, lonStride, lat, latStride, x, xStride, y, yStride,
                                [this](double a, double b, double* u, double* v) {
                                    CKvLambertAzimuthalEqualAreaSphere::Geo2Proj(a, b, u, v);
+                               });
+}
+
+void CKvLambertAzimuthalEqualAreaSphere::Proj2Geo(std::size_t n, const double* x, std::size_t xStride,
+                                                  const double* y, std::size_t yStride, double* lon,
+                                                  std::size_t lonStride, double* lat, std::size_t latStride) const
+{
+    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fast, n, x, xStride, y, yStride, lon, lonStride, lat,
+                               latStride, [this](double a, double b, double* u, double* v) {
+                                   CKvLambertAzimuthalEqualAreaSphere::Proj2Geo(a, b, u, v);
                                });
 }

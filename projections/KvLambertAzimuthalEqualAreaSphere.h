@@ -19,8 +19,10 @@ public:
     void Proj2Geo(double x, double y, double* lon, double* lat) const override;
     void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
                   double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
 
-    // The figures that the general formulas and the forward's fast path (the
+    // The figures that the general formulas and the fast paths (the
     // inline kernels, in the single-point calls and the vectorized batch loops
     // alike) share.
     struct SFigures
