@@ -111,6 +111,20 @@ public:
         return x + x * x2 * Estrin<10>(x2, Series);
     }
 
+    // sin x and cos x for |x| <= pi/2 (a latitude, an angle within a quarter
+    // turn) with no reduction: SinHalfPi of x and of pi/2 - |x|, pi/2 in two
+    // parts, so that the cosine keeps its relative precision up to the poles
+    // (the difference is exact from |x| >= pi/4 on, Sterbenz; below, its
+    // rounding moves the cosine by at most 0.8e-16). Two short polynomials
+    // and no quadrant logic: cheaper than SinCos. Beyond pi/2 the values are
+    // meaningless; the callers flag such points.
+    static KVCART_ALWAYS_INLINE void SinCosHalfPi(double x, double& s, double& c)
+    {
+        constexpr double HalfPiHi = 1.5707963267948966, HalfPiLo = 6.123233995736766e-17;
+        s = SinHalfPi(x);
+        c = SinHalfPi((HalfPiHi - std::fabs(x)) + HalfPiLo);
+    }
+
     // sin x and cos x for any x: the kernel within its range, libm beyond it
     // (and for NaN and infinities, which give NaN either way).
     static KVCART_ALWAYS_INLINE void SinCosAny(double x, double& s, double& c)

@@ -108,9 +108,14 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
 {
     const double phi = lat * kDeg;
     const double dLambda = lon * kDeg - m_lambda0;
-    double sphi, cphi, vphi, sdl, cdl, vdl;
-    CKvMathKernel::SinCos(phi, sphi, cphi, vphi);
-    CKvMathKernel::SinCos(dLambda, sdl, cdl, vdl);
+    // Both angles lie within a quarter turn on the path: their sines by the
+    // series with no reduction, cos phi as the sine of the colatitude, and
+    // 1 - cos dl = 2 sin^2(dl / 2) (the halving exact), so that nothing cancels
+    // near the central meridian.
+    double sphi, cphi;
+    CKvMathKernel::SinCosHalfPi(phi, sphi, cphi);
+    const double sdl = CKvMathKernel::SinHalfPi(dLambda), sHalf = CKvMathKernel::SinHalfPi(0.5 * dLambda);
+    const double vdl = 2.0 * sHalf * sHalf, cdl = 1.0 - vdl;
     // s = sinh(e atanh(e sin phi)) as one odd series in e sin phi, and
     // sqrt(1 + s^2) - 1 by its own: no division and no square root on the way.
     const double z = m_e * sphi;
@@ -135,7 +140,11 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
         xiP = phi + CKvMathKernel::AtanSeries(t);
         etaP = CKvMathKernel::AsinhSmall(sinhEta);
     } else {
-        xiP = phi + (seriesXi ? CKvMathKernel::AtanSeries(t) : std::atan2(num, den));
+        // AtanSeries' choice taken as a branch: one series evaluated, the same bits.
+        const bool tinyXi = std::fabs(t) <= CKvMathKernel::AtanTinyLimit;
+        xiP = phi + (!seriesXi ? std::atan2(num, den)
+                     : tinyXi  ? CKvMathKernel::AtanTiny(t)
+                               : CKvMathKernel::AtanSmall(t));
         etaP = seriesEta ? CKvMathKernel::AsinhSmall(sinhEta) : std::asinh(sinhEta);
     }
     const double sinXi = tanChiCos * inv, cosXi = cc * inv;
@@ -169,8 +178,8 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
     }
     // One sine and cosine of xi serve Krueger's series (through the double angle)
     // and, turned by the series' small correction d = xi' - xi, the angle xi'.
-    double sxi, cxi, vxi;
-    CKvMathKernel::SinCos(xi, sxi, cxi, vxi);
+    double sxi, cxi;
+    CKvMathKernel::SinCosHalfPi(xi, sxi, cxi);
     double xiP, etaP;
     CKvTransverseMercatorSeries::Apply(m_hp, xi, eta, 2.0 * sxi * cxi, (cxi - sxi) * (cxi + sxi), sh2, ch2, -1.0, xiP,
                                        etaP);
@@ -189,7 +198,10 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
         dChi = CKvMathKernel::AtanSeries(t);
         dl = CKvMathKernel::AsinSmall(z);
     } else {
-        dChi = seriesChi ? CKvMathKernel::AtanSeries(t) : std::atan2(num, den);
+        const bool tinyChi = std::fabs(t) <= CKvMathKernel::AtanTinyLimit;
+        dChi = !seriesChi ? std::atan2(num, den)
+               : tinyChi  ? CKvMathKernel::AtanTiny(t)
+                          : CKvMathKernel::AtanSmall(t);
         dl = seriesLambda ? CKvMathKernel::AsinSmall(z) : std::asin(z);
     }
     // sin chi = sin xi' / cosh eta' and cos chi = r / cosh eta', so the double angle

@@ -607,6 +607,22 @@ TEST(Batch, ExpLogSinAtanKernelsAgainstLibm)
         worst = std::fmax(worst, std::fabs(CKvMathKernel::SinHalfPi(x) - std::sin(x)) / std::sin(x));
     EXPECT_LE(worst, 4.5e-16);
 
+    // sin and cos within a quarter turn with no reduction: the cosine relative
+    // to long double up to the poles (the last double below pi/2 and pi/2 itself
+    // among the points), where the complement's two parts keep it.
+    worst = 0.0;
+    for (int i = -200000; i <= 200000; ++i) {
+        const double x = i * (1.5707963267948966 / 200000) + 1e-9 * (i % 5);
+        for (double y : {x, std::nextafter(1.5707963267948966, 0.0), -1.5707963267948966, 1e-300}) {
+            double s, c;
+            CKvMathKernel::SinCosHalfPi(y, s, c);
+            const long double ls = std::sin(static_cast<long double>(y)), lc = std::cos(static_cast<long double>(y));
+            if (std::fabs(y) <= 1.5707963267948966 && ls != 0.0L)
+                worst = std::fmax(worst, static_cast<double>(std::fmax(std::fabs((s - ls) / ls), std::fabs((c - lc) / lc))));
+        }
+    }
+    EXPECT_LE(worst, 4.5e-16);
+
     // atan at every scale and sign, and at the reduction's boundaries 1/4, 3/4,
     // 1, 4/3 and 4; infinities give the right angles, NaN stays NaN.
     worst = 0.0;
