@@ -78,21 +78,21 @@ public:
         constexpr double ToDegrees = 180.0 / 3.141592653589793;
         const double xr = (x - f.FE) * f.invA;
         const double D = (y - f.FN) * f.invA + f.phi0;
-        // sin and cos of x/R (at most 0.5 on the path) by the series of the
-        // sine without reduction, cos x/R = sin(pi/2 - |x/R|): a shorter chain
-        // than the reduced kernel's, and the rounding of pi/2 - |x/R| moves
-        // the cosine by no more than 1e-16 |x/R|.
+        // sin and cos of x/R (at most 0.5 on the path) and of D (the latitude
+        // of the foot on the central meridian, within a quarter turn on the
+        // path) by the series of the sine without reduction: a shorter chain
+        // than the reduced kernel's.
         constexpr double HalfPi = 1.5707963267948966;
-        const double sX = CKvMathKernel::SinHalfPi(xr), cX = CKvMathKernel::SinHalfPi(HalfPi - std::fabs(xr));
-        double sD, cD, vD;
-        CKvMathKernel::SinCos(D, sD, cD, vD);
+        double sX, cX, sD, cD;
+        CKvMathKernel::SinCosHalfPi(xr, sX, cX);
+        CKvMathKernel::SinCosHalfPi(D, sD, cD);
         const double cc = cX * cD;
         const double r = std::sqrt(sX * sX + cc * cc);
         const double w = -sD * sX * sX / (r + cc); // sin(lat - D)
         const double z = sX / r;                   // sin(lon - lon0)
         lat = (D + CKvMathKernel::AsinSmall(w)) * ToDegrees;
         lon = (f.lambda0 + CKvMathKernel::AsinSmall(z)) * ToDegrees;
-        return (std::fabs(xr) <= 0.5) & (std::fabs(D) <= CKvMathKernel::SinCosLimit) & (cD > 0.0) &
+        return (std::fabs(xr) <= 0.5) & (std::fabs(D) <= HalfPi) &
                (std::fabs(w) <= CKvMathKernel::AsinSmallLimit) & (std::fabs(z) <= CKvMathKernel::AsinSmallLimit) &
                (std::fabs(lon) <= 180.0);
     }
