@@ -95,37 +95,4 @@ double CKvAlbersEqualAreaEllipsoid::_latitude(double rho) const
     return CKvConformalLatitude::AuthalicLatitude(m_authalic, (m_C - rho * rho * m_n * m_n / (m_a * m_a)) / m_n);
 }
 
-void CKvAlbersEqualAreaEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const
-{
-    if (m_fast.fastForward && (Forward(m_fast, lon, lat, *x, *y) ||
-                               ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))
-        return;
-    CKvConicVariantT::Geo2Proj(lon, lat, x, y);
-}
-
-void CKvAlbersEqualAreaEllipsoid::Proj2Geo(double x, double y, double* lon, double* lat) const
-{
-    if (m_fast.fastInverse && Inverse(m_fast, x, y, *lon, *lat))
-        return;
-    CKvConicVariantT::Proj2Geo(x, y, lon, lat);
-}
-
-void CKvAlbersEqualAreaEllipsoid::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
-                                           std::size_t latStride, double* x, std::size_t xStride, double* y,
-                                           std::size_t yStride) const
-{
-    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fastForward, n, lon, lonStride, lat, latStride, x,
-                               xStride, y, yStride, [this](double a, double b, double* u, double* v) {
-                                   CKvAlbersEqualAreaEllipsoid::Geo2Proj(a, b, u, v);
-                               });
-}
-
-void CKvAlbersEqualAreaEllipsoid::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
-                                           std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
-                                           std::size_t latStride) const
-{
-    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fastInverse, n, x, xStride, y, yStride, lon, lonStride,
-                               lat, latStride, [this](double a, double b, double* u, double* v) {
-                                   CKvConicVariantT::Proj2Geo(a, b, u, v);
-                               });
-}
+KVCART_DEFINE_CONIC_FAST_CALLS(CKvAlbersEqualAreaEllipsoid, fastForward, fastInverse)

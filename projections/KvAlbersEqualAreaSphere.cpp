@@ -74,37 +74,4 @@ double CKvAlbersEqualAreaSphere::_latitude(double rho) const
     return std::asin((m_C - r * r) / (2.0 * m_n));
 }
 
-void CKvAlbersEqualAreaSphere::Geo2Proj(double lon, double lat, double* x, double* y) const
-{
-    if (m_fast.fast && (Forward(m_fast, lon, lat, *x, *y) ||
-                        ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))
-        return;
-    CKvConicVariantT::Geo2Proj(lon, lat, x, y);
-}
-
-void CKvAlbersEqualAreaSphere::Proj2Geo(double x, double y, double* lon, double* lat) const
-{
-    if (m_fast.fast && Inverse(m_fast, x, y, *lon, *lat))
-        return;
-    CKvConicVariantT::Proj2Geo(x, y, lon, lat);
-}
-
-void CKvAlbersEqualAreaSphere::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,
-                                        std::size_t latStride, double* x, std::size_t xStride, double* y,
-                                        std::size_t yStride) const
-{
-    CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fast, n, lon, lonStride, lat, latStride, x, xStride, y,
-                               yStride, [this](double a, double b, double* u, double* v) {
-                                   CKvAlbersEqualAreaSphere::Geo2Proj(a, b, u, v);
-                               });
-}
-
-void CKvAlbersEqualAreaSphere::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y,
-                                        std::size_t yStride, double* lon, std::size_t lonStride, double* lat,
-                                        std::size_t latStride) const
-{
-    CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fast, n, x, xStride, y, yStride, lon, lonStride, lat,
-                               latStride, [this](double a, double b, double* u, double* v) {
-                                   CKvConicVariantT::Proj2Geo(a, b, u, v);
-                               });
-}
+KVCART_DEFINE_CONIC_FAST_CALLS(CKvAlbersEqualAreaSphere, fast, fast)

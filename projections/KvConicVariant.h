@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVCONICVARIANT_H
 
 #include "projections/KvAngle.h"
+#include "projections/KvBatch.h"
 #include "projections/KvMathKernel.h"
 #include "projections/KvVariant.h"
 
@@ -141,5 +142,44 @@ public:
 private:
     static constexpr double kDeg = CKvAngle::Pi / 180.0;
 };
+
+// The single-point calls and batch forms of a conic variant CLASS with a fast
+// path: the file that expands this defines Forward, ForwardAt and Inverse on
+// CLASS::SFigures and their block loops ForwardBlock and InverseBlock
+// (KVCART_DEFINE_BLOCK_LOOP); m_fast holds the figures, with the flags
+// FAST_FORWARD and FAST_INVERSE saying whether they are within the kernels'
+// reach. A point the fast path leaves (a longitude difference beyond +-180 is
+// tried once more reduced) takes CKvConicVariantT's general formulas, in the
+// batch as in the single-point call, so that both give the same bits.
+#define KVCART_DEFINE_CONIC_FAST_CALLS(CLASS, FAST_FORWARD, FAST_INVERSE)                                           \
+    void CLASS::Geo2Proj(double lon, double lat, double* x, double* y) const                                       \
+    {                                                                                                              \
+        if (m_fast.FAST_FORWARD &&                                                                                 \
+            (Forward(m_fast, lon, lat, *x, *y) ||                                                                  \
+             ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))                     \
+            return;                                                                                                \
+        CKvConicVariantT::Geo2Proj(lon, lat, x, y);                                                                \
+    }                                                                                                              \
+    void CLASS::Proj2Geo(double x, double y, double* lon, double* lat) const                                       \
+    {                                                                                                              \
+        if (m_fast.FAST_INVERSE && Inverse(m_fast, x, y, *lon, *lat))                                              \
+            return;                                                                                                \
+        CKvConicVariantT::Proj2Geo(x, y, lon, lat);                                                                \
+    }                                                                                                              \
+    void CLASS::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,               \
+                         std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const \
+    {                                                                                                              \
+        CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.FAST_FORWARD, n, lon, lonStride, lat, latStride, x, \
+                                   xStride, y, yStride,                                                            \
+                                   [this](double a, double b, double* u, double* v) { CLASS::Geo2Proj(a, b, u, v); }); \
+    }                                                                                                              \
+    void CLASS::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride, \
+                         double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const             \
+    {                                                                                                              \
+        CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.FAST_INVERSE, n, x, xStride, y, yStride, lon,      \
+                                   lonStride, lat, latStride, [this](double a, double b, double* u, double* v) {   \
+                                       CKvConicVariantT::Proj2Geo(a, b, u, v);                                     \
+                                   });                                                                             \
+    }
 
 #endif
