@@ -105,16 +105,20 @@ CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, doub
     // With a centre line due east or west, G tan(gamma0) is 1 in exact arithmetic;
     // rounding may take it just past 1, so it is clamped like D above.
     m_lambda0 = lambdaC - std::asin(std::fmax(-1.0, std::fmin(1.0, G * std::tan(gamma0)))) / m_B;
+    // A centre line running due east or west meets the natural origin at infinity
+    // along u; there the guidance note takes u of the centre as A (lambdaC - lambda0).
+    const bool eastWest = std::fabs(std::fabs(alphaC) - kPi / 2) < 1e-12;
     if (variantB) {
-        // A centre line running due east or west meets the natural origin at infinity
-        // along u; there the guidance note takes u of the centre as A (lambdaC - lambda0).
-        if (std::fabs(std::fabs(alphaC) - kPi / 2) < 1e-12)
+        if (eastWest)
             m_uc = m_A * (lambdaC - m_lambda0);
         else
             // The magnitude: an azimuth beyond +-90 degrees runs the centre line the
             // other way, which cos(alphaC) < 0 would turn into a sign of u (as PROJ).
             m_uc = std::fabs((m_A / m_B) * std::atan(std::sqrt(D * D - 1.0) / std::cos(alphaC))) * sign;
     }
+    // The same centre as a direction on the aposphere, B uc / A, in either variant.
+    const double thetaC = eastWest ? m_B * (lambdaC - m_lambda0)
+                                   : std::fabs(std::atan(std::sqrt(D * D - 1.0) / std::cos(alphaC))) * sign;
 
     constexpr double Deg = kPi / 180.0;
     SFigures& f = m_fast;
@@ -126,6 +130,7 @@ CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, doub
     f.invB = m_invB;
     f.BDeg = m_B * Deg;
     f.invBDeg = 1.0 / (m_B * Deg);
+    f.halfBDeg = 0.5 * m_B * Deg;
     f.lon0 = m_lambda0 / Deg;
     f.uc = m_uc;
     f.FE = m_FE;
@@ -135,11 +140,15 @@ CKvHotineCore::CKvHotineCore(double a, double e, double kc, double lambdaC, doub
     f.sinGammaC = m_sinGammaC;
     f.cosGammaC = m_cosGammaC;
     f.inverse = m_inverse;
+    f.sinThetaC = std::sin(thetaC);
+    f.cosThetaC = std::cos(thetaC);
+    f.uOffset = variantB ? 0.0 : m_AoverB * thetaC;
     // The kernels' reach: the eccentricity of the isometric latitude's series,
     // and finite figures.
     bool figures = e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit;
     for (double value : {f.B, f.lnH, f.AoverB, f.BoverA, f.invB, f.BDeg, f.invBDeg, f.lon0, f.uc, f.FE,
-                         f.FN, f.sinGamma0, f.cosGamma0, f.sinGammaC, f.cosGammaC})
+                         f.FN, f.sinGamma0, f.cosGamma0, f.sinGammaC, f.cosGammaC, f.sinThetaC, f.cosThetaC,
+                         f.uOffset})
         figures = figures && std::isfinite(value);
     f.fastForward = figures;
     f.fastInverse = figures && m_inverse.series;

@@ -32,9 +32,13 @@ public:
         double e = 0.0, B = 0.0, lnH = 0.0;
         double AoverB = 0.0, BoverA = 0.0, invB = 0.0;
         double BDeg = 0.0, invBDeg = 0.0; // B and 1 / B per degree
+        double halfBDeg = 0.0;            // B / 2 per degree
         double lon0 = 0.0;                // lambda0 in degrees
         double uc = 0.0, FE = 0.0, FN = 0.0;
         double sinGamma0 = 0.0, cosGamma0 = 0.0, sinGammaC = 0.0, cosGammaC = 0.0;
+        // The direction of the projection centre on the aposphere, B uc / A,
+        // and u of the centre in the variant's count (0 in variant B).
+        double sinThetaC = 0.0, cosThetaC = 1.0, uOffset = 0.0;
         CKvConformalLatitude::SInverse inverse;
         bool fastForward = false, fastInverse = false;
     };
@@ -57,7 +61,8 @@ public:
 
     // false: a latitude within a degree of a pole or not finite, a longitude
     // difference beyond +-180 degrees or not finite, a point on the aposphere
-    // 90 degrees from the centre line.
+    // 90 degrees from the centre line or more than a quarter radian from the
+    // centre along it (the general formulas take those).
     static KVCART_ALWAYS_INLINE bool FastForward(const SFigures& f, double lon, double lat, double& x, double& y)
     {
         constexpr double Deg = 3.141592653589793 / 180.0;
@@ -79,17 +84,31 @@ public:
         const double Q = CKvMathKernel::Exp(lnQ);
         const double Q2 = Q * Q, m = 2.0 * Q;
         const double Sm = Q2 - 1.0, Tm = Q2 + 1.0;
-        double V, cosDl, versineDl;
-        CKvMathKernel::SinCos(f.BDeg * d, V, cosDl, versineDl);
+        // sin and cos of B dl from its half, within a quarter turn (B times a
+        // half turn at most, B <= 1 / sqrt(1 - e^2) < 1.006 on the path: the
+        // sine's series holds a little beyond pi/2, its remainder under 1.5e-18)
+        // by the kernel without reduction: no quadrant logic.
+        double sHalf, cHalf;
+        CKvMathKernel::SinCosHalfPi(f.halfBDeg * d, sHalf, cHalf);
+        const double V = 2.0 * sHalf * cHalf, cosDl = (cHalf - sHalf) * (cHalf + sHalf);
         const double mV = m * V;
         // |U| < 1 as |Um| < Tm (Tm > 0): no division for U itself.
         const double Um = Sm * f.sinGamma0 - mV * f.cosGamma0;
-        const double u = f.AoverB * CKvMathKernel::Atan2(Sm * f.cosGamma0 + mV * f.sinGamma0, m * cosDl) - f.uc;
+        // u = (A / B) atan2(Sm cos gamma0 + mV sin gamma0, m cos B dl), the
+        // direction turned back by the centre's, thetaC: the angle left is
+        // small on the map (a quarter radian is some 1600 km along the centre
+        // line), its arctangent one series with no choice of case, and u
+        // counted from the centre needs no difference of large terms.
+        const double ys = Sm * f.cosGamma0 + mV * f.sinGamma0, xs = m * cosDl;
+        const double yr = ys * f.cosThetaC - xs * f.sinThetaC, xr = xs * f.cosThetaC + ys * f.sinThetaC;
+        const double w = yr / xr;
+        const double u = f.AoverB * CKvMathKernel::AtanQuarter(w) + f.uOffset;
         const double v = -f.AoverB * AtanhUKernel(Um, Tm);
         x = v * f.cosGammaC + u * f.sinGammaC + f.FE;
         y = u * f.cosGammaC - v * f.sinGammaC + f.FN;
         return (std::fabs(phi) < CKvConformalLatitude::IsometricKernelLimit) & (std::fabs(d) <= 180.0) &
-               (std::fabs(lnQ) <= WLimit) & (std::fabs(Um) < Tm);
+               (std::fabs(lnQ) <= WLimit) & (std::fabs(Um) < Tm) & (xr > 0.0) &
+               (std::fabs(w) <= CKvMathKernel::AtanQuarterLimit);
     }
 
     // false: a grid point not finite, beyond the aposphere's poles or near them,

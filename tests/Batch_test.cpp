@@ -664,6 +664,15 @@ TEST(Batch, Atan2KernelAgainstLongDouble)
                 for (double y : {std::nextafter(r, 0.0), r, std::nextafter(r, 10.0)})
                     check(sy * y * 1e5, sx * 1e5);
     EXPECT_LE(worst, 4.5e-16);
+    // The series alone, over its whole reach and at its end.
+    worst = 0.0;
+    for (int i = -100000; i <= 100000; ++i) {
+        const double w = i * (CKvMathKernel::AtanQuarterLimit / 100000) - (i % 3) * 1e-12;
+        const long double exact = std::atan(static_cast<long double>(w));
+        if (w != 0.0)
+            worst = std::fmax(worst, static_cast<double>(std::fabs((CKvMathKernel::AtanQuarter(w) - exact) / exact)));
+    }
+    EXPECT_LE(worst, 4.5e-16);
     const double inf = std::numeric_limits<double>::infinity();
     for (double y : {0.0, -0.0, 1.0, -1.0, inf, -inf, 1e-310})
         for (double x : {0.0, -0.0, 1.0, -1.0, inf, -inf, 1e-310})
