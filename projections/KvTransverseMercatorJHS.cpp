@@ -51,6 +51,8 @@ void CKvTransverseMercatorJHS::_init(double k0, double centralMeridian, double o
     m_A1 = m_a / (1.0 + m_n) * (1.0 + m_n * m_n * (0.25 + m_n * m_n / 64.0)); // rectifying radius
     CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eTransverseMercator, true, m_n, m_h);
     CKvMapProjData::ComputeFourierCoefficients(CKvMapProjData::eTransverseMercator, false, m_n, m_hp);
+    CKvTransverseMercatorSeries::ChebyshevFromSines(m_h, m_hPoly);
+    CKvTransverseMercatorSeries::ChebyshevFromSines(m_hp, m_hpPoly);
 
     if (m_phi0 == 0.0) {
         m_M0 = 0.0;
@@ -149,8 +151,9 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_forwardFast(double lon, dou
     }
     const double sinXi = tanChiCos * inv, cosXi = cc * inv;
     double xi, eta;
-    CKvTransverseMercatorSeries::Apply(m_h, xiP, etaP, 2.0 * sinXi * cosXi, cosXi * cosXi - sinXi * sinXi,
-                                       2.0 * sinhEta * coshEta, coshEta * coshEta + sinhEta * sinhEta, 1.0, xi, eta);
+    CKvTransverseMercatorSeries::ApplyChebyshev(m_hPoly, xiP, etaP, 2.0 * sinXi * cosXi, cosXi * cosXi - sinXi * sinXi,
+                                                2.0 * sinhEta * coshEta, coshEta * coshEta + sinhEta * sinhEta, 1.0,
+                                                xi, eta);
     x = m_FE + m_k0 * m_A1 * eta;
     y = m_FN + m_k0 * (m_A1 * xi - m_M0);
     const bool inside = (std::fabs(lat) <= 90.0) & (std::fabs(dLambda) <= kPi / 2);
@@ -181,8 +184,8 @@ KVCART_ALWAYS_INLINE bool CKvTransverseMercatorJHS::_inverseFast(double x, doubl
     double sxi, cxi;
     CKvMathKernel::SinCosHalfPi(xi, sxi, cxi);
     double xiP, etaP;
-    CKvTransverseMercatorSeries::Apply(m_hp, xi, eta, 2.0 * sxi * cxi, (cxi - sxi) * (cxi + sxi), sh2, ch2, -1.0, xiP,
-                                       etaP);
+    CKvTransverseMercatorSeries::ApplyChebyshev(m_hpPoly, xi, eta, 2.0 * sxi * cxi, (cxi - sxi) * (cxi + sxi), sh2, ch2,
+                                                -1.0, xiP, etaP);
     const double d = xiP - xi, d2 = d * d; // exact: the two are close
     const double sd = d - d * d2 * (1.0 / 6 - d2 * (1.0 / 120));
     const double vd = d2 * (0.5 - d2 * (1.0 / 24 - d2 * (1.0 / 720)));

@@ -71,6 +71,7 @@ private:
     double m_e, m_n, m_A1;
     double m_h[4];  // forward series
     double m_hp[4]; // inverse series, subtracted
+    double m_hPoly[4], m_hpPoly[4]; // the same, the fast path's cubics in cos 2(xi + i eta)
     double m_M0;
     double m_invScale; // 1 / (k0 A1): the fast inverse multiplies
     CKvConformalLatitude::SInverse m_inverse; // conformal to geodetic latitude

@@ -35,6 +35,33 @@ public:
         outXi = xi + sign * sumXi;
         outEta = eta + sign * sumEta;
     }
+    // Apply's sums from the same double angles, with z = 2xi + 2i eta, as the
+    // complex sin z times a cubic in cos z (sin kz = sin z U_{k-1}(cos z),
+    // Chebyshev's U), by Estrin's scheme: some 30 fewer operations than the
+    // recurrence of the multiple angles. The coefficients fall by the third
+    // flattening from one to the next, so nothing cancels. poly from h by
+    // ChebyshevFromSines.
+    static void ChebyshevFromSines(const double* h, double* poly)
+    {
+        poly[0] = h[0] - h[2];
+        poly[1] = 2.0 * h[1] - 4.0 * h[3];
+        poly[2] = 4.0 * h[2];
+        poly[3] = 8.0 * h[3];
+    }
+    KVCART_ALWAYS_INLINE static void ApplyChebyshev(const double* poly, double xi, double eta, double s1, double c1,
+                                                    double sh1, double ch1, double sign, double& outXi,
+                                                    double& outEta)
+    {
+        // cos z = cos 2xi cosh 2eta - i sin 2xi sinh 2eta, sin z = sin 2xi cosh 2eta + i cos 2xi sinh 2eta
+        const double cr = c1 * ch1, ci = -s1 * sh1;
+        const double sr = s1 * ch1, si = c1 * sh1;
+        const double c2r = (cr - ci) * (cr + ci), c2i = 2.0 * cr * ci;
+        const double lr = poly[0] + poly[1] * cr, li = poly[1] * ci;
+        const double hr = poly[2] + poly[3] * cr, hi = poly[3] * ci;
+        const double pr = lr + (c2r * hr - c2i * hi), pi = li + (c2r * hi + c2i * hr);
+        outXi = xi + sign * (sr * pr - si * pi);
+        outEta = eta + sign * (sr * pi + si * pr);
+    }
     // Grid convergence in degrees from the series in the longitude difference
     // dLambda (radians) at latitude phi (radians), for axes a and b scaled by k0.
     static double Convergence(double scaledA, double scaledB, double dLambda, double phi);
