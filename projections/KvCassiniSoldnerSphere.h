@@ -23,7 +23,7 @@
 // and back, with r = sqrt(sin^2 x/R + (cos x/R cos D)^2), the cosine of the
 // latitude (sin^2 + cos^2 = 1, a sum of squares with no cancellation),
 //   lat - D = asin(-sin D sin^2 x/R / (r + cos x/R cos D)),
-//   lon - lon0 = asin(sin x/R / r)
+//   lon - lon0 = atan(sin x/R / (cos x/R cos D))
 // (sin(lat - D) = sin D (cos x/R cos D - r), and r^2 - (cos x/R cos D)^2 =
 // sin^2 x/R).
 // The fast path (Forward, Inverse) is these formulas on the inline kernels,
@@ -78,22 +78,27 @@ public:
         constexpr double ToDegrees = 180.0 / 3.141592653589793;
         const double xr = (x - f.FE) * f.invA;
         const double D = (y - f.FN) * f.invA + f.phi0;
-        // sin and cos of x/R (at most 0.5 on the path) and of D (the latitude
-        // of the foot on the central meridian, within a quarter turn on the
-        // path) by the series of the sine without reduction: a shorter chain
-        // than the reduced kernel's.
+        // sin and cos of x/R (at most 0.5 on the path) by the short series
+        // of the sine and the versine, and of D (the latitude of the foot on
+        // the central meridian, within a quarter turn on the path) by the
+        // sine's series at D and at its complement: no reduction.
         constexpr double HalfPi = 1.5707963267948966;
-        double sX, cX, sD, cD;
-        CKvMathKernel::SinCosHalfPi(xr, sX, cX);
+        double sX, vX, sD, cD;
+        CKvMathKernel::SinVersineQuarterPi(xr, sX, vX);
         CKvMathKernel::SinCosHalfPi(D, sD, cD);
+        const double cX = 1.0 - vX;
         const double cc = cX * cD;
         const double r = std::sqrt(sX * sX + cc * cc);
         const double w = -sD * sX * sX / (r + cc); // sin(lat - D)
-        const double z = sX / r;                   // sin(lon - lon0)
+        // tan(lon - lon0), one quotient with no square root before it; its
+        // arctangent by AtanSmall's series to t^15 up to |t| <= TanLimit, where
+        // the alternating series errs by under t^16 / 17 < 6e-18 relative.
+        constexpr double TanLimit = 0.1;
+        const double z = sX / cc;
         lat = (D + CKvMathKernel::AsinSmall(w)) * ToDegrees;
-        lon = (f.lambda0 + CKvMathKernel::AsinSmall(z)) * ToDegrees;
+        lon = (f.lambda0 + CKvMathKernel::AtanSmall(z)) * ToDegrees;
         return (std::fabs(xr) <= 0.5) & (std::fabs(D) <= HalfPi) &
-               (std::fabs(w) <= CKvMathKernel::AsinSmallLimit) & (std::fabs(z) <= CKvMathKernel::AsinSmallLimit) &
+               (std::fabs(w) <= CKvMathKernel::AsinSmallLimit) & (std::fabs(z) <= TanLimit) &
                (std::fabs(lon) <= 180.0);
     }
 

@@ -24,22 +24,6 @@ KVCART_ALWAYS_INLINE void SinhCosh(double w, double& sinhW, double& coshW)
     }
 }
 
-// sin x and 1 - cos x for |x| <= pi/4, where CKvMathKernel::SinCos reduces
-// nothing: the same Taylor series (to x^17 and x^16, below half an ulp there),
-// and so the same bits, without the arithmetic of the quadrant.
-KVCART_ALWAYS_INLINE void SinVersineQuarter(double x, double& s, double& versine)
-{
-    static constexpr double SinSeries[8] = {
-        -1.0 / 6,        1.0 / 120,        -1.0 / 5040,          1.0 / 362880,
-        -1.0 / 39916800, 1.0 / 6227020800, -1.0 / 1307674368000, 1.0 / 355687428096000};
-    static constexpr double VersineSeries[8] = {
-        0.5,           -1.0 / 24,        1.0 / 720,         -1.0 / 40320,
-        1.0 / 3628800, -1.0 / 479001600, 1.0 / 87178291200, -1.0 / 20922789888000};
-    const double x2 = x * x;
-    s = x + x * x2 * CKvMathKernel::Estrin<8>(x2, SinSeries);
-    versine = x2 * CKvMathKernel::Estrin<8>(x2, VersineSeries);
-}
-
 // sin x and cos x: the series alone within pi/4, the kernel beyond.
 KVCART_ALWAYS_INLINE void SinCosQuarter(double x, double& s, double& c)
 {
@@ -48,7 +32,7 @@ KVCART_ALWAYS_INLINE void SinCosQuarter(double x, double& s, double& c)
         return;
     }
     double versine;
-    SinVersineQuarter(x, s, versine);
+    CKvMathKernel::SinVersineQuarterPi(x, s, versine);
     c = 1.0 - versine;
 }
 
@@ -193,7 +177,7 @@ void CKvHotineCore::Forward(double lambda, double phi, double* x, double* y) con
         const double delta = phi - m_phiC;
         if (std::fabs(delta) <= kPi / 4 && std::fabs(phi) <= 1.2) {
             double sinDelta, versineDelta;
-            SinVersineQuarter(delta, sinDelta, versineDelta);
+            CKvMathKernel::SinVersineQuarterPi(delta, sinDelta, versineDelta);
             sinPhi = m_sinPhiC + (m_cosPhiC * sinDelta - m_sinPhiC * versineDelta);
             cosPhi = m_cosPhiC - (m_cosPhiC * versineDelta + m_sinPhiC * sinDelta);
         } else {

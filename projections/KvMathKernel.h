@@ -111,6 +111,22 @@ public:
         return x + x * x2 * Estrin<10>(x2, Series);
     }
 
+    // sin x and 1 - cos x for |x| <= pi/4 by SinCos's own series (to x^17 and
+    // x^16, below half an ulp there) without its reduction and quadrant logic:
+    // the same bits as SinCos within pi/4, for the angles known to be small.
+    static KVCART_ALWAYS_INLINE void SinVersineQuarterPi(double x, double& s, double& versine)
+    {
+        static constexpr double SinSeries[8] = {-1.0 / 6,         1.0 / 120,          -1.0 / 5040,
+                                                1.0 / 362880,     -1.0 / 39916800,    1.0 / 6227020800,
+                                                -1.0 / 1307674368000, 1.0 / 355687428096000};
+        static constexpr double VersineSeries[8] = {0.5,              -1.0 / 24,          1.0 / 720,
+                                                    -1.0 / 40320,     1.0 / 3628800,      -1.0 / 479001600,
+                                                    1.0 / 87178291200, -1.0 / 20922789888000};
+        const double x2 = x * x;
+        s = x + x * x2 * Estrin<8>(x2, SinSeries);
+        versine = x2 * Estrin<8>(x2, VersineSeries);
+    }
+
     // sin x and cos x for |x| <= pi/2 (a latitude, an angle within a quarter
     // turn) with no reduction: SinHalfPi of x and of pi/2 - |x|, pi/2 in two
     // parts, so that the cosine keeps its relative precision up to the poles

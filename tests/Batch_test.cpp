@@ -607,6 +607,22 @@ TEST(Batch, ExpLogSinAtanKernelsAgainstLibm)
         worst = std::fmax(worst, std::fabs(CKvMathKernel::SinHalfPi(x) - std::sin(x)) / std::sin(x));
     EXPECT_LE(worst, 4.5e-16);
 
+    // sin and versine within an eighth turn: SinCos's bits there, and within
+    // an ulp of long double.
+    worst = 0.0;
+    for (int i = -100000; i <= 100000; ++i) {
+        const double x = i * (0.7853981633974483 / 100000) - 1e-9 * (i % 3);
+        double s, v, ks, kc, kv;
+        CKvMathKernel::SinVersineQuarterPi(x, s, v);
+        CKvMathKernel::SinCos(x, ks, kc, kv);
+        if (x != 0.0) {
+            EXPECT_TRUE(s == ks && v == kv) << x;
+            worst = std::fmax(worst, static_cast<double>(std::fabs((s - std::sin(static_cast<long double>(x))) /
+                                                                   std::sin(static_cast<long double>(x)))));
+        }
+    }
+    EXPECT_LE(worst, 4.5e-16);
+
     // sin and cos within a quarter turn with no reduction: the cosine relative
     // to long double up to the poles (the last double below pi/2 and pi/2 itself
     // among the points), where the complement's two parts keep it.
