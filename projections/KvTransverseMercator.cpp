@@ -53,18 +53,11 @@ void CKvTransverseMercator::_init(double k0, double centralMeridian, double orig
     f.R = _radius();
     f.invR = 1.0 / f.R;
     f.FE = m_FE;
-    // sum c_k sin 2kx = sin 2x (c1 U0 + c2 U1 + c3 U2 + c4 U3)(cos 2x), with
-    // Chebyshev's U1(c) = 2c, U2(c) = 4c^2 - 1 and U3(c) = 8c^3 - 4c.
-    const auto chebyshev = [](const double* c, double* poly) {
-        poly[0] = c[1] - c[3];
-        poly[1] = 2.0 * c[2] - 4.0 * c[4];
-        poly[2] = 4.0 * c[3];
-        poly[3] = 8.0 * c[4];
-    };
-    chebyshev(m_cbg, f.cbg);
-    chebyshev(m_cgb, f.cgb);
-    chebyshev(m_gtu, f.gtu);
-    chebyshev(m_gut, f.gut);
+    // The Krueger sums as sin 2x times a cubic in cos 2x (elements 1..4 used).
+    CKvTransverseMercatorSeries::ChebyshevFromSines(m_cbg + 1, f.cbg);
+    CKvTransverseMercatorSeries::ChebyshevFromSines(m_cgb + 1, f.cgb);
+    CKvTransverseMercatorSeries::ChebyshevFromSines(m_gtu + 1, f.gtu);
+    CKvTransverseMercatorSeries::ChebyshevFromSines(m_gut + 1, f.gut);
     f.fast = !m_bLocal && std::isfinite(f.R) && f.R > 0.0 && std::isfinite(f.invR) && std::isfinite(m_FE) &&
              std::isfinite(m_FN) && std::isfinite(m_lambda0) && m_n >= 0.0 && m_n < 0.01;
     // The origin's northing, by the path its points take.
@@ -176,7 +169,7 @@ void CKvTransverseMercator::_Geo2Proj(double lon, double lat, double X0, double 
     const double v = std::atanh(w);
     const double r2 = num * num + den * den, oneMinusW2 = (1.0 - w) * (1.0 + w);
     double du, dv;
-    ComplexSinSum(m_fast.gtu, 2.0 * num * den / r2, (den - num) * (den + num) / r2, 2.0 * w / oneMinusW2,
+    CKvTransverseMercatorSeries::ChebyshevSum(m_fast.gtu, 2.0 * num * den / r2, (den - num) * (den + num) / r2, 2.0 * w / oneMinusW2,
            (1.0 + w * w) / oneMinusW2, du, dv);
     const double yP = R * (u + du);
     *x = X0 + R * (v + dv);
@@ -202,7 +195,7 @@ void CKvTransverseMercator::_Proj2Geo(double x, double y, double X0, double Y0, 
     double du, dv, sin2U, cos2U, sinh2V, cosh2V;
     CKvMathKernel::SinCosAny(2.0 * u, sin2U, cos2U);
     SinhCosh(2.0 * v, sinh2V, cosh2V);
-    ComplexSinSum(m_fast.gut, sin2U, cos2U, sinh2V, cosh2V, du, dv);
+    CKvTransverseMercatorSeries::ChebyshevSum(m_fast.gut, sin2U, cos2U, sinh2V, cosh2V, du, dv);
     u += du;
     v += dv;
     // dl = atan2(sinh v, cos u) and chi = atan2(sin u cos dl, cos u); cos dl is

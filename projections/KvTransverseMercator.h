@@ -4,6 +4,7 @@
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "projections/KvMathKernel.h"
 #include "projections/KvProjectionEngine.h"
+#include "projections/KvTransverseMercatorSeries.h"
 
 #include <cmath>
 #include <cstddef>
@@ -58,39 +59,6 @@ public:
         bool fast = false;
     };
 
-    // The complex sum of c_k sin(k z), k = 1..4, z = U + iV, as sin z times
-    // p[0] + p[1] cos z + p[2] cos^2 z + p[3] cos^3 z (sin kz = sin z U_{k-1}(cos z),
-    // Chebyshev's U; p from c as for the real series), by Estrin's scheme in
-    // complex arithmetic: a shorter chain than Clenshaw's recurrence. From sin U,
-    // cos U, sinh V and cosh V; the real part to dU, the imaginary to dV. The
-    // coefficients fall by the third flattening from one to the next, so that
-    // nothing cancels for |cos z| up to cosh 2.
-    static KVCART_ALWAYS_INLINE void ComplexSinSum(const double* p, double sinU, double cosU, double sinhV,
-                                                   double coshV, double& dU, double& dV)
-    {
-        // cos z = cos U cosh V - i sin U sinh V, sin z = sin U cosh V + i cos U sinh V
-        const double cr = cosU * coshV, ci = -sinU * sinhV;
-        const double sr = sinU * coshV, si = cosU * sinhV;
-        const double c2r = (cr - ci) * (cr + ci), c2i = 2.0 * cr * ci;
-        const double lr = p[0] + p[1] * cr, li = p[1] * ci;
-        const double hr = p[2] + p[3] * cr, hi = p[3] * ci;
-        const double pr = lr + (c2r * hr - c2i * hi), pi = li + (c2r * hi + c2i * hr);
-        dU = sr * pr - si * pi;
-        dV = sr * pi + si * pr;
-    }
-
-    // sin x and cos x for 0 <= x <= pi/2 (a latitude, the spherical northing),
-    // without reducing the argument: the Taylor series of sin at x and at pi/2 - x,
-    // pi/2 in two parts so that the cosine keeps its relative precision up to
-    // the pole (pi/2 - x is exact there). Beyond pi/2 the values are
-    // meaningless; the callers flag such points.
-    static KVCART_ALWAYS_INLINE void SinCosQuadrant(double x, double& s, double& c)
-    {
-        constexpr double HalfPiHi = 1.5707963267948966, HalfPiLo = 6.123233995736766e-17;
-        s = CKvMathKernel::SinHalfPi(x);
-        c = CKvMathKernel::SinHalfPi((HalfPiHi - x) + HalfPiLo);
-    }
-
     // CKvMathKernel::AtanSeries, the short series within its reach: both
     // evaluated in the vectorized loops, one in the single-point calls.
     template <bool Vector> static KVCART_ALWAYS_INLINE double AtanSeries(double t)
@@ -125,7 +93,7 @@ public:
         // The southern hemisphere by symmetry: |lat|, and the northing mirrored.
         const double phi = std::fabs(lat) * Deg;
         double sinPhi, cosPhi;
-        SinCosQuadrant(phi, sinPhi, cosPhi);
+        CKvMathKernel::SinCosHalfPi(phi, sinPhi, cosPhi);
         // chi = phi + delta, and its sine and cosine by turning phi's through delta.
         const double delta = (2.0 * sinPhi * cosPhi) *
                              CKvMathKernel::Estrin<4>((cosPhi - sinPhi) * (cosPhi + sinPhi), f.cbg);
@@ -136,7 +104,7 @@ public:
         // |dl| < pi/2 on the path; sin is odd. 1 - cos dl enters u as a term of
         // its own, where its absolute error is what counts.
         double sinL, cosL;
-        SinCosQuadrant(std::fabs(dLambda), sinL, cosL);
+        CKvMathKernel::SinCosHalfPi(std::fabs(dLambda), sinL, cosL);
         sinL = std::copysign(sinL, dLambda);
         const double vL = 1.0 - cosL;
         const double t = sinChi * cosChi * vL / (1.0 - cosChi * cosChi * vL);
@@ -155,7 +123,7 @@ public:
         }
         const double den = cosL * cosChi, inv = 1.0 / ((1.0 - w) * (1.0 + w));
         double du, dv;
-        ComplexSinSum(f.gtu, 2.0 * sinChi * den * inv, (den - sinChi) * (den + sinChi) * inv, 2.0 * w * inv,
+        CKvTransverseMercatorSeries::ChebyshevSum(f.gtu, 2.0 * sinChi * den * inv, (den - sinChi) * (den + sinChi) * inv, 2.0 * w * inv,
                       (1.0 + w * w) * inv, du, dv);
         const double yP = f.R * (u + du);
         x = f.FE + f.R * (v + dv);
@@ -182,10 +150,10 @@ public:
         const double dy = (y + f.y0) - f.FN;
         const double u0 = std::fabs(dy) * f.invR, v0 = (x - f.FE) * f.invR;
         double su, cu;
-        SinCosQuadrant(u0, su, cu);
+        CKvMathKernel::SinCosHalfPi(u0, su, cu);
         const double sh0 = CKvMathKernel::SinhSmall(v0), ch0 = std::sqrt(1.0 + sh0 * sh0);
         double du, dv;
-        ComplexSinSum(f.gut, 2.0 * su * cu, (cu - su) * (cu + su), 2.0 * sh0 * ch0, 1.0 + 2.0 * sh0 * sh0, du, dv);
+        CKvTransverseMercatorSeries::ChebyshevSum(f.gut, 2.0 * su * cu, (cu - su) * (cu + su), 2.0 * sh0 * ch0, 1.0 + 2.0 * sh0 * sh0, du, dv);
         double sd, cd;
         CKvMathKernel::SinCosSmall(du, sd, cd);
         const double sinU = su * cd + cu * sd, cosU = cu * cd - su * sd;

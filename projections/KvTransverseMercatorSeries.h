@@ -52,15 +52,26 @@ public:
                                                     double sh1, double ch1, double sign, double& outXi,
                                                     double& outEta)
     {
-        // cos z = cos 2xi cosh 2eta - i sin 2xi sinh 2eta, sin z = sin 2xi cosh 2eta + i cos 2xi sinh 2eta
-        const double cr = c1 * ch1, ci = -s1 * sh1;
-        const double sr = s1 * ch1, si = c1 * sh1;
+        double sumXi, sumEta;
+        ChebyshevSum(poly, s1, c1, sh1, ch1, sumXi, sumEta);
+        outXi = xi + sign * sumXi;
+        outEta = eta + sign * sumEta;
+    }
+    // The complex sum itself, sin z (poly[0] + poly[1] cos z + poly[2] cos^2 z +
+    // poly[3] cos^3 z) for z = U + iV from sin U, cos U, sinh V and cosh V: the
+    // real part to sumU, the imaginary to sumV.
+    KVCART_ALWAYS_INLINE static void ChebyshevSum(const double* poly, double sinU, double cosU, double sinhV,
+                                                  double coshV, double& sumU, double& sumV)
+    {
+        // cos z = cos U cosh V - i sin U sinh V, sin z = sin U cosh V + i cos U sinh V
+        const double cr = cosU * coshV, ci = -sinU * sinhV;
+        const double sr = sinU * coshV, si = cosU * sinhV;
         const double c2r = (cr - ci) * (cr + ci), c2i = 2.0 * cr * ci;
         const double lr = poly[0] + poly[1] * cr, li = poly[1] * ci;
         const double hr = poly[2] + poly[3] * cr, hi = poly[3] * ci;
         const double pr = lr + (c2r * hr - c2i * hi), pi = li + (c2r * hi + c2i * hr);
-        outXi = xi + sign * (sr * pr - si * pi);
-        outEta = eta + sign * (sr * pi + si * pr);
+        sumU = sr * pr - si * pi;
+        sumV = sr * pi + si * pr;
     }
     // Grid convergence in degrees from the series in the longitude difference
     // dLambda (radians) at latitude phi (radians), for axes a and b scaled by k0.
