@@ -269,12 +269,17 @@ std::shared_ptr<const CKvEpsgRegistry::SData> CKvEpsgRegistry::_data() const
         }
         start = end + 1;
     }
-    std::sort(data->datums.begin(), data->datums.end(),
-              [](const SData::SDatum& x, const SData::SDatum& y) { return x.key < y.key; });
-    std::sort(data->index.begin(), data->index.end(), [](const SData::SIndex& x, const SData::SIndex& y) {
+    // The shipped registry is written in key order (tools/make_epsg_registry.py),
+    // so that loading it is a linear check; a file in another order is sorted.
+    const auto datumLess = [](const SData::SDatum& x, const SData::SDatum& y) { return x.key < y.key; };
+    const auto indexLess = [](const SData::SIndex& x, const SData::SIndex& y) {
         const int c = std::strcmp(x.authority, y.authority);
         return c != 0 ? c < 0 : x.code < y.code;
-    });
+    };
+    if (!std::is_sorted(data->datums.begin(), data->datums.end(), datumLess))
+        std::sort(data->datums.begin(), data->datums.end(), datumLess);
+    if (!std::is_sorted(data->index.begin(), data->index.end(), indexLess))
+        std::sort(data->index.begin(), data->index.end(), indexLess);
     m_data = data;
     return m_data;
 }

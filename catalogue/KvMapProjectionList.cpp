@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
+#include <unordered_set>
 
 namespace {
 const char kTarget[] = "MAP_PROJECTION_DEFINITION";
@@ -70,12 +72,11 @@ void CKvMapProjectionList::InitMapProjections(const std::string& systemDirectory
     // A shipped section named like a generated entry (older catalogues carry
     // UPS North and South) would list the name twice; the generated entry is
     // the one a name finds, so the shipped copy is set aside.
-    const auto builtInName = [this, generated](const CKvMapProjData* d) {
-        const CString name = CKvPRJParser::ShortName(CString(d->GetName()));
-        for (size_t i = 0; i < generated; ++i)
-            if (CKvPRJParser::ShortName(CString(m_definitions[i]->GetName())) == name)
-                return true;
-        return false;
+    std::unordered_set<std::string> generatedNames;
+    for (size_t i = 0; i < generated; ++i)
+        generatedNames.insert(CKvPRJParser::ShortName(CString(m_definitions[i]->GetName())).GetString());
+    const auto builtInName = [&generatedNames](const CKvMapProjData* d) {
+        return generatedNames.count(CKvPRJParser::ShortName(CString(d->GetName())).GetString()) != 0;
     };
     for (size_t i = m_definitions.size(); i-- > generated;)
         if (!m_definitions[i]->CanDelete() && builtInName(m_definitions[i])) {

@@ -1,5 +1,6 @@
 #include "paramfile/NumericLocale.h"
 
+#include <charconv>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -77,8 +78,19 @@ bool CNumericLocale::ParseDouble(const char* text, double& value)
         if (*p != '\0')
             return false;
     }
+    // The text is plain decimal now: from_chars reads it correctly rounded, as
+    // strtod does, without the locale. Out of the double's range it leaves the
+    // value alone, and strtod gives its usual answer (±HUGE_VAL, or the
+    // underflowed result).
+    const char* first = *text == '+' ? text + 1 : text;
+    double parsed = 0.0;
+    const std::from_chars_result r = std::from_chars(first, p, parsed);
+    if (r.ec == std::errc() && r.ptr == p) {
+        value = parsed;
+        return true;
+    }
     char* end = nullptr;
-    const double parsed = Strtod(text, &end);
+    parsed = Strtod(text, &end);
     if (end == nullptr || *end != '\0')
         return false;
     value = parsed;
@@ -107,8 +119,9 @@ void CNumericLocale::AppendVFormat(std::string& out, const char* format, va_list
 
 std::string CNumericLocale::FormatRoundTrip(double value)
 {
-    CThreadLocaleScope scope;
+    // to_chars with a precision writes what printf("%.17g") writes in the C
+    // locale, digit for digit, without printf's locale and format parsing.
     char buffer[40];
-    const int n = std::snprintf(buffer, sizeof buffer, "%.17g", value);
-    return std::string(buffer, n > 0 ? static_cast<size_t>(n) : 0);
+    const std::to_chars_result r = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, 17);
+    return std::string(buffer, r.ec == std::errc() ? r.ptr : buffer);
 }

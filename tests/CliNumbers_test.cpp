@@ -5,6 +5,7 @@
 // subnormals, 1e308).
 #include "TestSupport.h"
 #include "tools/kvcart/KvPointStream.h"
+#include "paramfile/NumericLocale.h"
 
 #include "geodesy/KvDatumConverter.h"
 
@@ -153,6 +154,49 @@ TEST(PointStreamNumbers, ReadingIsStrtodsBitForBit)
     for (const char* refused : {"", "+", "-", ".", "+-5", "++5", " 5", "5 ", "5,5", "0x10", "inf", "-inf", "nan",
                                 "infinity", "1e309", "-1e400", "1e-400", "1e", "5e+", "1.5.2", "e5"})
         EXPECT_FALSE(CKvPointStream::ParseNumber(refused, value)) << refused;
+}
+
+// The catalogue's and the registry's numbers: written as printf("%.17g")
+// writes them and read as strtod reads them (out-of-range values too, as
+// infinities or underflowed results), on doubles of every exponent, NaN and
+// the infinities, and on random strings.
+TEST(PointStreamNumbers, LibraryNumbersArePrintfsAndStrtods)
+{
+    std::mt19937_64 random(53);
+    char text[64];
+    for (int i = 0; i < 200000; ++i) {
+        std::uint64_t bits = random();
+        double value = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        std::snprintf(text, sizeof text, "%.17g", value);
+        ASSERT_EQ(CNumericLocale::FormatRoundTrip(value), text);
+        if (!std::isfinite(value))
+            continue;
+        double read = 0;
+        ASSERT_TRUE(CNumericLocale::ParseDouble(text, read)) << text;
+        ASSERT_TRUE(SameBits(read, value)) << text;
+    }
+    for (const double special : {0.0, -0.0, HUGE_VAL, -HUGE_VAL, 5e-324, 1e308})
+        EXPECT_EQ(CNumericLocale::FormatRoundTrip(special), (std::snprintf(text, sizeof text, "%.17g", special), text));
+    for (int i = 0; i < 200000; ++i) {
+        std::string word = i % 3 == 0 ? "+" : "";
+        const int length = 1 + static_cast<int>(random() % 26);
+        for (int k = 0; k < length; ++k)
+            word += "0123456789012345.-e"[random() % 19];
+        char* end = nullptr;
+        const double expected = std::strtod(word.c_str(), &end);
+        double read = 0;
+        const bool ok = CNumericLocale::ParseDouble(word.c_str(), read);
+        ASSERT_EQ(ok, end == word.c_str() + word.size()) << word;
+        if (ok) {
+            ASSERT_TRUE(SameBits(read, expected)) << word;
+        }
+    }
+    for (const char* range : {"1e309", "-1e400", "1e-400", "2.4703282292062327e-324", "4.9e-324", "1e-310"}) {
+        double read = 0;
+        ASSERT_TRUE(CNumericLocale::ParseDouble(range, read)) << range;
+        EXPECT_TRUE(SameBits(read, std::strtod(range, nullptr))) << range;
+    }
 }
 
 // Point lines through a conversion that keeps every coordinate (degrees to

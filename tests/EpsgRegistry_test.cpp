@@ -308,11 +308,13 @@ TEST(EpsgRegistryFile, AMissingOrDamagedFileIsReportedNotGuessed)
         good << "# test\nS\t0\tEPSG:1\tx\t1\t3\t1\t2\t3\t0\t0\t0\t0\ttranslations\t-\t-\n"
              << "W\t0\tGEOGCS[\"x\",DATUM[\"x\",SPHEROID[\"x\",6378137,298.257223563]],PRIMEM[\"G\",0],"
                 "UNIT[\"degree\",0.0174532925199433]]\n"
-             << "G\tEPSG\t4999\tx\t-1\t-1\t1\t1\t0\t-\t@0\n";
+             << "G\tEPSG\t4999\tx\t-1\t-1\t1\t1\t0\t-\t@0\n"
+             << "G\tEPSG\t4998\ty\t-1\t-1\t1\t1\t0\t-\t@0\n"; // a file out of key order is sorted
     }
     registry.UseFile(name);
     CKvMapProjection small("EPSG:4999");
     ASSERT_NE(small.GetProjection(), nullptr) << small.GetMessage();
+    EXPECT_NE(CKvMapProjection("EPSG:4998").GetProjection(), nullptr);
     CKvDatumShift shift;
     small.GetDatumShift(shift);
     EXPECT_EQ(shift.GetParameters()[2], 3.0);
