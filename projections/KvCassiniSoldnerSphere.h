@@ -19,13 +19,15 @@
 // differs by little near the central meridian. With xi = atan2(sin phi, cos
 // phi cos dl) and vdl = 1 - cos dl (the kernel's own versine, so that nothing
 // cancels near the central meridian),
-//   xi - phi = atan(sin phi cos phi vdl / (cos^2 phi cos dl + sin^2 phi)),
-// and back, with r = sqrt(sin^2 x/R + (cos x/R cos D)^2), the cosine of the
-// latitude (sin^2 + cos^2 = 1, a sum of squares with no cancellation),
-//   lat - D = asin(-sin D sin^2 x/R / (r + cos x/R cos D)),
-//   lon - lon0 = atan(sin x/R / (cos x/R cos D))
+//   sin(xi - phi) = sin phi cos phi vdl / cos x/R,
+// (the hypotenuse of xi's sides is sqrt(1 - sin^2 x/R)), and back, with
+// z = tan(lon - lon0) = sin x/R / (cos x/R cos D) and the cosine of the
+// latitude r = cos x/R cos D sqrt(1 + z^2),
+//   sin(lat - D) = -sin D sin^2 x/R / (r + cos x/R cos D)
+//                = -sin D sin x/R z / (1 + sqrt(1 + z^2))
 // (sin(lat - D) = sin D (cos x/R cos D - r), and r^2 - (cos x/R cos D)^2 =
-// sin^2 x/R).
+// sin^2 x/R). The reciprocal cosine and 1 / (1 + sqrt(1 + z^2)) are short
+// binomial series in the squares of small quantities: one quotient in all.
 // The fast path (Forward, Inverse) is these formulas on the inline kernels,
 // with no branch: the single-point calls and the vectorized blocks run the
 // same operations and give the same bits. The general formulas take the rest:
@@ -60,15 +62,24 @@ public:
     {
         constexpr double Deg = 3.141592653589793 / 180.0;
         const double phi = lat * Deg, dl = lon * Deg - f.lambda0;
-        double s, c, v, sdl, cdl, vdl;
-        CKvMathKernel::SinCos(phi, s, c, v);
-        CKvMathKernel::SinCos(dl, sdl, cdl, vdl);
+        // sin and cos of the latitude (within a quarter turn on the path) and
+        // of dl (within 0.5 on the path) by the kernels' series without
+        // reduction.
+        double s, c, sdl, vdl;
+        CKvMathKernel::SinCosHalfPi(phi, s, c);
+        CKvMathKernel::SinVersineQuarterPi(dl, sdl, vdl);
         const double z = c * sdl; // sin x/R
-        const double den = c * c * cdl + s * s, t = s * c * vdl / den;
+        // sin(xi - phi) = s c vdl / cos x/R, and 1 / cos x/R = (1 - z^2)^(-1/2)
+        // by its binomial series to z^16, whose remainder is below 2e-19 for
+        // z^2 <= 0.01: no division, no square root.
+        static constexpr double InvCos[8] = {1.0 / 2,     3.0 / 8,      5.0 / 16,      35.0 / 128,
+                                             63.0 / 256,  231.0 / 1024, 429.0 / 2048,  6435.0 / 32768};
+        const double u = z * z;
+        const double w = s * c * vdl * (1.0 + u * CKvMathKernel::Estrin<8>(u, InvCos));
         x = f.FE + f.a * CKvMathKernel::AsinSmall(z);
-        y = f.FN + f.a * ((phi - f.phi0) + CKvMathKernel::AtanSmall(t));
+        y = f.FN + f.a * ((phi - f.phi0) + CKvMathKernel::AsinSmall(w));
         return (std::fabs(lat) < 90.0) & (std::fabs(dl) <= 0.5) & (std::fabs(z) <= CKvMathKernel::AsinSmallLimit) &
-               (den > 0.0) & (std::fabs(t) <= CKvMathKernel::AtanSmallLimit);
+               (std::fabs(w) <= CKvMathKernel::AsinSmallLimit);
     }
 
     // false: beyond the series' reach, a grid point not finite or beyond a
@@ -88,14 +99,25 @@ public:
         CKvMathKernel::SinCosHalfPi(D, sD, cD);
         const double cX = 1.0 - vX;
         const double cc = cX * cD;
-        const double r = std::sqrt(sX * sX + cc * cc);
-        const double w = -sD * sX * sX / (r + cc); // sin(lat - D)
-        // tan(lon - lon0), one quotient with no square root before it; its
-        // arctangent by AtanSmall's series to t^15 up to |t| <= TanLimit, where
-        // the alternating series errs by under t^16 / 17 < 6e-18 relative.
+        // tan(lon - lon0), one quotient; its arctangent by AtanSmall's series
+        // to t^15 up to |t| <= TanLimit, where the alternating series errs by
+        // under t^16 / 17 < 6e-18 relative.
         constexpr double TanLimit = 0.1;
         const double z = sX / cc;
-        lat = (D + CKvMathKernel::AsinSmall(w)) * ToDegrees;
+        // With the cosine of the latitude r = cc sqrt(1 + z^2),
+        // sin(lat - D) = -sD sX^2 / (r + cc) = -sD sX z h(z^2), where
+        // h(u) = (sqrt(1 + u) - 1) / u by its binomial series to u^7, whose
+        // remainder is below 2e-18 relative for u <= 0.01: no square root
+        // and no second quotient.
+        static constexpr double Half[8] = {1.0 / 2,   -1.0 / 8,    1.0 / 16,   -5.0 / 128,
+                                           7.0 / 256, -21.0 / 1024, 33.0 / 2048, -429.0 / 32768};
+        const double w = -sD * sX * z * CKvMathKernel::Estrin<8>(z * z, Half); // sin(lat - D)
+        // |sX| = |z| cc and r >= cc give |w| <= z^2 cc / 2 <= 0.005 wherever
+        // |z| <= TanLimit: asin w by its series to w^7, whose remainder is
+        // below 35/1152 w^9 < 1.2e-20 |w|.
+        const double w2 = w * w;
+        const double dLat = w + w * w2 * (1.0 / 6 + w2 * (3.0 / 40 + w2 * (5.0 / 112)));
+        lat = (D + dLat) * ToDegrees;
         lon = (f.lambda0 + CKvMathKernel::AtanSmall(z)) * ToDegrees;
         return (std::fabs(xr) <= 0.5) & (std::fabs(D) <= HalfPi) &
                (std::fabs(w) <= CKvMathKernel::AsinSmallLimit) & (std::fabs(z) <= TanLimit) &
