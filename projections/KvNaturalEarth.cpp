@@ -1,6 +1,7 @@
 #include "projections/KvNaturalEarth.h"
 
 #include "projections/KvAngle.h"
+#include "projections/KvMathKernel.h"
 
 #include <cmath>
 #include <string>
@@ -11,15 +12,16 @@ constexpr double kDeg = kPi / 180.0;
 // The published coefficients (Savric et al. 2011, table 1).
 constexpr double A0 = 0.8707, A1 = -0.131979, A2 = -0.013791, A3 = 0.003971, A4 = -0.001529;
 constexpr double B0 = 1.007226, B1 = 0.015085, B2 = -0.044475, B3 = 0.028874, B4 = -0.005916;
-// Newton's method on y(phi), which rises monotonically from the equator to the
-// poles (its derivative stays above 0.12, |y''| below 6.6): a step s leaves
-// an error below 27 s^2, so that the iteration stops after a step below
-// 1e-9 (some 3e-17 left). It starts from a least-squares fit of phi / y in
-// y^2 over the map (the coefficients below), which only shortens the work:
-// 3 steps on average and at most 6 over the whole range; 16 bound the time.
-constexpr int kMaxIterations = 16;
-constexpr double kStart[4] = {0.9916175275749318, -0.001301952083424038, -0.00899979238562984,
-                              0.015712793580587973};
+// The inverse's start (tools/make_natural_earth_start.py). N(phi) rises from
+// the equator to the poles but has its maximum Y_c = N(1.588) just beyond
+// them, a square-root branch point of phi(Y) 0.0011 beyond the poles'
+// northing: below |Y| = kSplit phi / Y is a polynomial in x = Y^2 kLowScale - 1,
+// above it phi a polynomial in sqrt(Y_c - |Y|) (scaled into [-1, 1]).
+// largest errors in phi (rad): 7.9e-11 below the split, 3.5e-10 above
+constexpr double kSplit = 1.15, kLowScale = 1.512287334593573;
+constexpr double kLow[13] = {0.990787588820044, 0.009611808418798955, 0.013336755800309323, 9.93308802051431e-05, -0.0011582664894477172, 0.00021470680855218883, -0.0001194733467294276, 0.00010857628029035856, 1.986651780743343e-05, 1.0709120769767768e-05, 1.3897974255849926e-06, -2.240028020811871e-06, 8.708658687143626e-07};
+constexpr double kYc = 1.4234826284355004, kHighScale = 4.082395801719886, kHighShift = 1.1349120147160845;
+constexpr double kHigh[13] = {1.4093469572964137, -0.19727353248550986, -0.042543926306068576, -0.006589467186675143, 0.0008650003680717706, 0.0009906125160603063, 0.00023322693953176888, -8.681938139018473e-05, -8.922185739301721e-05, -2.052993681683697e-05, 1.0066540487252319e-05, 5.756880203379846e-06, 2.440043600409047e-07};
 
 // The length of the parallel over that of the equator times A0, and the
 // northing over R.
@@ -57,6 +59,7 @@ CKvNaturalEarth::CKvNaturalEarth(const std::string& name, const double* paramete
     const double a = _a();
     const bool usable = a > 0.0 && std::isfinite(a) && Problem(parameters).empty();
     m_R = usable ? a : std::nan("");
+    m_invR = 1.0 / m_R;
 }
 
 void CKvNaturalEarth::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -74,24 +77,28 @@ void CKvNaturalEarth::Geo2Proj(double lon, double lat, double* x, double* y) con
 void CKvNaturalEarth::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     *lon = *lat = std::nan("");
-    const double Y = (y - m_FN) / m_R, X = (x - m_FE) / m_R;
+    const double Y = (y - m_FN) * m_invR, X = (x - m_FE) * m_invR;
     if (!(std::fabs(Y) <= kPoleY * (1.0 + 1e-15)) || !std::isfinite(X))
         return;
-    const double Y2 = Y * Y;
-    double phi = Y * (kStart[0] + Y2 * (kStart[1] + Y2 * (kStart[2] + Y2 * kStart[3])));
-    for (int i = 0; i < kMaxIterations; ++i) {
-        const double p = phi * phi;
-        const double step = (Northing(phi, p) - Y) / NorthingSlope(p);
-        phi -= step;
-        if (!(std::fabs(step) > 1e-9))
-            break;
+    // One Newton step on N(phi) = Y from the start, within 3.5e-10 of the root:
+    // N' stays above 0.12 over the map and |N''| below 6.6, so that the step
+    // leaves at most 6.6 / 0.24 (3.5e-10)^2 < 4e-18.
+    const double absY = std::fabs(Y);
+    double phi0;
+    if (absY <= kSplit) {
+        phi0 = Y * CKvMathKernel::Estrin<13>(Y * Y * kLowScale - 1.0, kLow);
+    } else {
+        const double x0 = std::sqrt(kYc - absY) * kHighScale - kHighShift;
+        phi0 = std::copysign(CKvMathKernel::Estrin<13>(x0, kHigh), Y);
     }
+    const double p0 = phi0 * phi0;
+    double phi = phi0 - (Northing(phi0, p0) - Y) / NorthingSlope(p0);
     phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
-    const double dLon = X / Length(phi * phi) / kDeg;
+    const double dLon = X * (1.0 / kDeg) / Length(phi * phi);
     // Beyond the outer meridians there is no point of the map.
     if (!(std::fabs(dLon) <= 180.0 + 1e-9))
         return;
-    *lat = phi / kDeg;
+    *lat = phi * (1.0 / kDeg);
     *lon = CKvAngle::InverseLongitudeDegrees(std::fmax(-180.0, std::fmin(180.0, dLon)) + m_lon0);
 }
 

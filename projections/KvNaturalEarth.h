@@ -39,6 +39,7 @@ public:
 private:
     double m_lon0, m_FE, m_FN;
     double m_R; // the sphere's radius, the semi-major axis (NaN: no map)
+    double m_invR; // 1 / m_R
 };
 
 #endif

@@ -19,6 +19,7 @@
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
 #include "projections/KvMollweide.h"
+#include "projections/KvNaturalEarth.h"
 #include "projections/KvNewZealandMapGrid.h"
 #include "projections/KvObliqueMercator.h"
 #include "projections/KvPolarStereographic.h"
@@ -317,19 +318,23 @@ TEST(RoundTrip, WorldMaps)
 {
     // The forwards' Newton steps from polynomial starts against the inverses'
     // closed forms (Mollweide, Eckert IV) and the inverses' steps against the
-    // forwards (Equal Earth, sinusoidal): across each start's border (sin phi =
-    // 0.9, 64.158 degrees), towards the poles and at the map's edges. Not
+    // forwards (Equal Earth, sinusoidal, Natural Earth): across each start's
+    // border (sin phi = 0.9, 64.158 degrees; Natural Earth's northing 1.15 R,
+    // 66.741 degrees), towards the poles and at the map's edges. Not
     // within a tenth of a degree of the poles, where the inverses' latitude from
     // a northing that is quadratic in the distance to the pole keeps only half
     // the digits.
     const double centre[3] = {0.0, 0.0, 0.0}, offset[3] = {-96.0, 500000.0, -200000.0};
     const std::vector<std::pair<double, double>> extra = {
         {170.0, 64.15806723683288}, {-120.0, -64.1580672368329}, {179.99, 89.9},  {30.0, 89.5},
-        {-179.9, -89.9},       {45.0, 63.9},                {-3.0, 72.5},    {100.0, 1e-9}};
+        {-179.9, -89.9},       {45.0, 63.9},                {-3.0, 72.5},    {100.0, 1e-9},
+        {-60.0, 66.7408952041796}, {60.0, -66.7408952041797}};
     CheckFamily("World maps",
                 {System("Mollweide, sphere", Make<CKvMollweide>("m", centre, kSphere), -180, -90, 180, 90, extra),
                  System("Eckert IV, sphere", Make<CKvEckertIV>("e", offset, kSphere), -180, -90, 180, 90, extra),
                  System("Equal Earth, WGS 84", Make<CKvEqualEarth>("q", centre, kWgs84), -180, -90, 180, 90, extra),
                  System("Sinusoidal, Clarke 1880", Make<CKvSinusoidal>("s", offset, kClarkeIgn), -180, -90, 180, 90,
-                        extra)});
+                        extra),
+                 System("Natural Earth, Clarke 1880", Make<CKvNaturalEarth>("n", offset, kClarkeIgn), -180, -90, 180,
+                        90, extra)});
 }
