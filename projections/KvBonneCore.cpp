@@ -23,24 +23,39 @@ CKvBonneCore::CKvBonneCore(double a, double e2, double phi0)
     m_M0 = CKvConformalLatitude::MeridianDistance(m_meridian, phi0);
     m_Mp = CKvConformalLatitude::MeridianDistance(m_meridian, kPi / 2.0);
     m_sign = phi0 > 0.0 ? 1.0 : -1.0;
+    m_kernel = e2 <= 0.01;
 }
 
 void CKvBonneCore::Forward(double phi, double dLambda, double* x, double* y) const
 {
+    // |phi| <= pi/2 (the engines refuse other latitudes): its sine and cosine
+    // need no reduction of the argument.
     double s, c;
-    CKvMathKernel::SinCosAny(phi, s, c);
+    CKvMathKernel::SinCosHalfPi(phi, s, c);
     if (std::fabs(phi) == kPi / 2.0)
         c = 0.0;
-    const double m = c / std::sqrt(1.0 - m_e2 * s * s);
     const double M = CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
     const double rho = m_C + m_M0 - M;
-    // At the apex itself (rho = 0, the pole of a Werner map) T has no value
-    // and the point is the apex.
-    const double T = rho != 0.0 ? m_a * m * dLambda / rho : 0.0;
-    double sT, cT;
-    CKvMathKernel::SinCosAny(T, sT, cT);
+    // T = a m (lambda - lambda0) / rho with m = cos phi / sqrt(1 - e^2 sin^2 phi),
+    // one quotient. rho - a m falls with phi (d rho / dphi is minus the
+    // meridian's radius of curvature, d(a m) / dphi that radius times -sin phi)
+    // down to rho >= 0 at the far pole, so rho >= a m and |T| <= |lambda -
+    // lambda0| <= pi: within the sine kernel's range. At the apex itself (rho =
+    // 0, the pole of a Werner map) T has no value and the point is the apex.
+    const double den = rho * std::sqrt(1.0 - m_e2 * s * s);
+    const double T = rho != 0.0 ? m_a * c * dLambda / den : 0.0;
+    // Within pi/4 (every map but the far reaches of a world map) the sine and
+    // 1 - cos T need no reduction; y = M - M0 + rho (1 - cos T) keeps its
+    // precision where the cone's radius is large.
+    double sT, vT;
+    if (std::fabs(T) <= kPi / 4.0) {
+        CKvMathKernel::SinVersineQuarterPi(T, sT, vT);
+    } else {
+        double cT;
+        CKvMathKernel::SinCos(T, sT, cT, vT);
+    }
     *x = rho * sT;
-    *y = m_C - rho * cT;
+    *y = (M - m_M0) + rho * vT;
 }
 
 bool CKvBonneCore::Inverse(double x, double y, double* phi, double* dLambda) const
@@ -54,18 +69,27 @@ bool CKvBonneCore::Inverse(double x, double y, double* phi, double* dLambda) con
         *phi = *dLambda = std::nan("");
         return false;
     }
-    // On the sphere M = a phi: the latitude needs no footpoint series.
-    const double footpoint = m_e2 == 0.0 ? M / m_a : CKvConformalLatitude::MeridianLatitude(m_meridian, M);
-    const double p = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, footpoint));
-    double s, c;
-    CKvMathKernel::SinCosAny(p, s, c);
-    const double am = m_e2 == 0.0 ? m_a * c : m_a * c / std::sqrt(1.0 - m_e2 * s * s);
+    // On the sphere M = a phi: the latitude needs no footpoint series. For the
+    // earth's figures the footpoint, its Newton step and the latitude's sine
+    // and cosine come from the inline kernel.
+    double footpoint, s, c;
+    if (m_e2 == 0.0) {
+        footpoint = M / m_a;
+        CKvMathKernel::SinCosHalfPi(footpoint, s, c);
+    } else if (m_kernel) {
+        footpoint = CKvConformalLatitude::MeridianLatitudeSinCos(m_meridian, M, s, c);
+    } else {
+        footpoint = CKvConformalLatitude::MeridianLatitude(m_meridian, M);
+        CKvMathKernel::SinCosAny(footpoint, s, c);
+    }
+    // Rounding may carry the footpoint a hair beyond a pole (M was checked finite).
+    const double p = footpoint > kPi / 2.0 ? kPi / 2.0 : footpoint < -kPi / 2.0 ? -kPi / 2.0 : footpoint;
     double d = 0.0;
     // On a pole (m = 0) every longitude is the point: the central meridian's.
-    if (std::fabs(M) < m_Mp * (1.0 - 1e-15)) {
-        const double angle = m_sign > 0.0 ? std::atan2(x, dy) : std::atan2(-x, -dy);
-        d = rho * angle / am;
-    }
+    // Elsewhere rho is bounded by the check of M above, within Atan2's range;
+    // lambda - lambda0 = rho angle / (a m), a m = a cos phi / sqrt(1 - e^2 sin^2 phi).
+    if (std::fabs(M) < m_Mp * (1.0 - 1e-15))
+        d = rho * CKvMathKernel::Atan2(m_sign * x, m_sign * dy) * std::sqrt(1.0 - m_e2 * s * s) / (m_a * c);
     if (!(std::fabs(d) <= kPi * (1.0 + 1e-12))) {
         *phi = *dLambda = std::nan("");
         return false;

@@ -46,6 +46,7 @@ private:
     double m_M0 = 0.0;   // meridian distance of phi0
     double m_Mp = 0.0;   // meridian distance of the pole
     double m_sign = 1.0; // the sign of phi0
+    bool m_kernel = false; // the footpoint by the inline kernel (e^2 <= 0.01)
     CKvConformalLatitude::SMeridian m_meridian;
 };
 

@@ -228,6 +228,31 @@ public:
         return phi + (distance - MeridianDistance(meridian, phi, s, c)) * (w * std::sqrt(w)) /
                          (meridian.a * (1.0 - meridian.e2));
     }
+    // MeridianLatitudeKernel with the sine and cosine of the latitude, under the
+    // same conditions, for the inverses that go on with them: the sine and
+    // cosine of mu (|mu| <= pi/2, no reduction) turned by the footpoint's
+    // correction (below 0.004: SinCosSmall) are phi's, sin 2phi and cos 2phi
+    // follow from them. The Newton step is below 1e-10 rad there (the series
+    // misses M by at most 5e-9 degree), so that s + c step and c - s step are
+    // the sine and cosine after it (the terms left out below 1e-20).
+    static KVCART_ALWAYS_INLINE double MeridianLatitudeSinCos(const SMeridian& meridian, double distance,
+                                                              double& sinPhi, double& cosPhi)
+    {
+        const double mu = distance / (meridian.a * meridian.m0);
+        double sMu, cMu;
+        CKvMathKernel::SinCosHalfPi(mu, sMu, cMu);
+        const double delta = 2.0 * sMu * cMu * CKvMathKernel::Estrin<4>((cMu - sMu) * (cMu + sMu), meridian.footpoint);
+        const double phi = mu + delta;
+        double sd, cd;
+        CKvMathKernel::SinCosSmall(delta, sd, cd);
+        const double s = sMu * cd + cMu * sd, c = cMu * cd - sMu * sd;
+        const double w = 1.0 - meridian.e2 * s * s;
+        const double step = (distance - MeridianDistance(meridian, phi, 2.0 * s * c, (c - s) * (c + s))) *
+                            (w * std::sqrt(w)) / (meridian.a * (1.0 - meridian.e2));
+        sinPhi = s + c * step;
+        cosPhi = c - s * step;
+        return phi + step;
+    }
 
 private:
     // From m0 and the coefficients b_1..b_4 of sin 2k phi in M / a.

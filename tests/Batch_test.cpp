@@ -757,6 +757,12 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
             const double m = CKvConformalLatitude::MeridianDistance(meridian, static_cast<double>(phi));
             worstM = std::fmax(worstM, static_cast<double>(std::fabs(
                                            CKvConformalLatitude::MeridianLatitudeKernel(meridian, m) - phi)));
+            // The variant that gives the latitude's sine and cosine with it.
+            double sinPhi, cosPhi;
+            const double phiSC = CKvConformalLatitude::MeridianLatitudeSinCos(meridian, m, sinPhi, cosPhi);
+            worstM = std::fmax(worstM, static_cast<double>(std::fmax(
+                                           std::fabs(phiSC - phi), std::fmax(std::fabs(sinPhi - std::sin(phi)),
+                                                                             std::fabs(cosPhi - std::cos(phi))))));
         }
         EXPECT_LE(worstBeta, 8e-16) << e;
         EXPECT_LE(worstM, 1e-15) << e;
@@ -768,5 +774,11 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
         const double quarter = CKvConformalLatitude::MeridianDistance(meridian, 1.5707963267948966);
         EXPECT_NEAR(CKvConformalLatitude::MeridianLatitudeKernel(meridian, quarter), 1.5707963267948966, 1e-15);
         EXPECT_TRUE(std::isnan(CKvConformalLatitude::MeridianLatitudeKernel(meridian, nan)));
+        double sinPole, cosPole;
+        EXPECT_NEAR(CKvConformalLatitude::MeridianLatitudeSinCos(meridian, -quarter, sinPole, cosPole),
+                    -1.5707963267948966, 1e-15);
+        EXPECT_NEAR(sinPole, -1.0, 4.5e-16);
+        EXPECT_NEAR(cosPole, 0.0, 1e-15);
+        EXPECT_TRUE(std::isnan(CKvConformalLatitude::MeridianLatitudeSinCos(meridian, nan, sinPole, cosPole)));
     }
 }
