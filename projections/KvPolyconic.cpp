@@ -34,29 +34,43 @@ CKvPolyconic::CKvPolyconic(const std::string& name, const double* parameters, co
 
 void CKvPolyconic::_grid(double phi, double dLambda, double* x, double* y, double* dxdphi, double* dydphi) const
 {
+    // |phi| <= pi/2 (the callers check): its sine and cosine need no reduction.
     double s, c;
-    CKvMathKernel::SinCosAny(phi, s, c);
+    CKvMathKernel::SinCosHalfPi(phi, s, c);
     const double e2 = _e2();
     const double w2 = 1.0 - e2 * s * s;
-    const double nu = _a() / std::sqrt(w2);
     const double L = dLambda * s;
+    const double M = CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
     // A = sin L / sin phi and B = (1 - cos L) / sin phi, so that
-    // x = nu cos phi A and y = M - M0 + nu cos phi B.
-    double A, B;
-    if (std::fabs(L) < kSeriesL) {
+    // x = nu cos phi A and y = M - M0 + nu cos phi B. Away from the central
+    // meridian and the equator nu cos phi / sin phi is one quotient, and L's
+    // sine and versine need no reduction within pi/4 (|L| <= pi always).
+    double A, B, nuC;
+    if (std::fabs(L) >= kSeriesL) {
+        double sL, vL;
+        if (std::fabs(L) <= kPi / 4.0) {
+            CKvMathKernel::SinVersineQuarterPi(L, sL, vL);
+        } else {
+            double cL;
+            CKvMathKernel::SinCos(L, sL, cL, vL);
+        }
+        const double k = _a() * c / (std::sqrt(w2) * s);
+        *x = k * sL;
+        *y = M - m_M0 + k * vL;
+        if (dxdphi == nullptr)
+            return;
+        A = sL / s;
+        B = vL / s;
+        nuC = _a() * c / std::sqrt(w2);
+    } else {
         const double L2 = L * L;
         A = dLambda * (1.0 - L2 / 6.0 * (1.0 - L2 / 20.0));
         B = 0.5 * dLambda * L * (1.0 - L2 / 12.0 * (1.0 - L2 / 30.0));
-    } else {
-        double sL, cL, versine;
-        CKvMathKernel::SinCos(L, sL, cL, versine);
-        A = sL / s;
-        B = versine / s;
+        nuC = _a() * c / std::sqrt(w2);
+        *x = nuC * A;
+        *y = M - m_M0 + nuC * B;
     }
-    const double M = CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
-    const double nuC = nu * c;
-    *x = nuC * A;
-    *y = M - m_M0 + nuC * B;
+    const double nu = _a() / std::sqrt(w2);
     if (dxdphi == nullptr)
         return;
     // dA/dphi = cos phi (L cos L - sin L) / sin^2 phi and dB/dphi = cos phi
