@@ -171,6 +171,60 @@ CKvConformalLatitude::SMeridian CKvConformalLatitude::_makeMeridian(double a, do
     return meridian;
 }
 
+CKvConformalLatitude::SMeridianInverse CKvConformalLatitude::MakeMeridianInverse(const SMeridian& meridian)
+{
+    SMeridianInverse inverse;
+    inverse.muPerDistance = 1.0 / (meridian.a * meridian.m0);
+    const long double m0 = meridian.m0;
+    if (!(m0 > 0.0L) || !std::isfinite(inverse.muPerDistance))
+        return inverse;
+    // mu(phi) = phi + sin 2phi P(cos 2phi) / m0 and its derivative, P the
+    // series' polynomial.
+    const double* b = meridian.distance;
+    auto mu = [b, m0](long double phi, long double& slope) {
+        const long double s = std::sin(2 * phi), c = std::cos(2 * phi);
+        const long double p = b[0] + c * (b[1] + c * (b[2] + c * b[3]));
+        const long double dp = b[1] + c * (2 * b[2] + c * 3 * b[3]);
+        slope = 1 + (2 * c * p - 2 * s * s * dp) / m0;
+        return phi + s * p / m0;
+    };
+    constexpr int Samples = 64, Terms = 12;
+    constexpr long double Pi = 3.14159265358979323846264338327950288L;
+    long double d[Terms + 1] = {};
+    for (int j = 1; j < Samples; ++j) {
+        // phi(mu_j) by Newton's method from mu_j: the correction is below
+        // 0.004, and each step squares the error (n^2, n^4, ... below rounding
+        // after four steps); two more for margin.
+        const long double target = j * Pi / Samples;
+        long double phi = target, slope;
+        for (int step = 0; step < 6; ++step)
+            phi -= (mu(phi, slope) - target) / slope;
+        for (int k = 1; k <= Terms; ++k)
+            d[k] += (phi - target) * std::sin(2 * k * target) * 2 / Samples;
+    }
+    long double tail = 0;
+    for (int k = 7; k <= Terms; ++k)
+        tail += std::fabs(d[k]);
+    // sum_k d_k sin 2k mu = sin 2mu sum_k d_k U_{k-1}(cos 2mu), Chebyshev's
+    // U_0 = 1, U_1 = 2c, U_{k+1} = 2c U_k - U_{k-1}, their coefficients added up.
+    long double previous[6] = {}, current[6] = {1}, poly[6] = {};
+    for (int k = 1; k <= 6; ++k) {
+        for (int i = 0; i < 6; ++i)
+            poly[i] += d[k] * current[i];
+        long double next[6] = {};
+        for (int i = 0; i < 6; ++i)
+            next[i] = (i > 0 ? 2 * current[i - 1] : 0) - previous[i];
+        for (int i = 0; i < 6; ++i) {
+            previous[i] = current[i];
+            current[i] = next[i];
+        }
+    }
+    for (int i = 0; i < 6; ++i)
+        inverse.poly[i] = static_cast<double>(poly[i]);
+    inverse.series = tail <= MeridianSeriesTail && std::isfinite(static_cast<double>(tail));
+    return inverse;
+}
+
 double CKvConformalLatitude::MeridianDistance(const SMeridian& meridian, double phi)
 {
     double s, c;

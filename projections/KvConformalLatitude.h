@@ -228,6 +228,38 @@ public:
         return phi + (distance - MeridianDistance(meridian, phi, s, c)) * (w * std::sqrt(w)) /
                          (meridian.a * (1.0 - meridian.e2));
     }
+
+    // The footpoint latitude as the exact inverse of a meridian series itself, in
+    // closed form: with mu = M / (a m0), the difference phi(mu) - mu is odd and
+    // of period pi, phi = mu + sum d_k sin 2k mu, and d_k = O(n^k). The d_k are
+    // the Fourier coefficients of that inverse, taken in MakeMeridianInverse from
+    // 64 samples of it (Newton's method to convergence, long double), the trig
+    // polynomial being exact up to aliasing from d_58 on. Six terms are kept as
+    // sin 2mu times a polynomial in cos 2mu; the coefficients d_7 to d_12 are
+    // computed too and the series used only if their sum stays below
+    // MeridianSeriesTail rad (with d_k shrinking by about n per order, what
+    // follows is smaller still): about 1e-19 rad for the earth's ellipsoids,
+    // no Newton step needed, and the latitude gives back the series' own M to
+    // rounding.
+    static constexpr double MeridianSeriesTail = 1e-17;
+    struct SMeridianInverse
+    {
+        double muPerDistance = 0.0; // 1 / (a m0)
+        double poly[6] = {0, 0, 0, 0, 0, 0};
+        bool series = false; // whether the terms left out stay below MeridianSeriesTail
+    };
+    static SMeridianInverse MakeMeridianInverse(const SMeridian& meridian);
+    // The latitude (radians) of the rectifying latitude mu, |mu| <= pi/2, by the
+    // inline kernels: sin mu and cos mu without reduction (their errors reach phi
+    // only through the correction, below 0.004 of them), those of 2mu from them.
+    // Beyond pi/2 the value is meaningless; the callers flag such points.
+    static KVCART_ALWAYS_INLINE double MeridianLatitudeSeries(const SMeridianInverse& inverse, double mu)
+    {
+        double s, c;
+        CKvMathKernel::SinCosHalfPi(mu, s, c);
+        const double s2Mu = 2.0 * s * c, c2Mu = (c - s) * (c + s);
+        return mu + s2Mu * CKvMathKernel::Estrin<6>(c2Mu, inverse.poly);
+    }
     // MeridianLatitudeKernel with the sine and cosine of the latitude, under the
     // same conditions, for the inverses that go on with them: the sine and
     // cosine of mu (|mu| <= pi/2, no reduction) turned by the footpoint's

@@ -32,17 +32,17 @@ KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, dou
     return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
 }
 
-// Inverse: the radius of the sign of n, and the latitude of its meridian
-// distance by the kernel. false: a latitude beyond the poles (which the
-// general formulas set on the pole or refuse), a longitude to be reduced, not
-// finite.
+// Inverse: the radius of the sign of n, its rectifying latitude, and the
+// latitude of that by the inverse series of the meridian distance, with no
+// Newton step. false: a latitude beyond the poles (which the general formulas
+// set on the pole or refuse), a longitude to be reduced, not finite.
 KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
 {
     double rho2;
     const bool unplaced = CKvConicVariant::Unplace(f.cone, x, y, lon, rho2);
-    const double rho = f.cone.sign * std::sqrt(rho2);
-    lat = CKvConformalLatitude::MeridianLatitudeKernel(f.meridian, f.aG - rho) * (1.0 / kDeg);
-    return unplaced & (std::fabs(lat) <= 90.0);
+    const double mu = (f.aG - f.cone.sign * std::sqrt(rho2)) * f.footpoint.muPerDistance;
+    lat = CKvConformalLatitude::MeridianLatitudeSeries(f.footpoint, mu) * (1.0 / kDeg);
+    return unplaced & (std::fabs(mu) <= 1.5707963267948966) & (std::fabs(lat) <= 90.0);
 }
 
 KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
@@ -70,7 +70,9 @@ CKvEquidistantConicEllipsoid::CKvEquidistantConicEllipsoid(double phi1, double p
     f.meridian = m_meridian;
     f.aG = m_a * m_G;
     // The kernels hold for the eccentricities of the earth (e^2 <= 0.01).
+    f.footpoint = CKvConformalLatitude::MakeMeridianInverse(m_meridian);
     f.fast = m_cone.finite && e2 > 0.0 && e2 <= 0.01 && std::isfinite(f.aG);
+    f.fastInverse = f.fast && f.footpoint.series;
 }
 
 double CKvEquidistantConicEllipsoid::_meridian(double phi) const
@@ -85,4 +87,4 @@ double CKvEquidistantConicEllipsoid::_latitude(double rho) const
     return CKvConformalLatitude::MeridianLatitude(m_meridian, m_a * m_G - rho);
 }
 
-KVCART_DEFINE_CONIC_FAST_CALLS(CKvEquidistantConicEllipsoid, fast, fast)
+KVCART_DEFINE_CONIC_FAST_CALLS(CKvEquidistantConicEllipsoid, fast, fastInverse)

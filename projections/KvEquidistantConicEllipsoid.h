@@ -8,7 +8,9 @@
 
 // Equidistant conic on the ellipsoid (Snyder, eqs. 16-5 to 16-11): the radius
 // grows with the meridian distance, taken by Helmert's series (to 0.1 micrometre)
-// and inverted through the rectifying latitude (CKvConformalLatitude::MeridianLatitude).
+// and inverted through the rectifying latitude: on the fast path by the inverse
+// series of that same M (CKvConformalLatitude::MeridianLatitudeSeries), in the
+// general formulas by the footpoint series and Newton's step (MeridianLatitude).
 class CKvEquidistantConicEllipsoid final : public CKvConicVariantT<CKvEquidistantConicEllipsoid>
 {
     friend class CKvConicVariantT<CKvEquidistantConicEllipsoid>;
@@ -27,13 +29,15 @@ public:
                   double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
 
     // The figures of the fast paths (the inline kernels, in the single-point
-    // calls and the vectorized batch loops alike): rho = a G - M(phi).
+    // calls and the vectorized batch loops alike): rho = a G - M(phi), and
+    // back through the rectifying latitude (aG - rho) / (a m0).
     struct SFigures
     {
         SCone cone;
         CKvConformalLatitude::SMeridian meridian;
+        CKvConformalLatitude::SMeridianInverse footpoint;
         double aG = 0.0;
-        bool fast = false;
+        bool fast = false, fastInverse = false;
     };
 
 private:

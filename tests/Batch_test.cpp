@@ -740,6 +740,9 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
     EXPECT_EQ(CKvMathKernel::Asin(-1.0), -1.5707963267948966);
     EXPECT_TRUE(std::isnan(CKvMathKernel::Asin(1.0 + 1e-15)) && std::isnan(CKvMathKernel::Asin(nan)));
 
+    // Beyond the earth's eccentricities the left-out terms of the inverse series
+    // grow past its bound, and it says so.
+    EXPECT_FALSE(CKvConformalLatitude::MakeMeridianInverse(CKvConformalLatitude::MakeMeridian(1.0, 0.25)).series);
     constexpr long double Deg = 3.14159265358979323846264338327950288L / 180;
     for (double e : {0.0818191910428158, 0.0822688893, 0.1}) {
         const CKvConformalLatitude::SAuthalic authalic = CKvConformalLatitude::MakeAuthalic(e);
@@ -747,6 +750,10 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
         const long double le = e;
         auto q = [le](long double s) { return (1 - le * le) * (s / (1 - le * le * s * s) + std::atanh(le * s) / le); };
         double worstBeta = 0.0, worstM = 0.0;
+        // The inverse series of the same M, with no Newton step.
+        const CKvConformalLatitude::SMeridianInverse inverse = CKvConformalLatitude::MakeMeridianInverse(meridian);
+        EXPECT_TRUE(inverse.series) << e;
+        double worstSeries = 0.0;
         for (int i = -8990; i <= 8990; ++i) {
             const long double phi = i * 0.01L * Deg;
             const double sinBeta = static_cast<double>(q(std::sin(phi)) / q(1.0L));
@@ -755,6 +762,8 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
             // error is weighed by the cosine.
             worstBeta = std::fmax(worstBeta, static_cast<double>(std::fabs(back - phi) * std::cos(phi)));
             const double m = CKvConformalLatitude::MeridianDistance(meridian, static_cast<double>(phi));
+            worstSeries = std::fmax(worstSeries, static_cast<double>(std::fabs(
+                CKvConformalLatitude::MeridianLatitudeSeries(inverse, m * inverse.muPerDistance) - phi)));
             worstM = std::fmax(worstM, static_cast<double>(std::fabs(
                                            CKvConformalLatitude::MeridianLatitudeKernel(meridian, m) - phi)));
             // The variant that gives the latitude's sine and cosine with it.
@@ -766,6 +775,8 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
         }
         EXPECT_LE(worstBeta, 8e-16) << e;
         EXPECT_LE(worstM, 1e-15) << e;
+        // The roundings of M (3e-16 rad at 1e7 m) and of mu, no more.
+        EXPECT_LE(worstSeries, 7e-16) << e;
         EXPECT_EQ(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, 0.0), 0.0);
         EXPECT_NEAR(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, 1.0), 1.5707963267948966, 1e-16);
         EXPECT_NEAR(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, -1.0), -1.5707963267948966, 1e-16);
@@ -774,6 +785,9 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
         const double quarter = CKvConformalLatitude::MeridianDistance(meridian, 1.5707963267948966);
         EXPECT_NEAR(CKvConformalLatitude::MeridianLatitudeKernel(meridian, quarter), 1.5707963267948966, 1e-15);
         EXPECT_TRUE(std::isnan(CKvConformalLatitude::MeridianLatitudeKernel(meridian, nan)));
+        EXPECT_NEAR(CKvConformalLatitude::MeridianLatitudeSeries(inverse, -quarter * inverse.muPerDistance),
+                    -1.5707963267948966, 4.5e-16);
+        EXPECT_TRUE(std::isnan(CKvConformalLatitude::MeridianLatitudeSeries(inverse, nan)));
         double sinPole, cosPole;
         EXPECT_NEAR(CKvConformalLatitude::MeridianLatitudeSinCos(meridian, -quarter, sinPole, cosPole),
                     -1.5707963267948966, 1e-15);
