@@ -2,6 +2,7 @@
 #define KVCART_PROJECTIONS_KVBATCH_H
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
 // The vectorized block loops are compiled once per instruction set and the
@@ -50,9 +51,11 @@ class CKvBatch
 {
 public:
     // Points per block of the vectorized loops: enough to fill the vector units
-    // and to amortize the pass over the exceptional points, small enough to stay
-    // in the first-level cache (four arrays of 2 KiB) on the stack.
-    static constexpr std::size_t BlockSize = 64;
+    // (GCC takes as many points per iteration as a vector holds bytes, for the
+    // flags: 64 with AVX-512) several times over and to amortize the call, the
+    // copy of the figures and the pass over the exceptional points, small enough
+    // to stay in the first-level cache (four arrays of 2 KiB) on the stack.
+    static constexpr std::size_t BlockSize = 256;
 
     // The address of element i. A stride is a size_t, so a host walking an
     // array backwards passes a negative distance as its two's complement:
@@ -146,6 +149,25 @@ public:
             point);
     }
 
+    // Whether the n doubles from p and the m doubles from q share no byte (as
+    // addresses: the arrays may be unrelated objects).
+    static bool Apart(const double* p, std::size_t n, const double* q, std::size_t m)
+    {
+        const std::uintptr_t x = reinterpret_cast<std::uintptr_t>(p), y = reinterpret_cast<std::uintptr_t>(q);
+        return x >= y + m * sizeof(double) || y >= x + n * sizeof(double);
+    }
+
+    // Whether every point of a block stayed on the fast path: one pass with no
+    // branch (which the compiler vectorizes), so that the usual block, all on
+    // it, is not scanned point by point.
+    static bool AllOk(const bool* ok, std::size_t count)
+    {
+        unsigned char all = 1;
+        for (std::size_t i = 0; i < count; ++i)
+            all &= static_cast<unsigned char>(ok[i]);
+        return all != 0;
+    }
+
     // Runs the points in blocks of contiguous copies: block(count, a, b, u, v, ok)
     // computes a whole block and clears ok[i] for every point it leaves to the
     // general per-point path, point(a, b, &u, &v), which then computes it.
@@ -157,16 +179,27 @@ public:
         bool ok[BlockSize];
         constexpr std::size_t D = sizeof(double);
         if (sa == D && sb == D && su == D && sv == D) {
-            // Contiguous arrays: the inputs are copied (the outputs may be the
-            // inputs themselves), the outputs written where they belong.
+            // Contiguous arrays. Outputs apart from the inputs: the block reads
+            // the inputs where they are, and they are still there for the points
+            // it leaves. Otherwise (in-place calls) the inputs are copied first.
+            // Either way the outputs are written where they belong.
+            const bool apart = Apart(u, n, a, n) && Apart(u, n, b, n) && Apart(v, n, a, n) && Apart(v, n, b, n);
             for (std::size_t first = 0; first < n; first += BlockSize) {
                 const std::size_t count = n - first < BlockSize ? n - first : BlockSize;
-                std::memcpy(ab, a + first, count * D);
-                std::memcpy(bb, b + first, count * D);
-                block(count, ab, bb, u + first, v + first, ok);
+                const double* pa = a + first;
+                const double* pb = b + first;
+                if (!apart) {
+                    std::memcpy(ab, pa, count * D);
+                    std::memcpy(bb, pb, count * D);
+                    pa = ab;
+                    pb = bb;
+                }
+                block(count, pa, pb, u + first, v + first, ok);
+                if (AllOk(ok, count))
+                    continue;
                 for (std::size_t i = 0; i < count; ++i)
                     if (!ok[i])
-                        point(ab[i], bb[i], &u[first + i], &v[first + i]);
+                        point(pa[i], pb[i], &u[first + i], &v[first + i]);
             }
             return;
         }
