@@ -1,6 +1,7 @@
 #include "catalogue/KvGeographicalProjection.h"
 #include "catalogue/KvKrovakProjection.h"
 #include "catalogue/KvLambert1SPProjection.h"
+#include "catalogue/KvMapProjectionList.h"
 #include "catalogue/KvMercator2SPProjection.h"
 #include "catalogue/KvTransverseMercatorProjection.h"
 #include "paramfile/Gxr.h"
@@ -119,15 +120,61 @@ TEST(KvMapProjData, EveryTypeHasItsDefaultDefinition)
         EXPECT_FALSE(d->IsSectionID(CString(expected[i].section).MakeLower().GetStdString()));
         EXPECT_EQ(d->GetNoOfParameters(), expected[i].count);
         EXPECT_EQ(Parameters(*d), expected[i].values);
-        // No other type claims this section.
-        for (int j = 0; j < 22; ++j)
+    }
+    // No type claims another's section.
+    const int n = CKvMapProjData::GetNoOfProjections();
+    for (int i = 0; i < n; ++i) {
+        Def d(CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::Enum2ProjectionType(i)));
+        for (int j = 0; j < n; ++j)
             if (j != i) {
                 Def other(CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::Enum2ProjectionType(j)));
-                EXPECT_FALSE(other->IsSectionID(expected[i].section));
+                EXPECT_FALSE(other->IsSectionID(d->GetTypeInfo().sectionID)) << i << " " << j;
             }
     }
-    EXPECT_EQ(CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::eNonProjected), nullptr);
-    EXPECT_EQ(CKvMapProjData::CreateDefaultParameterProjection(CKvMapProjData::eNoProjection), nullptr);
+    for (const CKvMapProjData::EProjectionType none : {CKvMapProjData::eNonProjected, CKvMapProjData::eNoProjection}) {
+        EXPECT_EQ(CKvMapProjData::CreateDefaultParameterProjection(none), nullptr);
+        EXPECT_EQ(CKvMapProjData::ProjectionType2Enum(none), -1);
+        EXPECT_EQ(CKvMapProjData::GetTypeInfo(none), nullptr);
+    }
+}
+
+// A definition of every type, with parameters none of its defaults has, through
+// the user's parameter file and back: each in its own section, read back whole.
+TEST(KvMapProjData, EveryTypeRoundTripsThroughTheParameterFile)
+{
+    kvtest::ShippedCatalogue();
+    kvtest::TempDir dir;
+    CKvMapProjectionList list;
+    std::vector<const CKvMapProjData*> written;
+    for (int i = 0; i < CKvMapProjData::GetNoOfProjections(); ++i) {
+        const CKvMapProjData::EProjectionType type = CKvMapProjData::Enum2ProjectionType(i);
+        std::vector<double> values;
+        for (int k = 0; k < 10; ++k)
+            values.push_back(0.5 + 0.125 * k + 0.001 * i);
+        CKvMapProjData* d =
+            CKvMapProjData::CreateProjection(type, "Type " + std::to_string(i), "Tests", "BR", values.data());
+        ASSERT_NE(d, nullptr) << i;
+        list.AddMapProjection(d);
+        written.push_back(d);
+    }
+    ASSERT_EQ(list.WriteCustomMapProjections(dir.File("types.gxr")), GXR_OK);
+    const std::string text = kvtest::ReadFile(dir.File("types.gxr"));
+    CKvMapProjectionList back;
+    ASSERT_EQ(back.ReadMapProjections(dir.File("types.gxr"), true), GXR_OK);
+    EXPECT_EQ(back.GetProblems(), "");
+    ASSERT_EQ(back.GetCount(), written.size());
+    for (const CKvMapProjData* d : written) {
+        SCOPED_TRACE(d->GetTypeInfo().title);
+        EXPECT_NE(text.find(std::string("SECTION ") + d->GetTypeInfo().sectionID), std::string::npos);
+        auto it = back.GetIteratorBegin();
+        while (it != back.GetIteratorEnd() && (*it)->GetName() != d->GetName())
+            ++it;
+        ASSERT_NE(it, back.GetIteratorEnd());
+        EXPECT_EQ((*it)->GetProjectionType(), d->GetProjectionType());
+        EXPECT_EQ((*it)->GetBranchName(), "Tests");
+        EXPECT_EQ((*it)->GetEllipsoidID(), "BR");
+        EXPECT_EQ(Parameters(**it), Parameters(*d));
+    }
 }
 
 TEST(KvMapProjData, ParametersLabelsAndFactory)
