@@ -44,6 +44,7 @@ public:
 private:
     double m_lon0, m_FE, m_FN;
     double m_R; // the sphere's radius, a (NaN: no map)
+    double m_YPerNorthing, m_XDegreePerEasting; // the inverse's scales, 1 / (1.3523 R) and 1 / (0.8487 R deg)
 };
 
 #endif

@@ -24,6 +24,7 @@
 #include "projections/KvObliqueMercator.h"
 #include "projections/KvPolarStereographic.h"
 #include "projections/KvRectifiedSkewOrthomorphic.h"
+#include "projections/KvRobinson.h"
 #include "projections/KvSinusoidal.h"
 #include "projections/KvStereographic.h"
 #include "projections/KvStereographicNorthPole.h"
@@ -320,7 +321,8 @@ TEST(RoundTrip, WorldMaps)
     // closed forms (Mollweide, Eckert IV) and the inverses' steps against the
     // forwards (Equal Earth, sinusoidal, Natural Earth): across each start's
     // border (sin phi = 0.9, 64.158 degrees; Natural Earth's northing 1.15 R,
-    // 66.741 degrees), towards the poles and at the map's edges. Not
+    // 66.741 degrees; Robinson's pieces with two steps, from 75 degrees on),
+    // towards the poles and at the map's edges. Not
     // within a tenth of a degree of the poles, where the inverses' latitude from
     // a northing that is quadratic in the distance to the pole keeps only half
     // the digits.
@@ -328,7 +330,7 @@ TEST(RoundTrip, WorldMaps)
     const std::vector<std::pair<double, double>> extra = {
         {170.0, 64.15806723683288}, {-120.0, -64.1580672368329}, {179.99, 89.9},  {30.0, 89.5},
         {-179.9, -89.9},       {45.0, 63.9},                {-3.0, 72.5},    {100.0, 1e-9},
-        {-60.0, 66.7408952041796}, {60.0, -66.7408952041797}};
+        {-60.0, 66.7408952041796}, {60.0, -66.7408952041797}, {-170.0, -75.0}, {10.0, 77.5}};
     CheckFamily("World maps",
                 {System("Mollweide, sphere", Make<CKvMollweide>("m", centre, kSphere), -180, -90, 180, 90, extra),
                  System("Eckert IV, sphere", Make<CKvEckertIV>("e", offset, kSphere), -180, -90, 180, 90, extra),
@@ -336,5 +338,6 @@ TEST(RoundTrip, WorldMaps)
                  System("Sinusoidal, Clarke 1880", Make<CKvSinusoidal>("s", offset, kClarkeIgn), -180, -90, 180, 90,
                         extra),
                  System("Natural Earth, Clarke 1880", Make<CKvNaturalEarth>("n", offset, kClarkeIgn), -180, -90, 180,
-                        90, extra)});
+                        90, extra),
+                 System("Robinson, sphere", Make<CKvRobinson>("r", offset, kSphere), -180, -90, 180, 90, extra)});
 }
