@@ -26,7 +26,7 @@ CKvLambertWestOrientated::CKvLambertWestOrientated(const std::string& name, cons
       // An unusable set gives the cone a scale of NaN, and with it every answer.
       m_cone(name,
              Problem(parameters).empty() && _a() > 0.0 && std::isfinite(_a()) ? parameters[0] : std::nan(""),
-             parameters[1], parameters[2], 0.0, parameters[4], ellipsoid),
+             0.0, parameters[2], 0.0, parameters[4], ellipsoid),
       m_FE(parameters[3]), m_FN(parameters[4]), m_lon0(parameters[1]),
       m_apexPole(parameters[2] < 0.0 ? -90.0 : 90.0), m_sign(parameters[2] < 0.0 ? -1.0 : 1.0)
 {
@@ -50,7 +50,8 @@ void CKvLambertWestOrientated::Geo2Proj(double lon, double lat, double* x, doubl
         *y = m_FN + m_cone.GetApexRadius();
     } else {
         // A longitude is a point of the earth: 540 is 180.
-        m_cone.Geo2Proj(CKvAngle::ReduceLongitudeDegrees(lon), lat, &east, y);
+        m_cone.Geo2Proj(CKvAngle::LongitudeDifferenceDegrees(CKvAngle::ReduceLongitudeDegrees(lon), m_lon0), lat,
+                        &east, y);
     }
     *x = m_FE - east;
 }
@@ -60,6 +61,7 @@ void CKvLambertWestOrientated::Proj2Geo(double x, double y, double* lon, double*
     // theta' = atan2(FE - W, r0 - (N - FN)): the eastward cone at FE - W.
     const double dx = m_FE - x, dy = m_cone.GetApexRadius() - (y - m_FN);
     m_cone.Proj2Geo(m_FE - x, y, lon, lat);
+    *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + *lon);
     // The wedge beyond half a turn of longitude either side of the central
     // meridian is the image of no point, nor is the pole at infinity.
     if (CKvLambertConic::BeyondSheet(dx, dy, m_sign, m_cosEdge) || *lat == -m_apexPole)
@@ -69,7 +71,9 @@ void CKvLambertWestOrientated::Proj2Geo(double x, double y, double* lon, double*
 
 void CKvLambertWestOrientated::GetOrigin(double* x, double* y) const
 {
-    m_cone.GetOrigin(x, y);
+    double lon;
+    m_cone.GetOrigin(&lon, y);
+    *x = m_lon0;
 }
 
 double CKvLambertWestOrientated::GetConvergence(double lon, double lat) const

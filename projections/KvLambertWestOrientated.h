@@ -40,7 +40,11 @@ public:
     static std::string Problem(const double* parameters);
 
 private:
-    CKvLambert1SP m_cone; // the eastward cone about the origin, false easting 0
+    // The eastward cone about the origin's parallel, central meridian and false
+    // easting 0: it sees longitude differences, already brought within 180
+    // degrees across the antimeridian, so that every point of the sheet takes
+    // the cone's fast path both ways.
+    CKvLambert1SP m_cone;
     double m_FE, m_FN, m_lon0;
     double m_apexPole; // the pole on the cone's apex, of the origin's sign (degrees)
     double m_sign;     // the sign of n
