@@ -9,9 +9,10 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+constexpr double kToDeg = 180.0 / kPi;
 // The inverse's iteration for tan(theta/2) (see Proj2Geo): Newton's steps kept
-// inside a bracket that halves when a step would leave it. They converge
-// quadratically (a dozen steps from the start) except towards the poles, where
+// inside a bracket that halves when a step would leave it. From a Halley start
+// they converge quadratically (one to three steps) except towards the poles, where
 // the root turns double and each step only halves the error, which the
 // latitude no longer feels; the bracket alone would reach the root to rounding
 // in 60 steps, so 64 bound the time.
@@ -101,7 +102,8 @@ void CKvVanDerGrinten::Geo2Proj(double lon, double lat, double* x, double* y) co
 void CKvVanDerGrinten::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     *lon = *lat = std::nan("");
-    const double X = (x - m_FE) / (kPi * m_R), Y = (y - m_FN) / (kPi * m_R);
+    const double scale = 1.0 / (kPi * m_R);
+    const double X = (x - m_FE) * scale, Y = (y - m_FN) * scale;
     const double rho2 = X * X + Y * Y;
     // The map is the disc of radius pi R; beyond it (or for NaN) no point.
     if (!(rho2 <= 1.0 + 1e-14))
@@ -119,8 +121,17 @@ void CKvVanDerGrinten::Proj2Geo(double x, double y, double* lon, double* lat) co
     const double Ya = std::fabs(Y);
     double T = 0.0;
     if (Ya > 0.0) {
-        double lo = 0.0, hi = std::fmin(Ya, 1.0);
-        T = hi;
+        double lo = 0.0, hi = Ya < 1.0 ? Ya : 1.0;
+        // The start: one Halley step from the bracket's end T = Y, where f =
+        // -X^2 Y^2 (the root itself on the central meridian). Its cubic
+        // convergence leaves one or two Newton steps for most points.
+        {
+            const double f = ((Ya * hi - rho2) * hi - 1.0) * hi + Ya;
+            const double slope = (3.0 * Ya * hi - 2.0 * rho2) * hi - 1.0;
+            const double curve = 6.0 * Ya * hi - 2.0 * rho2;
+            const double start = hi - 2.0 * f * slope / (2.0 * slope * slope - f * curve);
+            T = start >= lo && start <= hi ? start : hi;
+        }
         for (int i = 0; i < kMaxIterations; ++i) {
             const double f = ((Ya * T - rho2) * T - 1.0) * T + Ya;
             const double slope = (3.0 * Ya * T - 2.0 * rho2) * T - 1.0;
@@ -129,19 +140,26 @@ void CKvVanDerGrinten::Proj2Geo(double x, double y, double* lon, double* lat) co
             else
                 hi = T;
             double next = T - f / slope;
-            if (!(next >= lo && next <= hi))
+            const bool newton = next >= lo && next <= hi;
+            if (!newton)
                 next = 0.5 * (lo + hi);
-            // The step's effect on the latitude, pi (1 - T^2) / (1 + T^2)^2
-            // per unit of T, at rounding: done (at the poles, where the root
-            // is double and Newton's steps only halve, the latitude no longer
-            // moves).
             const double step = std::fabs(next - T);
             T = next;
-            if (step * (1.0 - T * T) <= 2e-16 * T || hi - lo <= 2e-16 * T)
+            // The step's effect on the latitude, pi (1 - T^2) / (1 + T^2)^2
+            // per unit of T, within two units in the last place of T: done (at
+            // the poles, where the root is double and Newton's steps only
+            // halve, the latitude no longer moves). Two units rather than one,
+            // so that a step that swings between neighbouring numbers ends.
+            if (step * (1.0 - T * T) <= 4.5e-16 * T || hi - lo <= 4.5e-16 * T)
+                break;
+            // After a Newton step of size d at a simple root the error left is
+            // |f''| d^2 / (2 |f'|): when that is below the same bound, the
+            // next step would change nothing.
+            if (newton && step * step * std::fabs(6.0 * Ya * T - 2.0 * rho2) <= 4.5e-16 * T * std::fabs(slope))
                 break;
         }
     }
-    *lat = std::copysign(kPi * T / (1.0 + T * T), Y) / kDeg;
+    *lat = std::copysign(kPi * T / (1.0 + T * T), Y) * kToDeg;
     // The meridian of lambda is the circle through the poles (0, +-1) and
     // (lambda / pi, 0) on the equator: its centre lies on the equator at
     // X_c = (X^2 + Y^2 - 1) / (2 X), and lambda / pi = X_c + sqrt(X_c^2 + 1)
@@ -149,10 +167,11 @@ void CKvVanDerGrinten::Proj2Geo(double x, double y, double* lon, double* lat) co
     // disc) as 2 X / (q + sqrt(q^2 + 4 X^2)), q = 1 - X^2 - Y^2.
     double dLambda = 0.0;
     if (X != 0.0) {
-        const double q = std::fmax(0.0, 1.0 - rho2);
+        const double q = rho2 < 1.0 ? 1.0 - rho2 : 0.0;
         dLambda = 2.0 * kPi * X / (q + std::sqrt(q * q + 4.0 * X * X));
     }
-    const double dLon = std::fmax(-180.0, std::fmin(180.0, dLambda / kDeg));
+    const double d = dLambda * kToDeg;
+    const double dLon = d > 180.0 ? 180.0 : d < -180.0 ? -180.0 : d;
     *lon = CKvAngle::InverseLongitudeDegrees(dLon + m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
