@@ -7,6 +7,7 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+constexpr double kToDeg = 180.0 / kPi;
 constexpr double kA1 = 1.340264, kA2 = -0.081106, kA3 = 0.000893, kA4 = 0.003796;
 constexpr double kM = 0.86602540378443865; // sqrt(3) / 2
 constexpr double kThetaMax = kPi / 3.0;    // theta of the poles: asin(sqrt(3) / 2)
@@ -19,6 +20,13 @@ constexpr double kStart[10] = {0.7698587941843507,     0.025455084500979778,   0
                                -0.0009267399733541142, -0.0005345907451381832, -0.00014074206976161515,
                                -1.2132571450318434e-05, 1.0066180697421161e-05, 6.122509019412805e-06,
                                1.329736419153349e-06};
+
+// v within [lo, hi] by comparisons: no call to libm's fmin and fmax, which the
+// compiler does not inline.
+inline double Clamp(double v, double lo, double hi)
+{
+    return v < lo ? lo : v > hi ? hi : v;
+}
 
 // P(theta) / theta, and P'(theta), P''(theta) / theta, from theta^2.
 inline double PolyOverTheta(double t2)
@@ -74,7 +82,7 @@ void CKvEqualEarth::_sinCosTheta(double lat, double* sinTheta, double* cosTheta)
                             : CKvConformalLatitude::AuthalicQ(m_authalic, sinBeta)) *
                   m_invQPole;
         // q(phi) / qP reaches 1 at the pole; rounding may take it a hair beyond.
-        sinBeta = std::fmax(-1.0, std::fmin(1.0, sinBeta));
+        sinBeta = Clamp(sinBeta, -1.0, 1.0);
     }
     // sin theta = (sqrt 3 / 2) sin beta; cos theta >= 1/2 has no cancellation.
     *sinTheta = kM * sinBeta;
@@ -111,21 +119,23 @@ void CKvEqualEarth::Proj2Geo(double x, double y, double* lon, double* lat) const
     const double theta0 = Y * CKvMathKernel::Estrin<10>(Y * Y * kStartScale - 1.0, kStart);
     const double t02 = theta0 * theta0;
     double theta = theta0 - (theta0 * PolyOverTheta(t02) - Y) / PolyDerivative(t02);
-    theta = std::fmax(-kThetaMax, std::fmin(kThetaMax, theta));
+    theta = Clamp(theta, -kThetaMax, kThetaMax);
     const double t2 = theta * theta;
-    double sinTheta, cosTheta, versine;
-    CKvMathKernel::SinCos(theta, sinTheta, cosTheta, versine);
-    const double lambdaDeg = kM * PolyDerivative(t2) * (x - m_FE) * m_invR / (cosTheta * kDeg);
+    // |theta| <= pi/3: the sine by the kernel's series without reduction, the
+    // cosine (at least 1/2) by its root without cancellation.
+    const double sinTheta = CKvMathKernel::SinHalfPi(theta);
+    const double cosTheta = std::sqrt((1.0 - sinTheta) * (1.0 + sinTheta));
+    const double lambdaDeg = (kM * kToDeg) * PolyDerivative(t2) * (x - m_FE) * m_invR / cosTheta;
     // Outside the outline: a longitude beyond the antimeridian of the centre.
     if (!(std::fabs(lambdaDeg) <= 180.0 + 1e-9)) {
         *lon = *lat = std::nan("");
         return;
     }
-    const double sinBeta = std::fmax(-1.0, std::fmin(1.0, sinTheta * (1.0 / kM)));
+    const double sinBeta = Clamp(sinTheta * (1.0 / kM), -1.0, 1.0);
     const double phi = !m_ellipsoidal ? CKvMathKernel::Atan2(sinBeta, std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta)))
                        : m_kernel     ? CKvConformalLatitude::AuthalicLatitudeKernel(m_authalic, sinBeta)
                                       : CKvConformalLatitude::AuthalicLatitude(m_authalic, sinBeta * m_authalic.qPole);
-    *lat = phi / kDeg;
+    *lat = phi * kToDeg;
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
