@@ -126,11 +126,11 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
     // h is flat) is a bisection instead.
     const bool sphere = e2 == 0.0;
     double phi = sphere ? Y / a : CKvConformalLatitude::FootpointLatitude(m_meridian, Y);
-    phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
+    phi = phi > kPi / 2.0 ? kPi / 2.0 : phi < -kPi / 2.0 ? -kPi / 2.0 : phi; // Y is finite
     double lo = -kPi / 2.0, hi = kPi / 2.0;
     bool newton = false, bisected = false;
     double s = 0.0, c = 1.0, nu = a, yp = 0.0;
-    CKvMathKernel::SinCosAny(phi, s, c);
+    CKvMathKernel::SinCosHalfPi(phi, s, c);
     const double ae2 = a * e2, oneMinusE2 = 1.0 - e2;
     double prev = 0.0; // no Newton step yet: no prediction
     for (int i = 0; i < kMaxSteps; ++i) {
@@ -154,9 +154,11 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
         // Newton's error squares with each step, e' = C e^2, and C is measured
         // by the last two steps (C = |step| / prev^2): the step that leaves a
         // predicted C step^2 below kPredicted is the last one.
-        const double predicted = step * step * std::fabs(step) / (prev * prev);
+        // Compared as a product, with no quotient: with no step before (prev =
+        // 0) only a zero step would pass, and |step| < kSettled takes that.
+        const bool predicted = step * step * std::fabs(step) <= kPredicted * (prev * prev);
         prev = step;
-        if (std::fabs(step) < kSettled || (std::fabs(step) <= kFinal && predicted <= kPredicted)) {
+        if (std::fabs(step) < kSettled || (std::fabs(step) <= kFinal && predicted)) {
             // Taken whole, even where it rounds to nothing or onto the
             // bracket's end (a bisection there would throw the root away), with
             // sin phi, cos phi, nu and y' carried along it to first order.
@@ -185,11 +187,11 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
                 c = c * cd - s * sd;
                 s = s1;
             } else {
-                CKvMathKernel::SinCosAny(phi, s, c);
+                CKvMathKernel::SinCosHalfPi(phi, s, c);
             }
         } else {
             phi = 0.5 * (lo + hi);
-            CKvMathKernel::SinCosAny(phi, s, c);
+            CKvMathKernel::SinCosHalfPi(phi, s, c);
             prev = 0.0; // no Newton step to measure C by
 
         }
@@ -202,7 +204,7 @@ void CKvPolyconic::Proj2Geo(double x, double y, double* lon, double* lat) const
         *lon = *lat = std::nan("");
         return;
     }
-    phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
+    phi = phi > kPi / 2.0 ? kPi / 2.0 : phi < -kPi / 2.0 ? -kPi / 2.0 : phi;
     if (bisected) {
         CKvMathKernel::SinCosAny(phi, s, c);
         nu = a / std::sqrt(1.0 - e2 * s * s);
