@@ -62,6 +62,7 @@ CKvEqualEarth::CKvEqualEarth(const std::string& name, const double* parameters, 
     m_R = !usable ? std::nan("") : m_ellipsoidal ? a * std::sqrt(m_authalic.qPole / 2.0) : a;
     m_kernel = m_ellipsoidal && e <= CKvMathKernel::EccentricSinhLimit;
     m_invQPole = m_ellipsoidal ? 1.0 / m_authalic.qPole : 1.0;
+    m_sinScale = kM * (1.0 - m_authalic.e2) * m_invQPole;
     m_invR = 1.0 / m_R;
 }
 
@@ -96,11 +97,28 @@ void CKvEqualEarth::Geo2Proj(double lon, double lat, double* x, double* y) const
         return;
     }
     const double lambda = CKvAngle::ReduceLongitudeDegrees(lon - m_lon0) * kDeg;
-    double sinTheta, cosTheta;
-    _sinCosTheta(lat, &sinTheta, &cosTheta);
-    const double theta = CKvMathKernel::Atan2(sinTheta, cosTheta);
+    if (!m_kernel) {
+        double sinTheta, cosTheta;
+        _sinCosTheta(lat, &sinTheta, &cosTheta);
+        const double theta = CKvMathKernel::Atan2(sinTheta, cosTheta);
+        const double t2 = theta * theta;
+        *x = m_FE + m_R * lambda * cosTheta / (kM * PolyDerivative(t2));
+        *y = m_FN + m_R * theta * PolyOverTheta(t2);
+        return;
+    }
+    // On the earth's ellipsoids sin theta = M q / qP as a fraction n / w, with
+    // q w = (1 - e^2) sin phi (1 + w P(z^2)), w = 1 - e^2 sin^2 phi (the kernel
+    // of q before its division), and cos theta = sqrt(w^2 - n^2) / w: theta
+    // from the numerators alone, and one division for E. w^2 - n^2 >= w^2 / 4
+    // (M^2 = 3/4, q <= qP) has no cancellation; rounding beyond the pole moves
+    // theta by an ulp, within the inverse's tolerance of the poles' lines.
+    const double s = CKvMathKernel::SinHalfPi(lat * kDeg);
+    const double z2 = m_authalic.e2 * s * s, w = 1.0 - z2;
+    const double n = m_sinScale * s * (1.0 + w * CKvConformalLatitude::AuthalicSeriesP(z2));
+    const double root = std::sqrt((w - n) * (w + n));
+    const double theta = CKvMathKernel::Atan2(n, root);
     const double t2 = theta * theta;
-    *x = m_FE + m_R * lambda * cosTheta / (kM * PolyDerivative(t2));
+    *x = m_FE + m_R * lambda * root / (w * kM * PolyDerivative(t2));
     *y = m_FN + m_R * theta * PolyOverTheta(t2);
 }
 

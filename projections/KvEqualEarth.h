@@ -53,6 +53,7 @@ private:
     bool m_ellipsoidal;
     bool m_kernel; // 0 < e <= CKvMathKernel::EccentricSinhLimit: q and its inverse by the inline kernels
     double m_invQPole, m_invR;
+    double m_sinScale; // (sqrt 3 / 2) (1 - e^2) / qP: sin theta's numerator per sin phi
     CKvConformalLatitude::SAuthalic m_authalic;
 };
 
