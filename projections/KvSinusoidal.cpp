@@ -7,6 +7,13 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+
+// A latitude overshooting a pole by rounding set on it: comparisons, not the
+// out-of-line calls of fmin and fmax.
+inline double Clamp(double phi)
+{
+    return phi > kPi / 2.0 ? kPi / 2.0 : phi < -kPi / 2.0 ? -kPi / 2.0 : phi;
+}
 } // namespace
 
 CKvSinusoidal::CKvSinusoidal(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid)
@@ -39,9 +46,9 @@ void CKvSinusoidal::Geo2Proj(double lon, double lat, double* x, double* y) const
     }
     const double lambda = CKvAngle::ReduceLongitudeDegrees(lon - m_lon0) * kDeg;
     const double phi = lat * kDeg;
-    // Both by the library's inline kernel (one reduction, within an ulp).
-    double s, c, versine;
-    CKvMathKernel::SinCos(phi, s, c, versine);
+    // Both by the library's inline kernel; |phi| <= pi/2 needs no reduction.
+    double s, c;
+    CKvMathKernel::SinCosHalfPi(phi, s, c);
     if (m_e2 == 0.0) {
         *x = m_FE + m_a * lambda * c;
         *y = m_FN + m_a * phi;
@@ -64,14 +71,14 @@ void CKvSinusoidal::Proj2Geo(double x, double y, double* lon, double* lat) const
     // / W over a, inverted.
     double phi, s = 0.0, c, w = 1.0;
     if (m_e2 == 0.0) {
-        phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, north * m_invA));
+        phi = Clamp(north * m_invA);
         c = std::cos(phi);
     } else if (m_e2 <= 0.01) {
         _footpoint(north, &phi, &s, &c);
         w = std::sqrt(1.0 - m_e2 * s * s);
     } else {
         phi = CKvConformalLatitude::MeridianLatitude(m_meridian, north);
-        phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi));
+        phi = Clamp(phi);
         s = std::sin(phi);
         c = std::cos(phi);
         w = std::sqrt(1.0 - m_e2 * s * s);
@@ -84,22 +91,24 @@ void CKvSinusoidal::Proj2Geo(double x, double y, double* lon, double* lat) const
         *lon = *lat = std::nan("");
         return;
     }
-    *lat = phi / kDeg;
+    *lat = phi * (1.0 / kDeg);
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
 
-void CKvSinusoidal::_footpoint(double distance, double* phi, double* sinPhi, double* cosPhi) const
+KVCART_ALWAYS_INLINE void CKvSinusoidal::_footpoint(double distance, double* phi, double* sinPhi,
+                                                    double* cosPhi) const
 {
     // CKvConformalLatitude::MeridianLatitudeKernel's footpoint series and
     // Newton step on M, carried with the sine and cosine of the latitude, which
     // the parallel's radius needs too: the rectifying latitude's sine and
-    // cosine by the kernel, those of 2 mu, 2 phi and phi from them by the
-    // double-angle and addition formulas (the corrections stay below 3n/2 <=
-    // 0.004, within SinCosSmall's reach), so that one reduction serves all.
+    // cosine by the kernel (no reduction: |mu| <= pi/2), those of 2 mu, 2 phi
+    // and phi from them by the double-angle and addition formulas (the
+    // corrections stay below 3n/2 <= 0.004, within SinCosSmall's reach), so
+    // that one evaluation serves all.
     const double mu = distance / (m_meridian.a * m_meridian.m0);
-    double sMu, cMu, versine;
-    CKvMathKernel::SinCos(mu, sMu, cMu, versine);
+    double sMu, cMu;
+    CKvMathKernel::SinCosHalfPi(mu, sMu, cMu);
     const double s2Mu = 2.0 * sMu * cMu, c2Mu = (cMu - sMu) * (cMu + sMu);
     const double delta = s2Mu * CKvMathKernel::Estrin<4>(c2Mu, m_meridian.footpoint);
     const double phi0 = mu + delta;
@@ -111,7 +120,7 @@ void CKvSinusoidal::_footpoint(double distance, double* phi, double* sinPhi, dou
     const double step = (distance - CKvConformalLatitude::MeridianDistance(m_meridian, phi0, s2, c2)) *
                         (w * std::sqrt(w)) / (m_meridian.a * (1.0 - m_e2));
     CKvMathKernel::SinCosSmall(step, sd, cd);
-    *phi = std::fmax(-kPi / 2.0, std::fmin(kPi / 2.0, phi0 + step));
+    *phi = Clamp(phi0 + step);
     *sinPhi = s0 * cd + c0 * sd;
     *cosPhi = c0 * cd - s0 * sd;
 }
