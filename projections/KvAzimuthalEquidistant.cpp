@@ -31,6 +31,8 @@ CKvAzimuthalEquidistant::CKvAzimuthalEquidistant(const std::string& name, const 
     m_Mp = CKvConformalLatitude::MeridianDistance(m_meridian, kPi / 2.0);
     m_farthest = 0.99 * 2.0 * m_Mp;
     m_polar = !m_sphere && m_cosPhi0 == 0.0;
+    m_meridianKernel = _e2() <= 0.01;
+    m_invR = 1.0 / m_R;
     m_poleSign = m_lat0 < 0.0 ? -1.0 : 1.0;
 }
 
@@ -43,11 +45,13 @@ void CKvAzimuthalEquidistant::Geo2Proj(double lon, double lat, double* x, double
     if (m_polar) {
         // rho = Mp -+ M(phi) from the north (south) pole; the meridian leaves the
         // north pole at azimuth pi - dlambda, the south pole at dlambda.
-        double s, c, sL, cL;
+        // The latitude within a quarter turn and the longitude difference
+        // within a half turn: the kernels need no reduction of their own.
+        double s, c, sL, cL, vL;
         const double phi = lat * kDeg;
-        CKvMathKernel::SinCosAny(phi, s, c);
-        CKvMathKernel::SinCosAny(
-            CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg, sL, cL);
+        CKvMathKernel::SinCosHalfPi(phi, s, c);
+        CKvMathKernel::SinCos(
+            CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg, sL, cL, vL);
         const double M = CKvConformalLatitude::MeridianDistance(m_meridian, phi, 2.0 * s * c, (c - s) * (c + s));
         const double rho = m_Mp - m_poleSign * M;
         *x = m_FE + rho * sL;
@@ -65,22 +69,27 @@ void CKvAzimuthalEquidistant::Geo2Proj(double lon, double lat, double* x, double
         *y = m_FN + s12 * ca;
         return;
     }
-    double s, c, sL, cL;
-    CKvMathKernel::SinCosAny(lat * kDeg, s, c);
+    // The latitude and half the longitude difference lie within a quarter
+    // turn: the unreduced kernel, and the double angle for the longitude's.
+    double s, c, sH, cH;
+    CKvMathKernel::SinCosHalfPi(lat * kDeg, s, c);
     if (std::fabs(lat) == 90.0)
         c = 0.0;
-    CKvMathKernel::SinCosAny(CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg,
-                             sL, cL);
+    CKvMathKernel::SinCosHalfPi(
+        CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * (0.5 * kDeg), sH, cH);
+    const double sL = 2.0 * sH * cH, cL = (cH - sH) * (cH + sH);
     // sin c sin alpha, sin c cos alpha and cos c of the arc c from the centre.
     const double east = c * sL;
     const double north = m_cosPhi0 * s - m_sinPhi0 * c * cL;
     const double up = m_sinPhi0 * s + m_cosPhi0 * c * cL;
-    const double chord = std::hypot(east, north);
+    // Both terms are at most 1: the plain root cannot overflow, and where the
+    // squares underflow the chord is 0 and k its limit R.
+    const double chord = std::sqrt(east * east + north * north);
     if (1.0 + up < CKvAngle::AntipodeLimit) {
         *x = *y = std::nan("");
         return;
     }
-    const double k = chord > 0.0 ? m_R * std::atan2(chord, up) / chord : m_R;
+    const double k = chord > 0.0 ? m_R * CKvMathKernel::Atan2(chord, up) / chord : m_R;
     *x = m_FE + k * east;
     *y = m_FN + k * north;
 }
@@ -88,7 +97,9 @@ void CKvAzimuthalEquidistant::Geo2Proj(double lon, double lat, double* x, double
 void CKvAzimuthalEquidistant::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     const double X = x - m_FE, Y = y - m_FN;
-    const double rho = std::hypot(X, Y);
+    // An overflow of the squares is a radius beyond any map: rejected below
+    // as it is; an underflow is a point within 1e-150 m of the centre.
+    const double rho = std::sqrt(X * X + Y * Y);
     // No shortest line from the centre is longer than half the equator.
     if (!(rho <= kPi * m_R * (1.0 + 1e-15))) {
         *lon = *lat = std::nan("");
@@ -107,9 +118,12 @@ void CKvAzimuthalEquidistant::Proj2Geo(double x, double y, double* lon, double* 
             *lon = *lat = std::nan("");
             return;
         }
-        const double phi = CKvConformalLatitude::MeridianLatitude(m_meridian, M);
+        // |M| is within the quarter meridian: the inline footpoint kernel holds
+        // for the earth's flattenings, the general one beyond them.
+        const double phi = m_meridianKernel ? CKvConformalLatitude::MeridianLatitudeKernel(m_meridian, M)
+                                            : CKvConformalLatitude::MeridianLatitude(m_meridian, M);
         *lat = std::fmax(-90.0, std::fmin(90.0, phi / kDeg));
-        *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + std::atan2(X, -m_poleSign * Y) / kDeg);
+        *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + CKvMathKernel::Atan2(X, -m_poleSign * Y) / kDeg);
         return;
     }
     if (!m_sphere) {
@@ -126,13 +140,21 @@ void CKvAzimuthalEquidistant::Proj2Geo(double x, double y, double* lon, double* 
         }
         return;
     }
-    const double c = rho / m_R;
-    double sc, cc;
-    CKvMathKernel::SinCosAny(c, sc, cc);
-    const double sinPhi = cc * m_sinPhi0 + Y * sc * m_cosPhi0 / rho;
-    *lat = std::asin(std::fmax(-1.0, std::fmin(1.0, sinPhi))) / kDeg;
-    const double dLambda = std::atan2(X * sc, rho * m_cosPhi0 * cc - Y * m_sinPhi0 * sc);
-    *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + dLambda / kDeg);
+    // The arc c = rho / R is at most pi here. The point's unit vector in the
+    // centre's frame: sin phi, and cos phi times the sine and cosine of the
+    // longitude difference (Snyder, eqs. 20-14, 20-15), whose hypotenuse is
+    // cos phi itself, so that phi comes from one atan2 with no asin near the
+    // poles.
+    const double invRho = 1.0 / rho;
+    double sc, cc, vc;
+    CKvMathKernel::SinCos(rho * m_invR, sc, cc, vc);
+    const double scRho = sc * invRho;
+    const double sinPhi = cc * m_sinPhi0 + Y * scRho * m_cosPhi0;
+    const double east = X * scRho;
+    const double north = m_cosPhi0 * cc - Y * scRho * m_sinPhi0;
+    const double cosPhi = std::sqrt(east * east + north * north);
+    *lat = CKvMathKernel::Atan2(sinPhi, cosPhi) / kDeg;
+    *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + CKvMathKernel::Atan2(east, north) / kDeg);
 }
 
 void CKvAzimuthalEquidistant::GetOrigin(double* x, double* y) const

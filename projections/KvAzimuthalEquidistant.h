@@ -52,12 +52,14 @@ private:
     double m_sinPhi0, m_cosPhi0;
     bool m_sphere;
     double m_R;        // the sphere's radius, or the semi-major axis (NaN: no map)
+    double m_invR;     // 1 / R
     double m_farthest; // beyond this radius the inverse checks that the geodesic is the shortest
     // The polar aspect on the ellipsoid: the meridian arc from the pole.
     bool m_polar;
     double m_poleSign; // +1 about the north pole, -1 about the south
     double m_Mp;       // the quarter meridian
     CKvConformalLatitude::SMeridian m_meridian;
+    bool m_meridianKernel; // e^2 <= 0.01: the inline footpoint latitude holds
     CKvGeodesic m_geodesic;
 };
 
