@@ -41,10 +41,11 @@ void CKvModifiedAzimuthalEquidistant::_grid(double phi, double dLambda, double* 
     const double nu = _a() / std::sqrt(1.0 - e2 * s * s);
     // tan psi = ((1 - e^2) nu sin phi + e^2 nu0 sin phi0) / (nu cos phi); sin and
     // cos of psi from the two terms.
+    // Both terms are within a few earth radii: the plain root cannot overflow.
     double sinPsi = (1.0 - e2) * nu * s + e2 * m_nu0 * m_sinPhi0, cosPsi = nu * c;
-    const double h = std::hypot(sinPsi, cosPsi);
-    sinPsi /= h;
-    cosPsi /= h;
+    const double invH = 1.0 / std::sqrt(sinPsi * sinPsi + cosPsi * cosPsi);
+    sinPsi *= invH;
+    cosPsi *= invH;
     double sL, cL;
     CKvMathKernel::SinCosAny(dLambda, sL, cL);
     // The arc from the origin to (psi, dLambda) on the sphere: its azimuth alpha
@@ -52,14 +53,16 @@ void CKvModifiedAzimuthalEquidistant::_grid(double phi, double dLambda, double* 
     const double east = cosPsi * sL;
     const double north = m_cosPhi0 * sinPsi - m_sinPhi0 * cosPsi * cL;
     const double up = m_sinPhi0 * sinPsi + m_cosPhi0 * cosPsi * cL;
-    const double chord = std::hypot(east, north);
+    // Terms of unit size: no overflow; squares that underflow are the origin.
+    const double chord = std::sqrt(east * east + north * north);
     if (1.0 + up < CKvAngle::AntipodeLimit && chord < 1e-7) {
         *x = *y = std::nan("");
         return;
     }
-    const double arc = std::atan2(chord, up);
+    const double arc = CKvMathKernel::Atan2(chord, up);
     // At the origin itself the azimuth is that of the meridian.
-    const double sinAlpha = chord > 0.0 ? east / chord : 0.0, cosAlpha = chord > 0.0 ? north / chord : 1.0;
+    const double invChord = 1.0 / chord;
+    const double sinAlpha = chord > 0.0 ? east * invChord : 0.0, cosAlpha = chord > 0.0 ? north * invChord : 1.0;
     const double H = _e() * m_cosPhi0 * cosAlpha / std::sqrt(1.0 - e2);
     const double G = m_G, H2 = H * H, s2 = arc * arc;
     const double series = 1.0 - s2 * H2 * (1.0 - H2) / 6.0 + s2 * arc * G * H * (1.0 - 2.0 * H2) / 8.0 +
@@ -103,8 +106,8 @@ void CKvModifiedAzimuthalEquidistant::Proj2Geo(double x, double y, double* lon, 
     CKvMathKernel::SinCosAny(J, sJ, cJ);
     const double sinPsi = m_sinPhi0 * cJ + m_cosPhi0 * sJ * cosAlpha;
     const double cosPsi = std::sqrt(std::fmax(0.0, 1.0 - sinPsi * sinPsi));
-    double phi = std::atan2(sinPsi - e2 * K * m_sinPhi0, (1.0 - e2) * cosPsi);
-    double dLambda = std::atan2(sinAlpha * sJ * m_cosPhi0, cJ - m_sinPhi0 * sinPsi);
+    double phi = CKvMathKernel::Atan2(sinPsi - e2 * K * m_sinPhi0, (1.0 - e2) * cosPsi);
+    double dLambda = CKvMathKernel::Atan2(sinAlpha * sJ * m_cosPhi0, cJ - m_sinPhi0 * sinPsi);
     // Newton's steps on the forward, with differences for its Jacobian.
     bool reached = false;
     for (int i = 0; i < kMaxSteps; ++i) {
