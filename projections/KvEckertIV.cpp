@@ -8,6 +8,7 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kCp = 2.0 + kPi / 2.0; // the right side's factor, theta's range at the pole
 constexpr double kCx = 0.42223820031577125; // 2 / sqrt(pi (4 + pi))
 constexpr double kCy = 1.3265004281770023;  // 2 sqrt(pi / (4 + pi))
@@ -131,21 +132,22 @@ void CKvEckertIV::Proj2Geo(double x, double y, double* lon, double* lat) const
         return;
     }
     double phi;
-    // The arcs by libm's asin and atan2: on these per-point paths, with their
-    // well-predicted branches, they cost less than the inline kernel's atan2
-    // of a sine and a root (a division and a polynomial of degree 25 each).
+    // The arcs by libm's asin, of arguments within [0, 0.87] only: on these
+    // per-point paths it costs far less than an atan2 (the inline kernel's,
+    // a division and a polynomial of degree 25, or libm's).
     if (absY <= 0.5) {
         const double theta = std::asin(absY);
         const double z = (theta + absY * cosTheta + 2.0 * absY) * (1.0 / kCp);
         phi = std::asin(z);
     } else {
-        // Near the pole through w = pi/2 - theta: 1 - sin phi = PoleSide(w) / Cp,
-        // with sin w = cos theta, cos w = sin theta and 4 sin^2(w / 2) = 2 (1 -
-        // sin theta), and phi from its sine and cosine rather than an arc sine
-        // of a number close to 1.
-        const double w = std::atan2(cosTheta, absY);
+        // Near the pole through w = pi/2 - theta, sin w = cos theta <= sqrt 3
+        // / 2: d = 1 - sin phi = PoleSide(w) / Cp, with cos w = sin theta and
+        // 4 sin^2(w / 2) = 2 (1 - sin theta), and phi = pi/2 - psi with
+        // sin(psi / 2) = sqrt(d / 2) rather than an arc sine of sin phi, close
+        // to 1.
+        const double w = std::asin(cosTheta);
         const double d = (w - cosTheta * absY + 2.0 * (1.0 - absY)) * (1.0 / kCp);
-        phi = std::atan2(1.0 - d, std::sqrt(d * (2.0 - d)));
+        phi = kHalfPi - 2.0 * std::asin(std::sqrt(0.5 * d));
     }
     *lat = (Y < 0.0 ? -phi : phi) / kDeg;
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);

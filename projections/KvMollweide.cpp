@@ -8,6 +8,7 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kSqrt2 = 1.4142135623730951;
 
 // The starts of the forward's Newton step, written by tools/make_mollweide_start.py:
@@ -132,20 +133,21 @@ void CKvMollweide::Proj2Geo(double x, double y, double* lon, double* lat) const
         return;
     }
     double phi;
-    // The arcs by libm's asin and atan2: on these per-point paths, with their
-    // well-predicted branches, they cost less than the inline kernel's atan2
-    // of a sine and a root (a division and a polynomial of degree 25 each).
+    // The arcs by libm's asin, of arguments within [0, 0.87] only: on these
+    // per-point paths it costs far less than an atan2 (the inline kernel's,
+    // a division and a polynomial of degree 25, or libm's).
     if (absY <= 0.5) {
         const double theta = std::asin(absY);
         const double z = (2.0 * theta + 2.0 * absY * cosTheta) * (1.0 / kPi);
         phi = std::asin(z);
     } else {
-        // Near the pole through v = pi - 2 theta: 1 - sin phi = (v - sin v) / pi,
-        // sin v = 2 sin theta cos theta, and phi from its sine and cosine, which
-        // keeps the digits that an arc sine of a number close to 1 would lose.
-        const double v = 2.0 * std::atan2(cosTheta, absY);
+        // Near the pole through v = pi - 2 theta, sin(v / 2) = cos theta <=
+        // sqrt 3 / 2: d = 1 - sin phi = (v - sin v) / pi, sin v = 2 sin theta
+        // cos theta, and phi = pi/2 - psi with sin(psi / 2) = sqrt(d / 2), which
+        // keeps the digits that an arc sine of sin phi, close to 1, would lose.
+        const double v = 2.0 * std::asin(cosTheta);
         const double d = VMinusSinV(v, 2.0 * absY * cosTheta) * (1.0 / kPi);
-        phi = std::atan2(1.0 - d, std::sqrt(d * (2.0 - d)));
+        phi = kHalfPi - 2.0 * std::asin(std::sqrt(0.5 * d));
     }
     *lat = (Y < 0.0 ? -phi : phi) / kDeg;
     *lon = CKvAngle::EdgeInverseLongitudeDegrees(lambdaDeg, m_lon0);
