@@ -311,6 +311,30 @@ public:
         return t + t * (p + SKvMathTables::ExpRel[j]);
     }
 
+    // e^x - 1 for |x| <= ExpLimit: Exp's reduction and tables, the last step
+    // taken as (t - 1) + t (p + rel) with t = 2^m 2^(j/64). t - 1 is exact for
+    // t in [1/2, 2] (Sterbenz) and is 0 for |x| < ln2 / 128, where the result is
+    // the series p = e^x - 1 itself: no cancellation near 0, within two units in
+    // the last place. A meaningless value beyond ExpLimit, which callers flag.
+    static KVCART_ALWAYS_INLINE double ExpM1(double x)
+    {
+        constexpr int Bits = SKvMathTables::ExpBits;
+        constexpr double Scale = 92.332482616893657;             // 64 / ln 2
+        constexpr double Ln2Hi = 0.6931471803691238 / (1 << Bits); // as in Exp
+        constexpr double Ln2Lo = 1.9082149292705877e-10 / (1 << Bits);
+        constexpr double Round = 6755399441055744.0; // 1.5 * 2^52
+        static constexpr double Series[5] = {1.0 / 2, 1.0 / 6, 1.0 / 24, 1.0 / 120, 1.0 / 720};
+        const double shifted = x * Scale + Round;
+        const double k = shifted - Round;
+        const double r = (x - k * Ln2Hi) - k * Ln2Lo;
+        const double p = r + r * r * Estrin<5>(r, Series);
+        const std::uint64_t bits = _bits(shifted);
+        const std::uint64_t j = bits & ((1u << Bits) - 1);
+        const std::uint64_t scale = ((bits >> Bits) + 1023u) << 52;
+        const double t = SKvMathTables::ExpHi[j] * _double(scale);
+        return (t - 1.0) + t * (p + SKvMathTables::ExpRel[j]);
+    }
+
     // ln x for positive normal x (zero, negatives, subnormals, infinities and NaN
     // are for the caller to flag), by a table of 128 buckets (Tang's method): x =
     // 2^k m with m in [S, 2S), S = 0.709 near sqrt(1/2), read off the bits of x;
@@ -400,6 +424,27 @@ public:
         const double angle = c3 ? HalfPi - (base + aw) : base + aw;
         const double turned = std::copysign(1.0, x) < 0.0 ? Pi - angle : angle;
         return std::copysign(turned, y);
+    }
+
+    // atan(a / b) for 0 <= a <= b, b > 0 (an angle within an eighth turn given
+    // as the sides of its triangle): Atan2's reductions about tan c = 0, 1/2 and
+    // 1 alone, which are all that such a quotient needs, with no turn into
+    // another quadrant. w = (2a - b) / (2b + a) or (a - b) / (a + b), whose
+    // differences are exact (Sterbenz), stays within 2/9, where the series to
+    // w^25 falls below 1e-17 relative: one quotient, no rounding of a / b
+    // before it. NaN gives NaN.
+    static KVCART_ALWAYS_INLINE double AtanUnit(double a, double b)
+    {
+        constexpr double QuarterPi = 0.7853981633974483;
+        constexpr double AtanHalf = 0.4636476090008061;
+        static constexpr double Series[12] = {-1.0 / 3,  1.0 / 5,  -1.0 / 7,  1.0 / 9,  -1.0 / 11, 1.0 / 13,
+                                              -1.0 / 15, 1.0 / 17, -1.0 / 19, 1.0 / 21, -1.0 / 23, 1.0 / 25};
+        const bool c1 = 4.0 * a > b, c2 = 4.0 * a > 3.0 * b;
+        const double num = c2 ? a - b : c1 ? 2.0 * a - b : a;
+        const double den = c2 ? a + b : c1 ? 2.0 * b + a : b;
+        const double w = num / den, w2 = w * w;
+        const double base = c2 ? QuarterPi : c1 ? AtanHalf : 0.0;
+        return base + (w + w * w2 * Estrin<12>(w2, Series));
     }
 
     // asin x for |x| <= 1 as atan2(x, sqrt(1 - x^2)), the root's argument taken

@@ -73,19 +73,17 @@ public:
     }
 
     // The sphere's latitude in closed form, the Gudermannian of psi = (y - FN) /
-    // (a k0): atan(sinh psi) = atan2(exp(2 psi) - 1, 2 exp(psi)), with no
-    // reciprocal of the exponential and one quotient (the arctangent's); for
-    // |psi| < 0.5, where exp(2 psi) - 1 would cancel, sinh psi by its series
-    // over 1. The same bounds as Inverse.
+    // (a k0): atan(sinh psi) = 2 atan(tanh(psi / 2)), tanh(psi / 2) = (e^psi -
+    // 1) / (e^psi + 1), whose magnitude stays below 1. e^psi - 1 by ExpM1 (no
+    // cancellation near the equator, so that small latitudes keep their
+    // relative precision), and the arctangent of a quotient within [0, 1] by
+    // AtanUnit: one table exponential, one division. The same bounds as Inverse.
     static KVCART_ALWAYS_INLINE bool InverseSphere(const SFigures& f, double x, double y, double& lon, double& lat)
     {
         constexpr double Deg = 3.141592653589793 / 180.0;
         const double psi = (y - f.FN) * f.invAk0;
-        const double E = CKvMathKernel::Exp(psi);
-        const bool small = std::fabs(psi) < 0.5;
-        const double sinhPsi = CKvMathKernel::SinhSmall(psi);
-        const double num = small ? sinhPsi : E * E - 1.0, den = small ? 1.0 : 2.0 * E;
-        lat = CKvMathKernel::Atan2(num, den) * (1.0 / Deg);
+        const double em1 = CKvMathKernel::ExpM1(psi);
+        lat = std::copysign(2.0 * CKvMathKernel::AtanUnit(std::fabs(em1), 2.0 + em1), psi) * (1.0 / Deg);
         lon = f.lon0 + (x - f.FE) * f.invAk0Deg;
         return (std::fabs(psi) <= CKvConformalLatitude::LatitudeKernelLimit) & (std::fabs(lon) <= 180.0) &
                (std::fabs(lat) <= 90.0);

@@ -41,7 +41,6 @@ CKvPolarStereographicCore CKvPolarStereographicCore::AtPole(double a, double e, 
     // coefficients are about e / k (odd k) and e^2 / k (even k), so that for
     // |z| <= e <= 0.1 the terms from z^16 on sum to less than 2e-19 of f.
     f.scaleTerm2 = f.scaleTerm * f.scaleTerm;
-    f.invScaleTerm = 1.0 / f.scaleTerm;
     f.largestRho = LargestSeriesT * f.scaleTerm;
     f.expSeries = e >= 0.0 && e <= CKvMathKernel::EccentricSinhLimit;
     if (f.expSeries) {

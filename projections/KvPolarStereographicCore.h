@@ -54,7 +54,7 @@ public:
         double e = 0.0;
         double sign = 1.0;      // 1 about the north pole, -1 about the south pole
         double scaleTerm = 0.0; // 2 a k0 / sqrt((1+e)^(1+e) (1-e)^(1-e))
-        double scaleTerm2 = 0.0, invScaleTerm = 0.0; // its square and its inverse
+        double scaleTerm2 = 0.0;                     // its square
         double largestRho = 0.0;                     // the inverse's reach: LargestSeriesT times it
         double lambda0 = 0.0, FE = 0.0, FN = 0.0;
         bool expSeries = false;     // e within CKvMathKernel::EccentricSinhLimit
@@ -98,7 +98,8 @@ public:
     // t, Karney's series, the angle from the nearer pole), taken on rho and S
     // themselves, which saves the quotients: sin 2A = 2 rho S / (S^2 + rho^2),
     // cos 2A = (S^2 - rho^2) / (S^2 + rho^2), and the angle from the nearer pole
-    // from atan(rho / S) (a product) or atan(S / rho) beyond the equator. The
+    // as atan(rho / S), or atan(S / rho) beyond the equator, of the two sides
+    // themselves (AtanUnit: one quotient, within [0, 1]). The
     // longitude is brought into [-180, 180] by one exact turn (x - 360 is exact
     // for x in [180, 540], Sterbenz, and so is std::remainder's answer there).
     // Beyond the path: a radius beyond the series' reach (t > 1e100, not
@@ -117,7 +118,7 @@ public:
         const double correction = CKvConformalLatitude::SeriesCorrection(f.inverse, sin2Chi, cos2Chi);
         const bool beyond = rho > S;
         const double hemisphere = beyond ? -1.0 : 1.0;
-        const double atanNear = CKvMathKernel::Atan(beyond ? S / rho : rho * f.invScaleTerm);
+        const double atanNear = CKvMathKernel::AtanUnit(beyond ? S : rho, beyond ? rho : S);
         const double phi = f.sign * hemisphere * (HalfPi - 2.0 * (atanNear - 0.5 * (hemisphere * correction + HalfPiLow)));
         const double lonDeg = (f.lambda0 + CKvMathKernel::Atan2(dx, -f.sign * dy)) * (1.0 / Deg);
         lon = lonDeg > 180.0 ? lonDeg - 360.0 : lonDeg < -180.0 ? lonDeg + 360.0 : lonDeg;

@@ -11,6 +11,7 @@
 #include "projections/KvHotineObliqueMercator.h"
 #include "projections/KvLambert1SP.h"
 #include "projections/KvLambertAzimuthalEqualArea.h"
+#include "projections/KvMathKernel.h"
 #include "projections/KvLambert2SP.h"
 #include "projections/KvMercator1SP.h"
 #include "projections/KvMercator2SP.h"
@@ -217,6 +218,46 @@ TEST(VectorBatch, Mercators)
     const CKvMercator1SP flat("flat", 1.0, 0, 0, 0, CKvEllipsoid("flat", "FL", 6378137.0, 10.0));
     ExpectLoopsMatchSingleCalls(flat, 0, 0, {}, "Mercator, 1/f = 10", 46);
     ExpectLoopsMatchSingleCalls(pacific, 150, 0, square, "Pseudo-Mercator, 150 E", 45);
+}
+
+// The kernels of the sphere's inverse and of the polar inverse, against long
+// double: e^x - 1 over Exp's whole range, the table's boundaries (odd
+// multiples of ln 2 / 128) and the tiny arguments where 1 + x rounds to 1,
+// relative error; atan(a / b) over ratios within [0, 1] at every scale, the
+// reductions' edges b/4 and 3b/4, the ends 0 and 1.
+TEST(VectorBatch, ExpM1AndAtanUnitKernelsAgainstLongDouble)
+{
+    double worst = 0.0;
+    auto expm1Error = [&worst](double x) {
+        const long double r = std::expm1(static_cast<long double>(x));
+        worst = std::fmax(worst, static_cast<double>(std::fabs((CKvMathKernel::ExpM1(x) - r) / r)));
+    };
+    for (int i = -70000; i <= 70000; ++i)
+        if (i != 0)
+            expm1Error(i * 0.01 + 1e-9 * (i % 11));
+    for (int k = -129263; k <= 129263; k += 2)
+        for (double x : {std::nextafter(k * 0.0054152123481245725, 0.0), k * 0.0054152123481245725})
+            if (std::fabs(x) <= CKvMathKernel::ExpLimit)
+                expm1Error(x);
+    for (double x : {1e-300, 1e-17, 1e-8, 0.0054, 0.3, 0.6931471805599453, 1.0, 30.0})
+        for (double y : {x, -x})
+            expm1Error(y);
+    EXPECT_LE(worst, 4.5e-16);
+    EXPECT_EQ(CKvMathKernel::ExpM1(0.0), 0.0);
+
+    worst = 0.0;
+    std::mt19937_64 random(70);
+    std::uniform_real_distribution<double> u(0.0, 1.0);
+    for (int i = 0; i < 400000; ++i) {
+        const double b = std::ldexp(1.0 + u(random), i % 1200 - 600);
+        const double edges[] = {u(random), 0.25, std::nextafter(0.25, 1.0), 0.75, std::nextafter(0.75, 1.0), 1.0};
+        const double a = b * edges[i % 6];
+        const long double r = std::atan2(static_cast<long double>(a), static_cast<long double>(b));
+        worst = std::fmax(worst, static_cast<double>(std::fabs((CKvMathKernel::AtanUnit(a, b) - r) / r)));
+    }
+    EXPECT_LE(worst, 4.5e-16);
+    EXPECT_EQ(CKvMathKernel::AtanUnit(0.0, 3.0), 0.0);
+    EXPECT_TRUE(std::isnan(CKvMathKernel::AtanUnit(kNan, 1.0)) && std::isnan(CKvMathKernel::AtanUnit(0.5, kNan)));
 }
 
 TEST(VectorBatch, ObliqueStereographic)
