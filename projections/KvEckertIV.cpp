@@ -54,10 +54,11 @@ CKvEckertIV::CKvEckertIV(const std::string& name, const double* parameters, cons
 void CKvEckertIV::_theta(double lat, double* sinTheta, double* cosTheta)
 {
     const double phi = std::fabs(lat) * kDeg;
-    // The sines and cosines by the library's inline kernel (one reduction for
-    // both, within an ulp).
-    double s, cosPhi, versine;
-    CKvMathKernel::SinCos(phi, s, cosPhi, versine);
+    // The sines and cosines by the inline kernel for angles within a quarter
+    // turn (phi, theta, w / 2 all are): two short series, no reduction and no
+    // choice of quadrant, the cosine to its full relative precision.
+    double s, cosPhi;
+    CKvMathKernel::SinCosHalfPi(phi, s, cosPhi);
     double st, ct;
     if (s <= 0.9) {
         // theta + sin theta cos theta + 2 sin theta = Cp s, whose derivative
@@ -71,7 +72,7 @@ void CKvEckertIV::_theta(double lat, double* sinTheta, double* cosTheta)
         const double x = phi * phi * kStartScale - 1.0;
         const double theta = phi * CKvMathKernel::Estrin<8>(x, kStart);
         double sn, cs;
-        CKvMathKernel::SinCos(theta, sn, cs, versine);
+        CKvMathKernel::SinCosHalfPi(theta, sn, cs);
         const double step = -(theta + sn * cs + 2.0 * sn - kCp * s) / (2.0 * cs * (1.0 + cs));
         double sd, cd;
         CKvMathKernel::SinCosSmall(step, sd, cd);
@@ -92,7 +93,7 @@ void CKvEckertIV::_theta(double lat, double* sinTheta, double* cosTheta)
         const double r = std::sqrt(C);
         const double w = r * CKvMathKernel::Estrin<10>(r * kPoleScale - 1.0, kPole);
         double h, hc;
-        CKvMathKernel::SinCos(w / 2.0, h, hc, versine);
+        CKvMathKernel::SinCosHalfPi(w / 2.0, h, hc);
         const double sw = 2.0 * h * hc, cw = 1.0 - 2.0 * h * h;
         const double step = -(PoleSide(w, h, hc) - C) / (2.0 * sw * (1.0 + sw));
         double sd, cd;
