@@ -32,12 +32,11 @@ struct SResult
     std::string output;
 };
 
-SResult Host(const std::string& user, const std::string& arguments, const std::string& prefix = std::string())
+// A shell command line's exit status (128 + the signal that ended it) and its output.
+SResult Run(const std::string& line)
 {
-    const std::string command = prefix + std::string(KVCART_CATALOGUE_SESSION) + " '" + KVCART_SHIPPED_DATA_DIR +
-                                "' '" + user + "' " + arguments + " 2>&1";
     SResult result{-1, std::string()};
-    if (FILE* pipe = popen(command.c_str(), "r")) {
+    if (FILE* pipe = popen(line.c_str(), "r")) {
         char buffer[512];
         while (fgets(buffer, sizeof buffer, pipe))
             result.output += buffer;
@@ -45,6 +44,13 @@ SResult Host(const std::string& user, const std::string& arguments, const std::s
         result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     }
     return result;
+}
+
+// The host session in the user directory given, standard output and error together.
+SResult Host(const std::string& user, const std::string& arguments, const std::string& prefix = std::string())
+{
+    return Run(prefix + std::string(KVCART_CATALOGUE_SESSION) + " '" + KVCART_SHIPPED_DATA_DIR + "' '" + user + "' " +
+               arguments + " 2>&1");
 }
 
 std::string Section(const std::string& name, const std::string& body)
@@ -117,16 +123,7 @@ SResult RunIn(const std::string& dir, const std::string& command, bool asNobody 
 {
     const std::string privileges =
         asNobody && geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
-    SResult result{-1, std::string()};
-    const std::string line = "cd '" + dir + "' && " + privileges + "sh -c \"" + command + "\" 2>&1";
-    if (FILE* pipe = popen(line.c_str(), "r")) {
-        char buffer[512];
-        while (fgets(buffer, sizeof buffer, pipe))
-            result.output += buffer;
-        const int status = pclose(pipe);
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    }
-    return result;
+    return Run("cd '" + dir + "' && " + privileges + "sh -c \"" + command + "\" 2>&1");
 }
 
 // Runs each shell command in a process of its own, all released at the same
