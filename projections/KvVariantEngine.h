@@ -7,7 +7,6 @@
 #include "projections/KvVariant.h"
 
 #include <cmath>
-#include <cstdint>
 #include <limits>
 
 // An engine that keeps its mathematics in a sphere and an ellipsoid variant and
@@ -71,11 +70,12 @@ public:
             return;
         }
         constexpr std::size_t D = sizeof(double);
-        if (xStride == D && yStride == D && lonStride == D && latStride == D && _apart(x, lon, n) &&
-            _apart(x, lat, n) && _apart(y, lon, n) && _apart(y, lat, n)) {
+        if (xStride == D && yStride == D && lonStride == D && latStride == D && CKvBatch::Apart(x, n, lon, n) &&
+            CKvBatch::Apart(x, n, lat, n) && CKvBatch::Apart(y, n, lon, n) && CKvBatch::Apart(y, n, lat, n)) {
             // Outputs apart from the inputs: the grid points are still there for
-            // the guard, which follows each stretch while it is in the cache.
-            constexpr std::size_t stretch = 8 * CKvBatch::BlockSize;
+            // the guard, which follows each stretch of two blocks while its four
+            // arrays (16 KiB) are in the first-level cache.
+            constexpr std::size_t stretch = 2 * CKvBatch::BlockSize;
             for (std::size_t first = 0; first < n; first += stretch) {
                 const std::size_t count = n - first < stretch ? n - first : stretch;
                 m_pVariant->Proj2Geo(count, x + first, D, y + first, D, lon + first, D, lat + first, D);
@@ -153,13 +153,6 @@ private:
             lon[i] = kept ? lambda : nan;
             lat[i] = kept ? onPole : nan;
         }
-    }
-
-    // Whether n contiguous doubles from a and from b share no element.
-    static bool _apart(const double* a, const double* b, std::size_t n)
-    {
-        const std::uintptr_t p = reinterpret_cast<std::uintptr_t>(a), q = reinterpret_cast<std::uintptr_t>(b);
-        return p >= q + n * sizeof(double) || q >= p + n * sizeof(double);
     }
 
     void _adopt(CKvVariant* variant, const CKvEllipsoid& ellipsoid)

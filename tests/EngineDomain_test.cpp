@@ -191,3 +191,44 @@ TEST(EngineDomain, PolesAndCentresLandWhereTheyShould)
         EXPECT_NEAR(lat, 45.0, 1e-9) << azimuth;
     }
 }
+
+#include "projections/KvAngle.h"
+
+#include <cstring>
+#include <random>
+
+// The longitude reductions every engine shares: the bits of the exact
+// remainder, on random differences of every size, the quotients' ties (540,
+// 3 pi), the edges and the non-finite values.
+TEST(EngineDomain, LongitudeReductionIsTheExactRemainder)
+{
+    const auto same = [](double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; };
+    const auto radians = [](double d) { return std::isfinite(d) ? std::remainder(d, 2.0 * CKvAngle::Pi) : NAN; };
+    const auto degrees = [](double d) { return std::isfinite(d) ? std::remainder(d, 360.0) : NAN; };
+    std::mt19937_64 random(59);
+    std::vector<double> values = {180.0, -180.0, 540.0, -540.0, 539.9999999999999, 900.0, 1e17, -1e308,
+                                  CKvAngle::Pi, -CKvAngle::Pi, 3.0 * CKvAngle::Pi, 9.0, -9.0, 8.999999999999998,
+                                  HUGE_VAL, -HUGE_VAL, NAN, 5e-324};
+    for (int i = 0; i < 200000; ++i) {
+        const double scale = i % 3 == 0 ? 12.0 : i % 3 == 1 ? 800.0 : 1e6;
+        values.push_back(std::uniform_real_distribution<double>(-scale, scale)(random));
+    }
+    for (const double d : values) {
+        const double r = CKvAngle::ReduceLongitude(d), g = CKvAngle::ReduceLongitudeDegrees(d);
+        if (std::fabs(d) > CKvAngle::Pi || std::isnan(d))
+            ASSERT_TRUE(same(r, radians(d)) || (std::isnan(r) && std::isnan(radians(d)))) << d;
+        else
+            ASSERT_TRUE(same(r, d)) << d;
+        if (std::fabs(d) > 180.0 || std::isnan(d))
+            ASSERT_TRUE(same(g, degrees(d)) || (std::isnan(g) && std::isnan(degrees(d)))) << d;
+        else
+            ASSERT_TRUE(same(g, d)) << d;
+        if (std::isfinite(d) && std::fabs(d) <= 1e6) {
+            EXPECT_LE(std::fabs(g), 180.0) << d;
+            const double lon = std::fmod(d, 180.0), lon0 = lon - d; // d = lon - lon0
+            const double diff = CKvAngle::LongitudeDifferenceDegrees(lon, lon0);
+            ASSERT_TRUE(std::fabs(lon - lon0) <= 180.0 ? same(diff, lon - lon0) : same(diff, degrees(lon - lon0)))
+                << lon << " " << lon0;
+        }
+    }
+}
