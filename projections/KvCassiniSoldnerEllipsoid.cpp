@@ -13,23 +13,32 @@ KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvCassiniSoldnerEllipsoid::SFigures, CKv
 
 CKvCassiniSoldnerEllipsoid::CKvCassiniSoldnerEllipsoid(double lambda0, double phi0, double falseEasting,
                                                        double falseNorthing, const CKvEllipsoid& ellipsoid)
-    : CKvPointVariant(lambda0, phi0, falseEasting, falseNorthing, ellipsoid)
+    : CKvPointVariant(lambda0, phi0, falseEasting, falseNorthing, ellipsoid),
+      m_fast(MakeFigures(lambda0, phi0, falseEasting, falseNorthing, ellipsoid))
 {
-    SFigures& f = m_fast;
-    f.a = m_a;
-    f.e2 = m_e2;
-    f.ep2 = m_e2 / (1.0 - m_e2);
-    f.meridian = CKvConformalLatitude::MakeMeridianE6(m_a, m_e2);
-    f.M0 = CKvConformalLatitude::MeridianDistance(f.meridian, m_phi0);
-    f.invA = 1.0 / m_a;
+}
+
+CKvCassiniSoldnerEllipsoid::SFigures CKvCassiniSoldnerEllipsoid::MakeFigures(double lambda0, double phi0,
+                                                                             double falseEasting, double falseNorthing,
+                                                                             const CKvEllipsoid& ellipsoid)
+{
+    SFigures f;
+    const double a = ellipsoid.GetMajor(), e = ellipsoid.GetEccentricity(), e2 = e * e;
+    f.a = a;
+    f.e2 = e2;
+    f.ep2 = e2 / (1.0 - e2);
+    f.meridian = CKvConformalLatitude::MakeMeridianE6(a, e2);
+    f.M0 = CKvConformalLatitude::MeridianDistance(f.meridian, phi0 * kDeg);
+    f.invA = 1.0 / a;
     f.invAm0 = 1.0 / (f.meridian.a * f.meridian.m0);
-    f.FE = m_FE;
-    f.FN = m_FN;
-    f.lambda0 = m_lambda0;
+    f.FE = falseEasting;
+    f.FN = falseNorthing;
+    f.lambda0 = lambda0 * kDeg;
     // The kernels' reach: finite figures of an ellipsoid (the series in e^2 are
     // those of the earth's), an origin whose meridian distance is finite.
-    f.fast = m_a > 0.0 && std::isfinite(m_a) && m_e2 >= 0.0 && m_e2 < 0.1 && std::isfinite(f.M0) &&
-             std::isfinite(m_FE) && std::isfinite(m_FN) && std::isfinite(m_lambda0);
+    f.fast = a > 0.0 && std::isfinite(a) && e2 >= 0.0 && e2 < 0.1 && std::isfinite(f.M0) &&
+             std::isfinite(falseEasting) && std::isfinite(falseNorthing) && std::isfinite(f.lambda0);
+    return f;
 }
 
 void CKvCassiniSoldnerEllipsoid::Geo2Proj(double lon, double lat, double* x, double* y) const

@@ -11,6 +11,7 @@
 #include "projections/KvEckertIV.h"
 #include "projections/KvEqualEarth.h"
 #include "projections/KvEquidistantConic.h"
+#include "projections/KvHyperbolicCassini.h"
 #include "projections/KvHotineObliqueMercator.h"
 #include "projections/KvKrovak.h"
 #include "projections/KvLambert1SP.h"
@@ -263,6 +264,13 @@ TEST(RoundTrip, CassiniSoldner)
                                         kClarke1858),
                 -62.09, 9.83, -60, 11.51),
          System("Sphere Cassini", Make<CKvCassiniSoldner>("c", 0.0, 0.0, 0.0, 0.0, kSphere), -5, -60, 5, 60)});
+    // The Vanua Levu Grid across the antimeridian, out to 750 km from its
+    // origin, where the inverse's Newton start leaves its short path.
+    static const double vanuaLevu[4] = {-16.25, 179.333333333333, 251727.9155424, 334519.953768};
+    const CKvEllipsoid clarke1880("Clarke 1880 (international foot)", "", 6378306.3696, 293.466307655635);
+    CheckFamily("hyperbolic Cassini-Soldner",
+                {System("Vanua Levu 1915 / Vanua Levu Grid", Make<CKvHyperbolicCassini>("h", vanuaLevu, clarke1880),
+                        172.6, -23.0, 186.0, -9.5, {{180.0, -16.25}, {179.333333333333, -22.9}})});
 }
 
 // The families below have inverses of their own (conformal-latitude series,
