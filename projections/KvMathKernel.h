@@ -289,26 +289,9 @@ public:
     static constexpr double ExpLimit = 700.0;
     static KVCART_ALWAYS_INLINE double Exp(double x)
     {
-        constexpr int Bits = SKvMathTables::ExpBits;
-        constexpr double Scale = 92.332482616893657;             // 64 / ln 2
-        constexpr double Ln2Hi = 0.6931471803691238 / (1 << Bits); // 0x3fe62e42fee00000 / 64
-        constexpr double Ln2Lo = 1.9082149292705877e-10 / (1 << Bits);
-        constexpr double Round = 6755399441055744.0; // 1.5 * 2^52
-        static constexpr double Series[5] = {1.0 / 2, 1.0 / 6, 1.0 / 24, 1.0 / 120, 1.0 / 720};
-        const double shifted = x * Scale + Round;
-        const double k = shifted - Round;
-        const double r = (x - k * Ln2Hi) - k * Ln2Lo;
-        const double p = r + r * r * Estrin<5>(r, Series);
-        // The low bits of shifted hold k = 64 m + j (offset by 2^51, a multiple of
-        // 64): j is the last six, and m + 1023 shifted into the exponent field is
-        // 2^m (the higher bits fall off the left end).
-        const std::uint64_t bits = _bits(shifted);
-        const std::uint64_t j = bits & ((1u << Bits) - 1);
-        const std::uint64_t scale = ((bits >> Bits) + 1023u) << 52;
-        // 2^m 2^(j/64) is formed while the series is evaluated, so that two
-        // operations follow it.
-        const double t = SKvMathTables::ExpHi[j] * _double(scale);
-        return t + t * (p + SKvMathTables::ExpRel[j]);
+        double t, q;
+        _expParts(x, t, q);
+        return t + t * q;
     }
 
     // e^x - 1 for |x| <= ExpLimit: Exp's reduction and tables, the last step
@@ -318,21 +301,9 @@ public:
     // the last place. A meaningless value beyond ExpLimit, which callers flag.
     static KVCART_ALWAYS_INLINE double ExpM1(double x)
     {
-        constexpr int Bits = SKvMathTables::ExpBits;
-        constexpr double Scale = 92.332482616893657;             // 64 / ln 2
-        constexpr double Ln2Hi = 0.6931471803691238 / (1 << Bits); // as in Exp
-        constexpr double Ln2Lo = 1.9082149292705877e-10 / (1 << Bits);
-        constexpr double Round = 6755399441055744.0; // 1.5 * 2^52
-        static constexpr double Series[5] = {1.0 / 2, 1.0 / 6, 1.0 / 24, 1.0 / 120, 1.0 / 720};
-        const double shifted = x * Scale + Round;
-        const double k = shifted - Round;
-        const double r = (x - k * Ln2Hi) - k * Ln2Lo;
-        const double p = r + r * r * Estrin<5>(r, Series);
-        const std::uint64_t bits = _bits(shifted);
-        const std::uint64_t j = bits & ((1u << Bits) - 1);
-        const std::uint64_t scale = ((bits >> Bits) + 1023u) << 52;
-        const double t = SKvMathTables::ExpHi[j] * _double(scale);
-        return (t - 1.0) + t * (p + SKvMathTables::ExpRel[j]);
+        double t, q;
+        _expParts(x, t, q);
+        return (t - 1.0) + t * q;
     }
 
     // ln x for positive normal x (zero, negatives, subnormals, infinities and NaN
@@ -468,6 +439,30 @@ private:
         double x;
         std::memcpy(&x, &b, sizeof x);
         return x;
+    }
+
+    // Exp's reduction and tables: e^x = t (1 + q), t = 2^m 2^(j/64) and q =
+    // e^r - 1 + rel_j, x = (64 m + j) ln2 / 64 + r, |r| <= ln2 / 128.
+    static KVCART_ALWAYS_INLINE void _expParts(double x, double& t, double& q)
+    {
+        constexpr int Bits = SKvMathTables::ExpBits;
+        constexpr double Scale = 92.332482616893657;             // 64 / ln 2
+        constexpr double Ln2Hi = 0.6931471803691238 / (1 << Bits); // 0x3fe62e42fee00000 / 64
+        constexpr double Ln2Lo = 1.9082149292705877e-10 / (1 << Bits);
+        constexpr double Round = 6755399441055744.0; // 1.5 * 2^52
+        static constexpr double Series[5] = {1.0 / 2, 1.0 / 6, 1.0 / 24, 1.0 / 120, 1.0 / 720};
+        const double shifted = x * Scale + Round;
+        const double k = shifted - Round;
+        const double r = (x - k * Ln2Hi) - k * Ln2Lo;
+        const double p = r + r * r * Estrin<5>(r, Series);
+        // The low bits of shifted hold k = 64 m + j (offset by 2^51, a multiple of
+        // 64): j is the last six, and m + 1023 shifted into the exponent field is
+        // 2^m (the higher bits fall off the left end).
+        const std::uint64_t bits = _bits(shifted);
+        const std::uint64_t j = bits & ((1u << Bits) - 1);
+        const std::uint64_t scale = ((bits >> Bits) + 1023u) << 52;
+        t = SKvMathTables::ExpHi[j] * _double(scale);
+        q = p + SKvMathTables::ExpRel[j];
     }
 
 };
