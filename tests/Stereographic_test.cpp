@@ -209,21 +209,6 @@ TEST(ObliqueStereographic, OriginOnEitherPole)
     EXPECT_GT(std::hypot(x, y), 3e6);
 }
 
-TEST(ObliqueStereographic, UnusableParametersGiveNaN)
-{
-    const CKvEllipsoid unknown("unknown", "", 0.0, 0.0);
-    const CKvStereographic noFigure("none", 1.0, 5.0, 52.0, 1000.0, 2000.0, unknown);
-    const CKvStereographic beyondPole("beyond", 1.0, 5.0, 95.0, 1000.0, 2000.0, kBessel);
-    const CKvStereographic noScale("scale", 0.0, 5.0, 52.0, 1000.0, 2000.0, kBessel);
-    for (const CKvStereographic* engine : {&noFigure, &beyondPole, &noScale}) {
-        double x, y, lon, lat;
-        engine->Geo2Proj(5.0, 52.0, &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << engine->GetName();
-        engine->Proj2Geo(1000.0, 2000.0, &lon, &lat);
-        EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << engine->GetName();
-    }
-}
-
 // Belgian Lambert 72 and Belge Lambert 50 count from the north pole; with the
 // latitude of the false origin a rounding beyond 90 (a WKT degree of 16 digits)
 // the northing and the inverse were NaN. The mirror image about the equator
@@ -234,14 +219,11 @@ TEST(LambertPoleOrigin, BelgianGridsAndTheirMirror)
     for (double lat0 : {90.0, 90.00000000000001}) {
         const CKvLambert2SP lb72("BD72 / Belgian Lambert 72", 51.16666723333333, 49.8333339, 4.367486666666666, lat0,
                                  150000.013, 5400088.438, kIntl);
-        double x, y, lon, lat;
-        lb72.Geo2Proj(4.3675, 50.8, &x, &y);
-        EXPECT_NEAR(x, 150000.953, 1e-3) << lat0; // PROJ, EPSG:31370
-        EXPECT_NEAR(y, 165443.906, 1e-3) << lat0;
-        lb72.Proj2Geo(150000.953, 165443.906, &lon, &lat);
-        EXPECT_NEAR(lon, 4.3675, 1e-8) << lat0;
-        EXPECT_NEAR(lat, 50.8, 1e-8) << lat0;
+        SCOPED_TRACE(lat0);
+        kvtest::ExpectForward(lb72, 4.3675, 50.8, 150000.953, 165443.906, 1e-3); // PROJ, EPSG:31370
+        kvtest::ExpectInverse(lb72, 150000.953, 165443.906, 4.3675, 50.8, 1e-8);
         // The false origin is the pole, and back.
+        double lon, lat;
         lb72.Proj2Geo(150000.013, 5400088.438, &lon, &lat);
         EXPECT_EQ(lat, 90.0);
         EXPECT_NEAR(lon, 4.367486666666666, 1e-12);
@@ -253,8 +235,8 @@ TEST(LambertPoleOrigin, BelgianGridsAndTheirMirror)
     south.Proj2Geo(150000.013, 5400088.438, &lon, &lat);
     EXPECT_EQ(lat, -90.0);
     // A false origin on the other pole lies at infinity: no grid.
-    const CKvLambert2SP farPole("far", 51.16666723333333, 49.8333339, 4.367486666666666, -90.0, 150000.013,
-                                5400088.438, kIntl);
+    const CKvLambert2SP farPole("far", 51.16666723333333, 49.8333339, 4.367486666666666, -90.0, 150000.013, 5400088.438,
+                                kIntl);
     double x, y;
     farPole.Geo2Proj(4.3675, 50.8, &x, &y);
     EXPECT_TRUE(std::isnan(y));
@@ -262,10 +244,8 @@ TEST(LambertPoleOrigin, BelgianGridsAndTheirMirror)
     // refuses it, and the engine gives NaN rather than infinities.
     for (double lat0 : {90.0, 90.00000000000001, -90.0}) {
         const CKvLambert1SP polar("1sp", 0.994, 0.0, lat0, 2000000.0, 2000000.0, kWgs84);
-        polar.Geo2Proj(10.0, std::copysign(80.0, lat0), &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << lat0 << ": " << x << ", " << y;
-        polar.Proj2Geo(2000000.0, 1000000.0, &lon, &lat);
-        EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << lat0;
+        kvtest::ExpectForwardNaN(polar, 10.0, std::copysign(80.0, lat0));
+        kvtest::ExpectInverseNaN(polar, 2000000.0, 1000000.0);
     }
 }
 
@@ -317,43 +297,21 @@ TEST(PolarStereographic, RegistrySystemsAgainstProj)
     CheckEngine("stereps", 1e-3, 1e-9);
 }
 
-TEST(PolarStereographic, EdgesAndUnusableParameters)
+TEST(PolarStereographic, Edges)
 {
-    double x, y, lon, lat;
     // The other pole lies at infinity.
     const CKvPolarStereographic ups("ups", 0.994, 0.0, 90.0, 2000000.0, 2000000.0, kWgs84);
-    ups.Geo2Proj(0.0, -90.0, &x, &y);
-    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
+    kvtest::ExpectForwardNaN(ups, 0.0, -90.0);
+    double x, y, ox, oy;
     ups.Geo2Proj(0.0, -89.0, &x, &y);
     EXPECT_TRUE(std::isfinite(x) && std::isfinite(y));
-    const CKvStereographicSouthPole antarctic("south", -71.0, 0.0, 0.0, 0.0, kWgs84);
-    antarctic.Geo2Proj(30.0, 90.0, &x, &y);
-    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
+    kvtest::ExpectForwardNaN(CKvStereographicSouthPole("south", -71.0, 0.0, 0.0, 0.0, kWgs84), 30.0, 90.0);
     // A unit rounding beyond the pole is the pole.
     const CKvPolarStereographic over("over", 0.994, 0.0, 90.00000000000001, 2000000.0, 2000000.0, kWgs84);
-    double ox, oy;
     ups.Geo2Proj(30.0, 80.0, &x, &y);
     over.Geo2Proj(30.0, 80.0, &ox, &oy);
     EXPECT_EQ(ox, x);
     EXPECT_EQ(oy, y);
-    // No figure, no scale, a parallel beyond the pole: no map.
-    const CKvEllipsoid unknown("unknown", "", 0.0, 0.0);
-    const CKvEllipsoid flat("flat", "", 6378137.0, 1.0); // e = 1
-    std::vector<std::unique_ptr<CKvProjection>> unusable;
-    unusable.emplace_back(new CKvPolarStereographic("a0", 0.994, 0.0, 90.0, 2000000.0, 2000000.0, unknown));
-    unusable.emplace_back(new CKvPolarStereographic("e1", 0.994, 0.0, 90.0, 2000000.0, 2000000.0, flat));
-    unusable.emplace_back(new CKvPolarStereographic("k0", 0.0, 0.0, 90.0, 2000000.0, 2000000.0, kWgs84));
-    unusable.emplace_back(new CKvPolarStereographic("k-", -0.994, 0.0, -90.0, 2000000.0, 2000000.0, kWgs84));
-    unusable.emplace_back(new CKvPolarStereographic("95", 1.0, 0.0, 95.0, 0.0, 0.0, kWgs84));
-    unusable.emplace_back(new CKvStereographicNorthPole("np", 70.0, -45.0, 0.0, 0.0, unknown));
-    unusable.emplace_back(new CKvStereographicNorthPole("np95", 95.0, -45.0, 0.0, 0.0, kWgs84));
-    unusable.emplace_back(new CKvStereographicSouthPole("sp", -71.0, 0.0, 0.0, 0.0, unknown));
-    for (const auto& engine : unusable) {
-        engine->Geo2Proj(10.0, std::string(engine->GetName()) == "k-" ? -80.0 : 80.0, &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << engine->GetName() << ": " << x << ", " << y;
-        engine->Proj2Geo(100000.0, 100000.0, &lon, &lat);
-        EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << engine->GetName() << ": " << lon << ", " << lat;
-    }
 }
 
 // 1 000 random points within 60 degrees of each origin: geographic to grid and back
@@ -366,8 +324,8 @@ TEST(StereographicSnyder, RoundTrips)
         const CKvEllipsoid* figure;
     };
     const SOrigin origins[] = {{kRdK0, kRdLon0, kRdLat0, &kBessel}, {0.9999, 10.0, 46.0, &kWgs84},
-                               {1.0, 25.0, -30.0, &kGrs80},        {1.0, -60.0, 0.0, &kWgs84},
-                               {0.994, 0.0, 90.0, &kWgs84},        {0.97276901289, 70.0, -90.0, &kGrs80},
+                               {1.0, 25.0, -30.0, &kGrs80},         {1.0, -60.0, 0.0, &kWgs84},
+                               {0.994, 0.0, 90.0, &kWgs84},         {0.97276901289, 70.0, -90.0, &kGrs80},
                                {0.9999, 5.0, 52.0, &kSphere}};
     for (const SOrigin& o : origins) {
         const CKvStereographicSnyder engine("trip", o.k0, o.lon0, o.lat0, 150000.0, 450000.0, *o.figure);
@@ -381,8 +339,8 @@ TEST(StereographicSnyder, RoundTrips)
             engine.Proj2Geo(x, y, &lon2, &lat2);
             const double dLon = std::fabs(lat) == 90.0 ? 0.0 : AngleDifference(lon2, lon);
             Worse(worstAngle, std::max(dLon, std::fabs(lat2 - lat)));
-            Worse(worstGround, 6.4e6 * (std::hypot(dLon * std::cos(lat * 3.141592653589793 / 180.0),
-                                                   lat2 - lat) * 3.141592653589793 / 180.0));
+            Worse(worstGround, 6.4e6 * (std::hypot(dLon * std::cos(lat * 3.141592653589793 / 180.0), lat2 - lat) *
+                                        3.141592653589793 / 180.0));
             engine.Geo2Proj(lon2, lat2, &x2, &y2);
             Worse(worstGrid, std::hypot(x2 - x, y2 - y));
         }
@@ -429,19 +387,13 @@ TEST(StereographicSnyder, EdgesOfTheDomain)
     const CKvStereographicSnyder rd("rd", kRdK0, kRdLon0, kRdLat0, 155000.0, 463000.0, kBessel);
     double x, y, lon, lat;
     // The origin is the false origin, and back, exactly where it can be.
-    rd.Geo2Proj(kRdLon0, kRdLat0, &x, &y);
-    EXPECT_NEAR(x, 155000.0, 1e-9);
-    EXPECT_NEAR(y, 463000.0, 1e-9);
-    rd.Proj2Geo(155000.0, 463000.0, &lon, &lat);
-    EXPECT_NEAR(lon, kRdLon0, 1e-13);
-    EXPECT_NEAR(lat, kRdLat0, 1e-13);
+    kvtest::ExpectForward(rd, kRdLon0, kRdLat0, 155000.0, 463000.0, 1e-9);
+    kvtest::ExpectInverse(rd, 155000.0, 463000.0, kRdLon0, kRdLat0, 1e-13);
     // The antipode of the origin lies at infinity: NaN, forward, for its convergence
     // and for grid points beyond any finite image.
-    rd.Geo2Proj(kRdLon0 - 180.0, -kRdLat0, &x, &y);
-    EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << x << ", " << y;
+    kvtest::ExpectForwardNaN(rd, kRdLon0 - 180.0, -kRdLat0);
     EXPECT_TRUE(std::isnan(rd.GetConvergence(kRdLon0 + 180.0, -kRdLat0)));
-    rd.Proj2Geo(1e15, 1e15, &lon, &lat);
-    EXPECT_TRUE(std::isnan(lon) && std::isnan(lat));
+    kvtest::ExpectInverseNaN(rd, 1e15, 1e15);
     // A point a degree from the antipode still maps, far out, and back.
     rd.Geo2Proj(kRdLon0 - 180.0, -kRdLat0 + 1.0, &x, &y);
     ASSERT_TRUE(std::isfinite(x) && std::isfinite(y));
@@ -457,33 +409,22 @@ TEST(StereographicSnyder, EdgesOfTheDomain)
     }
     // Longitudes: 180 and -180 are one meridian, 540 is 180, a difference brought
     // into +-180 from the central meridian.
-    double x2, y2;
     rd.Geo2Proj(180.0, 10.0, &x, &y);
-    rd.Geo2Proj(-180.0, 10.0, &x2, &y2);
-    EXPECT_NEAR(x, x2, 1e-6);
-    EXPECT_NEAR(y, y2, 1e-6);
-    rd.Geo2Proj(540.0, 10.0, &x2, &y2);
-    EXPECT_NEAR(x, x2, 1e-6);
-    rd.Geo2Proj(kRdLon0 + 2.0 + 720.0, 50.0, &x, &y);
-    rd.Geo2Proj(kRdLon0 + 2.0, 50.0, &x2, &y2);
-    EXPECT_NEAR(x, x2, 1e-6);
-    EXPECT_NEAR(y, y2, 1e-6);
+    kvtest::ExpectForward(rd, -180.0, 10.0, x, y, 1e-6);
+    kvtest::ExpectForward(rd, 540.0, 10.0, x, y, 1e-6);
+    rd.Geo2Proj(kRdLon0 + 2.0, 50.0, &x, &y);
+    kvtest::ExpectForward(rd, kRdLon0 + 2.0 + 720.0, 50.0, x, y, 1e-6);
     rd.Proj2Geo(-4e7, 1e6, &lon, &lat);
     EXPECT_LE(std::fabs(lon), 180.0);
     // Not a point: NaN, infinities, latitudes beyond a pole, grid points of 1e308.
     for (double bad : {kNaN, kInf, -kInf, 1e308, -1e308, 90.000001, -91.0}) {
-        rd.Geo2Proj(5.0, bad, &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << bad;
+        kvtest::ExpectForwardNaN(rd, 5.0, bad);
         EXPECT_TRUE(std::isnan(rd.GetConvergence(5.0, bad))) << bad;
-        if (!std::isfinite(bad)) {
-            rd.Geo2Proj(bad, 50.0, &x, &y);
-            EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << bad;
-        }
+        if (!std::isfinite(bad))
+            kvtest::ExpectForwardNaN(rd, bad, 50.0);
         if (std::fabs(bad) > 1e6) {
-            rd.Proj2Geo(bad, 463000.0, &lon, &lat);
-            EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << bad;
-            rd.Proj2Geo(155000.0, bad, &lon, &lat);
-            EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << bad;
+            kvtest::ExpectInverseNaN(rd, bad, 463000.0);
+            kvtest::ExpectInverseNaN(rd, 155000.0, bad);
         }
     }
 }
@@ -532,30 +473,48 @@ TEST(StereographicSnyder, PolesAndSphere)
         }
 }
 
-TEST(StereographicSnyder, UnusableParametersGiveNaN)
+// No map of parameters the family cannot draw: no figure, an eccentricity of 1,
+// no scale or a negative one, an origin or a parallel beyond the pole, an origin
+// that is no number, a definition whose ellipsoid the catalogue does not hold.
+// Every answer is NaN: forward on either hemisphere, inverse, convergence.
+TEST(StereographicFamily, UnusableParametersGiveNaN)
 {
     const CKvEllipsoid unknown("unknown", "", 0.0, 0.0);
-    const CKvEllipsoid flat("flat", "", 6378137.0, 1.0);
-    std::vector<std::unique_ptr<CKvStereographicSnyder>> engines;
-    engines.emplace_back(new CKvStereographicSnyder("a0", 1.0, 5.0, 52.0, 0.0, 0.0, unknown));
-    engines.emplace_back(new CKvStereographicSnyder("e1", 1.0, 5.0, 52.0, 0.0, 0.0, flat));
-    engines.emplace_back(new CKvStereographicSnyder("k0", 0.0, 5.0, 52.0, 0.0, 0.0, kBessel));
-    engines.emplace_back(new CKvStereographicSnyder("k-", -1.0, 5.0, 52.0, 0.0, 0.0, kBessel));
-    engines.emplace_back(new CKvStereographicSnyder("kNaN", kNaN, 5.0, 52.0, 0.0, 0.0, kBessel));
-    engines.emplace_back(new CKvStereographicSnyder("lat95", 1.0, 5.0, 95.0, 0.0, 0.0, kBessel));
-    engines.emplace_back(new CKvStereographicSnyder("latNaN", 1.0, 5.0, kNaN, 0.0, 0.0, kBessel));
-    engines.emplace_back(new CKvStereographicSnyder("lat1e308", 1.0, 5.0, 1e308, 0.0, 0.0, kBessel));
-    engines.emplace_back(new CKvStereographicSnyder("lonInf", 1.0, kInf, 52.0, 0.0, 0.0, kBessel));
-    // A definition whose ellipsoid the catalogue does not hold.
+    const CKvEllipsoid flat("flat", "", 6378137.0, 1.0); // e = 1
     const CKvStereographicSnyderProjection orphan("orphan", "", "??", 1.0, 5.0, 52.0, 0.0, 0.0);
+    std::vector<std::unique_ptr<CKvProjection>> engines;
+    engines.emplace_back(new CKvStereographic("sterea a0", 1.0, 5.0, 52.0, 1000.0, 2000.0, unknown));
+    engines.emplace_back(new CKvStereographic("sterea lat95", 1.0, 5.0, 95.0, 1000.0, 2000.0, kBessel));
+    engines.emplace_back(new CKvStereographic("sterea k0", 0.0, 5.0, 52.0, 1000.0, 2000.0, kBessel));
+    engines.emplace_back(new CKvPolarStereographic("polar a0", 0.994, 0.0, 90.0, 2000000.0, 2000000.0, unknown));
+    engines.emplace_back(new CKvPolarStereographic("polar e1", 0.994, 0.0, 90.0, 2000000.0, 2000000.0, flat));
+    engines.emplace_back(new CKvPolarStereographic("polar k0", 0.0, 0.0, 90.0, 2000000.0, 2000000.0, kWgs84));
+    engines.emplace_back(new CKvPolarStereographic("polar k-", -0.994, 0.0, -90.0, 2000000.0, 2000000.0, kWgs84));
+    engines.emplace_back(new CKvPolarStereographic("polar 95", 1.0, 0.0, 95.0, 0.0, 0.0, kWgs84));
+    engines.emplace_back(new CKvStereographicNorthPole("np a0", 70.0, -45.0, 0.0, 0.0, unknown));
+    engines.emplace_back(new CKvStereographicNorthPole("np95", 95.0, -45.0, 0.0, 0.0, kWgs84));
+    engines.emplace_back(new CKvStereographicSouthPole("sp a0", -71.0, 0.0, 0.0, 0.0, unknown));
+    engines.emplace_back(new CKvStereographicSnyder("snyder a0", 1.0, 5.0, 52.0, 0.0, 0.0, unknown));
+    engines.emplace_back(new CKvStereographicSnyder("snyder e1", 1.0, 5.0, 52.0, 0.0, 0.0, flat));
+    engines.emplace_back(new CKvStereographicSnyder("snyder k0", 0.0, 5.0, 52.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("snyder k-", -1.0, 5.0, 52.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("snyder kNaN", kNaN, 5.0, 52.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("snyder lat95", 1.0, 5.0, 95.0, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("snyder latNaN", 1.0, 5.0, kNaN, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("snyder lat1e308", 1.0, 5.0, 1e308, 0.0, 0.0, kBessel));
+    engines.emplace_back(new CKvStereographicSnyder("snyder lonInf", 1.0, kInf, 52.0, 0.0, 0.0, kBessel));
     engines.emplace_back(new CKvStereographicSnyder(&orphan));
     for (const auto& engine : engines) {
-        double x, y, lon, lat;
-        engine->Geo2Proj(5.5, 52.5, &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << engine->GetName();
-        engine->Proj2Geo(1000.0, 1000.0, &lon, &lat);
-        EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << engine->GetName();
-        EXPECT_TRUE(std::isnan(engine->GetConvergence(5.5, 52.5))) << engine->GetName();
+        SCOPED_TRACE(engine->GetName());
+        for (const double lat : {52.0, 80.0, -80.0})
+            kvtest::ExpectForwardNaN(*engine, lat == 52.0 ? 5.5 : 10.0, lat);
+        kvtest::ExpectInverseNaN(*engine, 1000.0, 2000.0);
+        kvtest::ExpectInverseNaN(*engine, 100000.0, 100000.0);
+        // The polar forms' convergence is the longitude's alone, figure or none.
+        const std::string name = engine->GetName();
+        if (name.rfind("polar", 0) != 0 && name.rfind("np", 0) != 0 && name.rfind("sp", 0) != 0) {
+            EXPECT_TRUE(std::isnan(engine->GetConvergence(5.5, 52.5)));
+        }
     }
 }
 
@@ -605,8 +564,8 @@ TEST(StereographicSnyder, CatalogueTypeAndItsRecord)
         std::unique_ptr<D>(D::CreateDefaultParameterProjection(D::eStereographicSnyder))->GetProjectionTypeTitle(),
         "Stereographic (Snyder)");
     kvtest::ShippedCatalogue(); // the ellipsoid BR
-    auto* definition = new CKvStereographicSnyderProjection("Snyder test grid", "Tests", "BR", kRdK0, kRdLon0,
-                                                            kRdLat0, 155000.0, 463000.0);
+    auto* definition = new CKvStereographicSnyderProjection("Snyder test grid", "Tests", "BR", kRdK0, kRdLon0, kRdLat0,
+                                                            155000.0, 463000.0);
     CKvMapProjection::AddMapProjection(definition);
     {
         const std::unique_ptr<CKvProjection> engine(definition->CreateProjection());

@@ -102,6 +102,7 @@ private:
 #include "coordsys/KvMapProjection.h"
 #include "interface/KvCart.h"
 
+#include <gtest/gtest.h>
 #include <vector>
 
 namespace kvtest {
@@ -213,6 +214,41 @@ inline std::vector<double> Parameters(const CKvMapProjData& d)
     for (int i = 0; d.GetParameter(i, label, value, kind); ++i)
         values.push_back(value);
     return values;
+}
+
+// The grid point of a geographical one, within tol, by an engine or a system.
+template <class TSystem>
+void ExpectForward(const TSystem& system, double lon, double lat, double x, double y, double tol)
+{
+    double px = NAN, py = NAN;
+    system.Geo2Proj(lon, lat, &px, &py);
+    EXPECT_NEAR(px, x, tol) << "forward of " << lon << " " << lat;
+    EXPECT_NEAR(py, y, tol) << "forward of " << lon << " " << lat;
+}
+
+// The geographical point of a grid one, within tol.
+template <class TSystem>
+void ExpectInverse(const TSystem& system, double x, double y, double lon, double lat, double tol)
+{
+    double plon = NAN, plat = NAN;
+    system.Proj2Geo(x, y, &plon, &plat);
+    EXPECT_NEAR(plon, lon, tol) << "inverse of " << x << " " << y;
+    EXPECT_NEAR(plat, lat, tol) << "inverse of " << x << " " << y;
+}
+
+// No point: NaN in both outputs, forward or inverse.
+template <class TSystem> void ExpectForwardNaN(const TSystem& system, double lon, double lat)
+{
+    double x = 0.0, y = 0.0;
+    system.Geo2Proj(lon, lat, &x, &y);
+    EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << "forward of " << lon << " " << lat << " gives " << x << " " << y;
+}
+
+template <class TSystem> void ExpectInverseNaN(const TSystem& system, double x, double y)
+{
+    double lon = 0.0, lat = 0.0;
+    system.Proj2Geo(x, y, &lon, &lat);
+    EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << "inverse of " << x << " " << y << " gives " << lon << " " << lat;
 }
 
 } // namespace kvtest
