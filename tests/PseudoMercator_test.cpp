@@ -164,12 +164,12 @@ TEST(PseudoMercatorWkt, TextsAsGdalProjAndEsriWriteThem)
 // Web Mercator reading.
 TEST(PseudoMercatorWkt, WhatTheMethodDoesNotHaveIsRefusedWithItsReason)
 {
-    const std::string esri = kEsri3857;
-    const auto esriWith = [&esri](const std::string& from, const std::string& to) {
-        std::string text = esri;
-        text.replace(text.find(from), from.size(), to);
-        return text;
+    // A text with one piece replaced.
+    const auto with = [](std::string text, const std::string& from, const std::string& to) {
+        return text.replace(text.find(from), from.size(), to);
     };
+    const auto esriWith = [&with](const std::string& from, const std::string& to) { return with(kEsri3857, from, to); };
+    const auto ogcWith = [&with](const std::string& from, const std::string& to) { return with(kOgc3857, from, to); };
     const struct
     {
         std::string text, reason;
@@ -186,7 +186,7 @@ TEST(PseudoMercatorWkt, WhatTheMethodDoesNotHaveIsRefusedWithItsReason)
         {esriWith("PARAMETER[\"Central_Meridian\",0.0],", ""),
          "projection \"Mercator_Auxiliary_Sphere\": the parameter \"Central_Meridian\" is missing"},
         {esriWith("\"Mercator_Auxiliary_Sphere\"],", "\"Popular_Visualisation_Pseudo_Mercator\"],PARAMETER["
-                                                      "\"Scale_Factor\",0.9996],"),
+                                                     "\"Scale_Factor\",0.9996],"),
          "projection \"Popular_Visualisation_Pseudo_Mercator\": its Scale_Factor 0.9996 is not supported (the "
          "pseudo-Mercator has no scale of its own)"},
     };
@@ -200,19 +200,12 @@ TEST(PseudoMercatorWkt, WhatTheMethodDoesNotHaveIsRefusedWithItsReason)
     }
     // Without Auxiliary_Sphere_Type or Standard_Parallel_1 the text is the sphere
     // of the semi-major axis on the equator, as PROJ reads it.
-    for (const std::string& text :
-         {esriWith("PARAMETER[\"Auxiliary_Sphere_Type\",0.0],", ""),
-          esriWith("PARAMETER[\"Standard_Parallel_1\",0.0],", "")}) {
+    for (const std::string& text : {esriWith("PARAMETER[\"Auxiliary_Sphere_Type\",0.0],", ""),
+                                    esriWith("PARAMETER[\"Standard_Parallel_1\",0.0],", "")}) {
         const CKvMapProjection system(text);
         ExpectCase(system, VectorCase("webmerc", "EPSG3857"), text);
     }
 
-    const std::string ogc = kOgc3857;
-    const auto ogcWith = [&ogc](const std::string& from, const std::string& to) {
-        std::string text = ogc;
-        text.replace(text.find(from), from.size(), to);
-        return text;
-    };
     const std::string notWeb[] = {
         ogcWith("+a=6378137 +b=6378137", "+a=6371000 +b=6371000"),
         ogcWith("+lon_0=0 ", "+lon_0=10 "),
@@ -371,8 +364,7 @@ TEST(PseudoMercator, EdgesOfTheDomain)
     EXPECT_EQ(y, kInf);
     web.Geo2Proj(12.0, -90.0, &x, &y);
     EXPECT_EQ(y, -kInf);
-    web.Proj2Geo(x, y, &lon, &lat);
-    EXPECT_TRUE(std::isnan(lon) && std::isnan(lat));
+    kvtest::ExpectInverseNaN(web, x, y);
     // Close to the pole the northing is large but finite, and comes back.
     web.Geo2Proj(12.0, 89.99999999, &x, &y);
     EXPECT_TRUE(std::isfinite(y));
@@ -391,15 +383,11 @@ TEST(PseudoMercator, EdgesOfTheDomain)
     web.Geo2Proj(180.0, edge, &x, &y);
     EXPECT_NEAR(x, kPiA, 1e-6);
     EXPECT_NEAR(y, kPiA, 1e-4);
-    web.Proj2Geo(kPiA, kPiA, &lon, &lat);
-    EXPECT_NEAR(lat, edge, 1e-12);
-    EXPECT_NEAR(lon, 180.0, 1e-12);
+    kvtest::ExpectInverse(web, kPiA, kPiA, 180.0, edge, 1e-12);
     double x1, y1, x2, y2;
     web.GetDefaultArea(&x1, &y1, &x2, &y2);
-    EXPECT_NEAR(x1, -kPiA, 1e-6);
-    EXPECT_NEAR(y1, -kPiA, 1e-6);
-    EXPECT_NEAR(x2, kPiA, 1e-6);
-    EXPECT_NEAR(y2, kPiA, 1e-6);
+    for (const double corner : {-x1, -y1, x2, y2})
+        EXPECT_NEAR(corner, kPiA, 1e-6);
     const CKvPseudoMercator shifted("shifted", 150.0, 0.0, 1000.0, -2000.0, kWgs84);
     shifted.GetDefaultArea(&x1, &y1, &x2, &y2);
     EXPECT_NEAR(x1, 1000.0 - kPiA, 1e-6);
@@ -420,10 +408,8 @@ TEST(PseudoMercator, EdgesOfTheDomain)
     web.Geo2Proj(180.0, 10.0, &x2, &y2);
     EXPECT_NEAR(x2 - x1, 2.0 * kPiA, 1e-6);
     EXPECT_EQ(y1, y2);
-    web.Proj2Geo(x1, y1, &lon, &lat);
-    EXPECT_NEAR(lon, -180.0, 1e-12);
-    web.Proj2Geo(x2, y2, &lon, &lat);
-    EXPECT_NEAR(lon, 180.0, 1e-12);
+    kvtest::ExpectInverse(web, x1, y1, -180.0, 10.0, 1e-12);
+    kvtest::ExpectInverse(web, x2, y2, 180.0, 10.0, 1e-12);
     shifted.Geo2Proj(-170.0, 0.0, &x, &y);
     EXPECT_NEAR(x - 1000.0, 40.0 * kPiA / 180.0, 1e-6);
     shifted.Geo2Proj(180.0, 0.0, &x1, &y1);
@@ -431,15 +417,12 @@ TEST(PseudoMercator, EdgesOfTheDomain)
     EXPECT_EQ(x1, x2);
 
     // Latitudes off the ellipsoid and numbers that are none: NaN, both ways.
-    const double bad[][2] = {{0.0, 90.0000001}, {0.0, -91.0}, {0.0, 1e308}, {0.0, NAN},   {NAN, 0.0},
+    const double bad[][2] = {{0.0, 90.0000001}, {0.0, -91.0}, {0.0, 1e308}, {0.0, NAN},  {NAN, 0.0},
                              {kInf, 0.0},       {-kInf, 0.0}, {0.0, kInf},  {0.0, -kInf}};
     for (const auto& p : bad) {
-        web.Geo2Proj(p[0], p[1], &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << p[0] << " " << p[1];
-        web.Proj2Geo(p[0], p[1], &lon, &lat);
-        if (!std::isfinite(p[0]) || !std::isfinite(p[1])) {
-            EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << p[0] << " " << p[1];
-        }
+        kvtest::ExpectForwardNaN(web, p[0], p[1]);
+        if (!std::isfinite(p[0]) || !std::isfinite(p[1]))
+            kvtest::ExpectInverseNaN(web, p[0], p[1]);
     }
     // A longitude of 540 is a line carried on one and a half turns east; 1e308
     // has an easting beyond the doubles.
@@ -471,16 +454,14 @@ TEST(PseudoMercator, UnusableParametersGiveNaN)
     const CKvPseudoMercatorProjection orphan("orphan", "", "??", 0.0, 0.0, 0.0, 0.0);
     engines.emplace_back(new CKvPseudoMercator(&orphan));
     for (const auto& engine : engines) {
-        double x, y, lon, lat, x2, y2;
-        engine->Geo2Proj(10.0, 45.0, &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << engine->GetName();
-        engine->Geo2Proj(10.0, 90.0, &x, &y);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y)) << engine->GetName();
-        engine->Proj2Geo(1000.0, 2000.0, &lon, &lat);
-        EXPECT_TRUE(std::isnan(lon) && std::isnan(lat)) << engine->GetName();
-        EXPECT_TRUE(std::isnan(engine->GetConvergence(10.0, 45.0))) << engine->GetName();
+        SCOPED_TRACE(engine->GetName());
+        kvtest::ExpectForwardNaN(*engine, 10.0, 45.0);
+        kvtest::ExpectForwardNaN(*engine, 10.0, 90.0);
+        kvtest::ExpectInverseNaN(*engine, 1000.0, 2000.0);
+        EXPECT_TRUE(std::isnan(engine->GetConvergence(10.0, 45.0)));
+        double x, y, x2, y2;
         engine->GetDefaultArea(&x, &y, &x2, &y2);
-        EXPECT_TRUE(std::isnan(x) && std::isnan(y2)) << engine->GetName();
+        EXPECT_TRUE(std::isnan(x) && std::isnan(y2));
     }
 }
 
