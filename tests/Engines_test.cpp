@@ -39,10 +39,8 @@ Area DefaultArea(const CKvProjection& engine)
 
 void ExpectProjects(const CKvProjection& engine, double lon, double lat, double x, double y, double tol = 1e-6)
 {
-    double px, py;
-    engine.Geo2Proj(lon, lat, &px, &py);
-    EXPECT_NEAR(px, x, tol) << engine.GetName() << " " << lon << "," << lat;
-    EXPECT_NEAR(py, y, tol) << engine.GetName() << " " << lon << "," << lat;
+    SCOPED_TRACE(engine.GetName());
+    kvtest::ExpectForward(engine, lon, lat, x, y, tol);
 }
 
 } // namespace
@@ -50,14 +48,12 @@ void ExpectProjects(const CKvProjection& engine, double lon, double lat, double 
 TEST(TransverseMercator, LocalGridsNamesAndLongitudeWrapping)
 {
     for (bool complexSeries : {false, true}) {
-        std::unique_ptr<CKvProjection> local, unnamed;
-        if (complexSeries) {
-            local.reset(new CKvTransverseMercator(" NON-UTM ", 0.9996, 9, 0, 500000, 0, kWgs84));
-            unnamed.reset(new CKvTransverseMercator("", 0.9996, 9, 0, 500000, 0, kWgs84));
-        } else {
-            local.reset(new CKvTransverseMercatorJHS(" NON-UTM ", 0.9996, 9, 0, 500000, 0, kWgs84));
-            unnamed.reset(new CKvTransverseMercatorJHS("", 0.9996, 9, 0, 500000, 0, kWgs84));
-        }
+        const auto make = [complexSeries](const char* name) -> std::unique_ptr<CKvProjection> {
+            if (complexSeries)
+                return std::make_unique<CKvTransverseMercator>(name, 0.9996, 9, 0, 500000, 0, kWgs84);
+            return std::make_unique<CKvTransverseMercatorJHS>(name, 0.9996, 9, 0, 500000, 0, kWgs84);
+        };
+        const std::unique_ptr<CKvProjection> local = make(" NON-UTM "), unnamed = make("");
         EXPECT_TRUE(local->IsLocal());
         ExpectProjects(*local, 1234.5, -678.25, 1234.5, -678.25, 0.0);
         double lon, lat;
@@ -75,11 +71,9 @@ TEST(TransverseMercator, LocalGridsNamesAndLongitudeWrapping)
 
     const CKvTransverseMercatorJHS utm("UTM-32", 0.9996, 9, 0, 500000, 0, kWgs84);
     EXPECT_FALSE(utm.IsLocal());
-    double x1, y1, x2, y2;
-    utm.Geo2Proj(9.0 + 350.0, 50.0, &x1, &y1); // the same as 10 degrees west
-    utm.Geo2Proj(-1.0, 50.0, &x2, &y2);
-    EXPECT_NEAR(x1, x2, 1e-6);
-    EXPECT_NEAR(y1, y2, 1e-6);
+    double x1, y1;
+    utm.Geo2Proj(-1.0, 50.0, &x1, &y1);
+    ExpectProjects(utm, 9.0 + 350.0, 50.0, x1, y1); // the same as 10 degrees west
     // Origin on the central meridian maps to the false origin; GetOrigin in degrees.
     ExpectProjects(utm, 9.0, 0.0, 500000.0, 0.0);
     utm.GetOrigin(&x1, &y1);
@@ -108,13 +102,8 @@ TEST(TransverseMercator, OriginLatitudeAreasConvergenceAndScale)
     // Default areas: 3 degrees around the origin, clamped at the pole.
     const CKvTransverseMercatorJHS north("north", 1.0, 0, 89, 0, 0, kWgs84);
     const Area area = DefaultArea(north);
-    double x, y;
-    north.Geo2Proj(-3.0, 86.0, &x, &y);
-    EXPECT_NEAR(area.x1, x, 1e-6);
-    EXPECT_NEAR(area.y1, y, 1e-6);
-    north.Geo2Proj(3.0, 90.0, &x, &y);
-    EXPECT_NEAR(area.x2, x, 1e-6);
-    EXPECT_NEAR(area.y2, y, 1e-6);
+    ExpectProjects(north, -3.0, 86.0, area.x1, area.y1);
+    ExpectProjects(north, 3.0, 90.0, area.x2, area.y2);
 
     // The series convergence agrees with the direction of grid north measured on
     // the map, and vanishes on the central meridian and the equator.
@@ -164,22 +153,18 @@ TEST(LambertConformalConic, ConesBranchesAndAreas)
     const CKvLambert1SP oneParallel("one", 1.0, 3, 45, 1000, 2000, kGrs80);
     for (double lon : {-5.0, 3.0, 11.0})
         for (double lat : {38.0, 45.0, 52.0}) {
-            double x1, y1, x2, y2;
-            tangent.Geo2Proj(lon, lat, &x1, &y1);
-            oneParallel.Geo2Proj(lon, lat, &x2, &y2);
-            EXPECT_NEAR(x1, x2, 1e-6);
-            EXPECT_NEAR(y1, y2, 1e-6);
+            double x, y;
+            oneParallel.Geo2Proj(lon, lat, &x, &y);
+            ExpectProjects(tangent, lon, lat, x, y);
         }
 
     // The inverse's two branches: west of the meridian (cosine form) and just past
     // theta = 0.1 rad east of it (sine form) both invert exactly.
     const CKvLambert2SP l93("Lambert-93", 49, 44, 3, 46.5, 700000, 6600000, kGrs80);
     for (double lon : {-4.0, 3.0, 3.0 + 0.1 / std::sin(46.5 * M_PI / 180) * 180 / M_PI + 0.01, 10.0}) {
-        double x, y, back, lat;
+        double x, y;
         l93.Geo2Proj(lon, 47.0, &x, &y);
-        l93.Proj2Geo(x, y, &back, &lat);
-        EXPECT_NEAR(back, lon, 1e-10);
-        EXPECT_NEAR(lat, 47.0, 1e-10);
+        kvtest::ExpectInverse(l93, x, y, lon, 47.0, 1e-10);
     }
     EXPECT_NEAR(l93.GetConvergence(3.0, 46.0), 0.0, 1e-12);
     // On a conformal cone the convergence is n (lon - lon0); Lambert-93's cone
@@ -189,10 +174,8 @@ TEST(LambertConformalConic, ConesBranchesAndAreas)
     // A false origin at the pole centres the default area on the mean parallel.
     const CKvLambert2SP polarOrigin("polar", 60, 70, 0, 90, 0, 0, kWgs84);
     const Area area = DefaultArea(polarOrigin);
+    ExpectProjects(polarOrigin, -3.0, 62.0, area.x1, area.y1);
     double x, y;
-    polarOrigin.Geo2Proj(-3.0, 62.0, &x, &y);
-    EXPECT_NEAR(area.x1, x, 1e-6);
-    EXPECT_NEAR(area.y1, y, 1e-6);
     polarOrigin.GetOrigin(&x, &y);
     EXPECT_EQ(y, 90.0);
 }
@@ -381,12 +364,8 @@ TEST(ConicVariants, DefinitionWithoutKnownEllipsoidAnswersNaN)
     ASSERT_NE(albers, nullptr);
     EXPECT_EQ(albers->GetVariant(), CKvAlbersEqualArea::eNoVariant);
     // No figure, no point: every answer is NaN, never what the caller's variables held.
-    double x = 7.0, y = 8.0;
-    engine->Geo2Proj(-96.0, 23.0, &x, &y);
-    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
-    x = 7.0;
-    engine->Proj2Geo(0.0, 0.0, &x, &y);
-    EXPECT_TRUE(std::isnan(x) && std::isnan(y));
+    kvtest::ExpectForwardNaN(*engine, -96.0, 23.0);
+    kvtest::ExpectInverseNaN(*engine, 0.0, 0.0);
     EXPECT_TRUE(std::isnan(engine->GetConvergence(-96.0, 23.0)));
     Area area = DefaultArea(*engine);
     EXPECT_EQ(area.x1, 0.0);
