@@ -190,101 +190,79 @@ TEST(ProjectionReference, VectorsAreComplete)
         EXPECT_GT(perEngine[engine], 300) << engine;
 }
 
-TEST(ProjectionReference, TransverseMercatorAgainstGeographicLib)
+const std::vector<Case>& PolarCases()
 {
-    CheckFamily("tm", 1e-5, 1e-10);
+    static const std::vector<Case> cases = LoadCases("polar_vectors.txt");
+    return cases;
 }
 
-TEST(ProjectionReference, ComplexTransverseMercatorAgainstGeographicLib)
+// Every family against its reference, forward in metres (degrees for the
+// rotated grid), inverse and round trip in degrees.
+TEST(ProjectionReference, EveryFamilyAgainstItsReference)
 {
-    CheckFamily("tm", 1e-5, 1e-10, true);
-}
-
-TEST(ProjectionReference, LambertConformalConicAgainstProj)
-{
-    CheckFamily("lcc1", 1e-3, 1e-9);
-    CheckFamily("lcc2", 1e-3, 1e-9);
-}
-
-TEST(ProjectionReference, MercatorAgainstProj)
-{
-    // The inverse ends in Karney's conformal latitude series to n^6, exact to
-    // rounding; what is left is the references' micrometre.
-    CheckFamily("merc1", 1e-3, 1e-10);
-    CheckFamily("merc2", 1e-3, 1e-10);
-}
-
-TEST(ProjectionReference, AlbersAndEquidistantConicAgainstProj)
-{
-    // The inverses are their forwards' own, through a Newton step on q and on the
-    // meridian distance (Helmert's series for the equidistant conic).
-    CheckFamily("aea", 1e-3, 1e-10);
-    CheckFamily("eqdc", 1e-3, 1e-10);
-}
-
-TEST(ProjectionReference, RotatedLongitudeLatitudeAgainstProj)
-{
-    CheckFamily("rot", 1e-9, 1e-9);
-}
-
-TEST(ProjectionReference, StereographicFamilyAgainstProj)
-{
-    CheckFamily("sterea", 1e-3, 1e-9);
-    CheckFamily("stere", 1e-3, 1e-9);
-    CheckFamily("sterenp", 1e-3, 1e-9);
-    CheckFamily("stereps", 1e-3, 1e-9);
-}
-
-// The polar stereographic on every latitude it draws: within metres of the pole,
-// across the equator to 80 degrees beyond it (where the closed-form inverse
-// turns to the other pole), and on a figure flattened to 1/10, beyond the
-// eccentricity series (tools/make_polar_vectors.py). Forward within 1e-5 m where
-// the radius reaches 1.5e8 m; the inverse's bound is the longitude 111 m from
-// the pole, where a grid coordinate of 2e6 m written to the nanometre (or held
-// to its last bit) fixes the direction only to some 3e-10 degree.
-TEST(ProjectionReference, PolarStereographicWholeRangeAgainstProj)
-{
-    static const std::vector<Case> polar = LoadCases("polar_vectors.txt");
-    CheckFamily("stere", 1e-5, 1e-9, false, polar);
-    CheckFamily("sterenp", 1e-5, 1e-9, false, polar);
-    CheckFamily("stereps", 1e-5, 1e-9, false, polar);
-}
-
-TEST(ProjectionReference, ObliqueMercatorFamilyAgainstProj)
-{
-    CheckFamily("omerc_a", 1e-3, 1e-9);
-    CheckFamily("omerc_b", 1e-3, 1e-9);
-    CheckFamily("rso", 1e-3, 1e-9);
-}
-
-TEST(ProjectionReference, KrovakAndNewZealandMapGridAgainstProj)
-{
-    CheckFamily("krovak", 1e-3, 1e-9);
-    // The inverse ends in the published polynomial for the latitude: about 6e-10 degree.
-    CheckFamily("nzmg", 1e-3, 1e-9);
-}
-
-TEST(ProjectionReference, AzimuthalEqualAreaAndCassiniAgainstProj)
-{
-    // Both inverses are their forwards' own (a Newton step on q, Newton's steps
-    // on the Cassini-Soldner series); Cassini-Soldner's forward series lies up to
-    // 0.07 mm from PROJ's 2 degrees from the central meridian, 6.5e-10 degree.
-    CheckFamily("laea", 1e-3, 1e-9);
-    CheckFamily("cass", 1e-3, 1e-9);
-}
-
-// The edges PROJ handles and the engines must too: a point given as 180 or -180
-// east lands on the same meridian, the poles are finite, a stereographic may sit
-// on a pole, and an oblique Mercator centre line may run in any direction.
-TEST(ProjectionReference, EdgesOfTheDomainAgainstProj)
-{
+    struct Family
+    {
+        const char* family;
+        double forward, inverse;
+        bool complexTm;
+        const std::vector<Case>& (*cases)();
+    };
+    const Family families[] = {
+        // The transverse Mercator against GeographicLib's exact one, both engines.
+        {"tm", 1e-5, 1e-10, false, Cases},
+        {"tm", 1e-5, 1e-10, true, Cases},
+        {"lcc1", 1e-3, 1e-9, false, Cases},
+        {"lcc2", 1e-3, 1e-9, false, Cases},
+        // The inverse ends in Karney's conformal latitude series to n^6, exact to
+        // rounding; what is left is the references' micrometre.
+        {"merc1", 1e-3, 1e-10, false, Cases},
+        {"merc2", 1e-3, 1e-10, false, Cases},
+        // The inverses are their forwards' own, through a Newton step on q and on the
+        // meridian distance (Helmert's series for the equidistant conic).
+        {"aea", 1e-3, 1e-10, false, Cases},
+        {"eqdc", 1e-3, 1e-10, false, Cases},
+        {"rot", 1e-9, 1e-9, false, Cases},
+        {"sterea", 1e-3, 1e-9, false, Cases},
+        {"stere", 1e-3, 1e-9, false, Cases},
+        {"sterenp", 1e-3, 1e-9, false, Cases},
+        {"stereps", 1e-3, 1e-9, false, Cases},
+        // The polar stereographic on every latitude it draws: within metres of the
+        // pole, across the equator to 80 degrees beyond it (where the closed-form
+        // inverse turns to the other pole), and on a figure flattened to 1/10, beyond
+        // the eccentricity series (tools/make_polar_vectors.py). Forward within 1e-5 m
+        // where the radius reaches 1.5e8 m; the inverse's bound is the longitude 111 m
+        // from the pole, where a grid coordinate of 2e6 m written to the nanometre (or
+        // held to its last bit) fixes the direction only to some 3e-10 degree.
+        {"stere", 1e-5, 1e-9, false, PolarCases},
+        {"sterenp", 1e-5, 1e-9, false, PolarCases},
+        {"stereps", 1e-5, 1e-9, false, PolarCases},
+        {"omerc_a", 1e-3, 1e-9, false, Cases},
+        {"omerc_b", 1e-3, 1e-9, false, Cases},
+        {"rso", 1e-3, 1e-9, false, Cases},
+        {"krovak", 1e-3, 1e-9, false, Cases},
+        // The inverse ends in the published polynomial for the latitude: about 6e-10 degree.
+        {"nzmg", 1e-3, 1e-9, false, Cases},
+        // Both inverses are their forwards' own (a Newton step on q, Newton's steps
+        // on the Cassini-Soldner series); Cassini-Soldner's forward series lies up to
+        // 0.07 mm from PROJ's 2 degrees from the central meridian, 6.5e-10 degree.
+        {"laea", 1e-3, 1e-9, false, Cases},
+        {"cass", 1e-3, 1e-9, false, Cases},
+        // The edges PROJ handles and the engines must too: a point given as 180 or
+        // -180 east lands on the same meridian, the poles are finite, a stereographic
+        // may sit on a pole, and an oblique Mercator centre line may run in any
+        // direction.
+        {"sterea", 1e-3, 1e-9, false, DomainCases},
+        {"cass", 1e-3, 1e-9, false, DomainCases},
+        {"laea", 1e-3, 1e-9, false, DomainCases},
+        {"omerc_b", 1e-3, 1e-9, false, DomainCases},
+        {"krovak", 1e-3, 1e-9, false, DomainCases},
+        {"nzmg", 1e-3, 1e-9, false, DomainCases},
+    };
     EXPECT_EQ(DomainCases().size(), 82u);
-    CheckFamily("sterea", 1e-3, 1e-9, false, DomainCases());
-    CheckFamily("cass", 1e-3, 1e-9, false, DomainCases());
-    CheckFamily("laea", 1e-3, 1e-9, false, DomainCases());
-    CheckFamily("omerc_b", 1e-3, 1e-9, false, DomainCases());
-    CheckFamily("krovak", 1e-3, 1e-9, false, DomainCases());
-    CheckFamily("nzmg", 1e-3, 1e-9, false, DomainCases());
+    for (const Family& f : families) {
+        SCOPED_TRACE(f.family);
+        CheckFamily(f.family, f.forward, f.inverse, f.complexTm, f.cases());
+    }
 }
 
 // The engines that let a line run on across the antimeridian: a longitude within
