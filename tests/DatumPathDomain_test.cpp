@@ -4,7 +4,7 @@
 // transverse Mercator's convergence, the geocentric conversions and every
 // datum converter, through C++, the batch loops, the C interface and the
 // program; the poles and the rest of the domain keep their values.
-#include "TestSupport.h"
+#include "ProgramRun.h"
 
 #include "coordsys/KvMapProjection.h"
 #include "geodesy/KvDatumConverter.h"
@@ -67,24 +67,20 @@ TEST(DatumPathDomain, GeographicalEngineAnswersNaNOffTheEllipsoid)
 {
     kvtest::ShippedCatalogue();
     for (const std::string& text : {std::string("LONG/LAT"), Wgs84()}) {
+        SCOPED_TRACE(text);
         const CKvMapProjection system(text);
         ASSERT_TRUE(system.IsGeographical()) << text;
         std::vector<double> lons, lats;
         for (double lat : kBadLatitudes)
             for (double lon : kLongitudes) {
-                double x = 0, y = 0, lo = 0, la = 0;
-                system.Geo2Proj(lon, lat, &x, &y);
-                system.Proj2Geo(lon, lat, &lo, &la);
-                EXPECT_TRUE(AllNaN(x, y)) << text << " " << lon << " " << lat << " gives " << x << " " << y;
-                EXPECT_TRUE(AllNaN(lo, la)) << text << " " << lon << " " << lat << " gives " << lo << " " << la;
+                kvtest::ExpectForwardNaN(system, lon, lat);
+                kvtest::ExpectInverseNaN(system, lon, lat);
                 lons.push_back(lon);
                 lats.push_back(lat);
             }
         for (double lon : kBadLongitudes)
             for (double lat : kLatitudes) {
-                double x = 0, y = 0;
-                system.Geo2Proj(lon, lat, &x, &y);
-                EXPECT_TRUE(AllNaN(x, y)) << text << " " << lon << " " << lat;
+                kvtest::ExpectForwardNaN(system, lon, lat);
                 lons.push_back(lon);
                 lats.push_back(lat);
             }
@@ -111,7 +107,8 @@ TEST(DatumPathDomain, TransverseMercatorConvergenceIsNaNOffTheEllipsoid)
     const CKvEllipsoid wgs84("WGS 84", "WE", kWgs84A, 298.257223563);
     const CKvTransverseMercatorJHS jhs("UTM 32 JHS", 0.9996, 9.0, 0.0, 500000.0, 0.0, wgs84);
     const CKvTransverseMercator series("UTM 32 series", 0.9996, 9.0, 0.0, 500000.0, 0.0, wgs84);
-    for (const CKvProjection* engine : {static_cast<const CKvProjection*>(&jhs), static_cast<const CKvProjection*>(&series)}) {
+    for (const CKvProjection* engine :
+         {static_cast<const CKvProjection*>(&jhs), static_cast<const CKvProjection*>(&series)}) {
         for (double lat : kBadLatitudes)
             for (double lon : {0.0, 9.0, 12.0, 540.0})
                 EXPECT_TRUE(std::isnan(engine->GetConvergence(lon, lat)))
@@ -216,8 +213,8 @@ TEST(DatumPathDomain, DatumConvertersGiveNaNForEveryPointOffTheDomain)
     kvtest::ShippedCatalogue();
     const std::string wgs84 = Wgs84();
     const std::pair<std::string, std::string> pairs[] = {
-        {wgs84, kvtest::kOsgbGrid}, {"LONG/LAT", kvtest::kOsgbGrid}, {kEd50Utm32, wgs84}, {kSjtsk, kEd50Utm32}, {wgs84, "UTM-32"},
-        {"LONG/LAT", "UTM-32"}, // bypassed: no geocentric step, heights pass untouched
+        {wgs84, kvtest::kOsgbGrid}, {"LONG/LAT", kvtest::kOsgbGrid}, {kEd50Utm32, wgs84}, {kSjtsk, kEd50Utm32},
+        {wgs84, "UTM-32"},          {"LONG/LAT", "UTM-32"}, // bypassed: no geocentric step, heights pass untouched
     };
     struct SPoint
     {
@@ -295,8 +292,8 @@ TEST(DatumPathDomain, DatumConvertersGiveNaNForEveryPointOffTheDomain)
                             continue;
                         double x = p.lon, y = p.lat, h = p.h;
                         C_KVDC_INVCONVERTXYH(handle, &x, &y, &h);
-                        EXPECT_TRUE(AllNaN(x, y)) << "reverse " << type << " at " << p.lon << " " << p.lat << " "
-                                                  << p.h << " gives " << x << " " << y;
+                        EXPECT_TRUE(AllNaN(x, y)) << "reverse " << type << " at " << p.lon << " " << p.lat << " " << p.h
+                                                  << " gives " << x << " " << y;
                     }
                 }
             }
@@ -309,25 +306,16 @@ TEST(DatumPathDomain, DatumConvertersGiveNaNForEveryPointOffTheDomain)
 TEST(DatumPathDomain, ProgramMarksPointsOffTheEllipsoid)
 {
     kvtest::TempDir dir;
-    kvtest::WriteFile(dir.File("in.txt"), "10 91\n-0.1281 128.492\n-0.1281 51.508\n10 -90.5 3\n");
-    const std::string command = "cd '" + dir.Path() + "' && XDG_CONFIG_HOME='" + dir.Path() + "config' '" +
-                                KVCART_CLI +
-                                "' transform 'WGS 84 Geographic' 'British National Grid' < in.txt > out.txt 2> err.txt";
-    const int raw = std::system(command.c_str());
-    ASSERT_TRUE(WIFEXITED(raw));
-    EXPECT_NE(WEXITSTATUS(raw), 0);
-    const std::string out = kvtest::ReadFile(dir.File("out.txt"));
-    const std::string err = kvtest::ReadFile(dir.File("err.txt"));
-    std::istringstream lines(out);
-    std::vector<std::string> written;
-    for (std::string line; std::getline(lines, line);)
-        written.push_back(line);
-    ASSERT_EQ(written.size(), 4u) << out;
+    const kvtest::SRun run = kvtest::Kvcart(dir, {"transform", "WGS 84 Geographic", "British National Grid"},
+                                            "10 91\n-0.1281 128.492\n-0.1281 51.508\n10 -90.5 3\n");
+    EXPECT_NE(run.status, 0);
+    const std::vector<std::string> written = run.OutLines();
+    ASSERT_EQ(written.size(), 4u) << run.out;
     EXPECT_EQ(written[0], "* *");
     EXPECT_EQ(written[1], "* *");
     EXPECT_NE(written[2].find("180"), std::string::npos) << written[2];
     EXPECT_EQ(written[3], "* *");
     for (const char* line : {":1:", ":2:", ":4:"})
-        EXPECT_NE(err.find(line), std::string::npos) << line << " in " << err;
-    EXPECT_EQ(err.find(":3:"), std::string::npos) << err;
+        EXPECT_NE(run.err.find(line), std::string::npos) << line << " in " << run.err;
+    EXPECT_EQ(run.err.find(":3:"), std::string::npos) << run.err;
 }
