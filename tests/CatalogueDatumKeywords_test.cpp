@@ -53,7 +53,7 @@ TEST(CatalogueEpsgCode, OldSectionsReadAsBeforeAndNewOnesCarryTheirCode)
     EXPECT_EQ(kvtest::Parameters(plain), (std::vector<double>{0.9996012717, -2, 49, 400000, -100000}));
     // Written without the keyword, as before.
     ASSERT_EQ(old->WriteCustomMapProjections(dir.File("out.gxr")), GXR_OK);
-    EXPECT_EQ(kvtest::ReadFile(dir.File("out.gxr")).find("EPSG"), std::string::npos);
+    EXPECT_FALSE(kvtest::Contains(kvtest::ReadFile(dir.File("out.gxr")), "EPSG"));
 
     auto coded = ReadUserFile(dir, File(Section("    EPSG_Code 27700\n")), problems);
     EXPECT_EQ(problems, "");
@@ -126,8 +126,7 @@ TEST(CatalogueDatumShiftKeywords, ReadAsWrittenAndWrittenAsRead)
         auto list = ReadUserFile(dir, File(Section(line)), problems);
         ASSERT_EQ(list->WriteCustomMapProjections(dir.File("out.gxr")), GXR_OK);
         const std::string written = kvtest::ReadFile(dir.File("out.gxr"));
-        EXPECT_NE(written.find(std::string("    TOWGS84                 ") + (line + 12)), std::string::npos)
-            << written;
+        EXPECT_TRUE(kvtest::Contains(written, std::string("    TOWGS84                 ") + (line + 12)));
     }
 
     // The setters: 3 or 7 finite values, a code above 0, an accuracy of 0 or more.
@@ -209,15 +208,14 @@ TEST(CatalogueDatumShiftKeywords, AValueThatIsNoCodeOrShiftRefusesTheSection)
         const std::string text = File(Section("") + Section(std::string("    ") + c.lines + "\n"));
         std::string problems;
         auto list = ReadUserFile(dir, text, problems);
-        EXPECT_NE(problems.find(dir.File("custom_projection.gxr") + ":" + std::to_string(c.at) + ": " + c.reason),
-                  std::string::npos)
-            << problems;
+        EXPECT_TRUE(kvtest::Contains(problems,
+                                     dir.File("custom_projection.gxr") + ":" + std::to_string(c.at) + ": " + c.reason));
         EXPECT_EQ(list->GetCount(), 1u) << "the good section is read, the refused one is not";
         list->AddMapProjection(new CKvTransverseMercatorProjection("New", "B", "WE", 1, 0, 0, 0, 0));
         std::string message;
         EXPECT_FALSE(list->WriteBackCustom(dir.File("custom_projection.gxr"), message) && message.empty());
         EXPECT_EQ(kvtest::ReadFile(dir.File("custom_projection.gxr")), text) << "never written over";
-        EXPECT_NE(kvtest::ReadFile(dir.File("custom_projection.unsaved.gxr")).find("\"New\""), std::string::npos);
+        EXPECT_TRUE(kvtest::Contains(kvtest::ReadFile(dir.File("custom_projection.unsaved.gxr")), "\"New\""));
     }
 }
 
@@ -248,19 +246,16 @@ TEST(CatalogueDatumShiftKeywords, TheUsersFileRoundTripsByteForByte)
         ASSERT_TRUE(list.WriteBackCustom(path, message)) << message;
     }
     const std::string first = kvtest::ReadFile(path);
-    EXPECT_NE(first.find("    EPSG_Code               27700\n"
-                         "    TOWGS84                 446.44799999999998 -125.157 542.05999999999995 "
-                         "0.14999999999999999 0.247 0.84199999999999997 -20.489000000000001\n"
-                         "    TOWGS84_Code            1314\n"
-                         "    TOWGS84_Accuracy        2\n  END_SECTION\n"),
-              std::string::npos)
-        << first;
-    EXPECT_NE(first.find("    TOWGS84                 -8 160 176\n    TOWGS84_Accuracy        10.5\n  END_SECTION\n"),
-              std::string::npos)
-        << first;
+    EXPECT_TRUE(kvtest::Contains(first, "    EPSG_Code               27700\n"
+                                        "    TOWGS84                 446.44799999999998 -125.157 542.05999999999995 "
+                                        "0.14999999999999999 0.247 0.84199999999999997 -20.489000000000001\n"
+                                        "    TOWGS84_Code            1314\n"
+                                        "    TOWGS84_Accuracy        2\n  END_SECTION\n"));
+    EXPECT_TRUE(kvtest::Contains(
+        first, "    TOWGS84                 -8 160 176\n    TOWGS84_Accuracy        10.5\n  END_SECTION\n"));
     // A code without a shift: in its own column after the projection's keywords.
     const std::string codedText = "    Fnorth                  -1\n    EPSG_Code               27700\n  END_SECTION\n";
-    EXPECT_NE(first.find(codedText), std::string::npos) << first;
+    EXPECT_TRUE(kvtest::Contains(first, codedText));
     // Another process edits "Other"; this session edits it too, differently,
     // and adds an entry: the coded and shifted entries stay byte for byte.
     CKvMapProjectionList list;
@@ -280,14 +275,12 @@ TEST(CatalogueDatumShiftKeywords, TheUsersFileRoundTripsByteForByte)
     const std::string second = kvtest::ReadFile(path);
     const size_t end = first.find("  END_SECTION\n") + 14;
     EXPECT_EQ(second.substr(0, end), first.substr(0, end)) << second;
-    EXPECT_NE(second.find("    TOWGS84                 -8 160 176\n    TOWGS84_Accuracy        10.5\n"
-                          "  END_SECTION\n"),
-              std::string::npos)
-        << second;
-    EXPECT_NE(second.find("    EPSG_Code               26729\n    TOWGS84  "), std::string::npos) << second;
-    EXPECT_NE(second.find(codedText), std::string::npos) << second;
-    EXPECT_NE(second.find("\"Theirs\""), std::string::npos);
-    EXPECT_NE(second.find("\"Fourth\""), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(second, "    TOWGS84                 -8 160 176\n    TOWGS84_Accuracy        10.5\n"
+                                         "  END_SECTION\n"));
+    EXPECT_TRUE(kvtest::Contains(second, "    EPSG_Code               26729\n    TOWGS84  "));
+    EXPECT_TRUE(kvtest::Contains(second, codedText));
+    EXPECT_TRUE(kvtest::Contains(second, "\"Theirs\""));
+    EXPECT_TRUE(kvtest::Contains(second, "\"Fourth\""));
     // What the library wrote it reads back to the same values.
     CKvMapProjectionList reread;
     reread.ReadMapProjections(path, true);

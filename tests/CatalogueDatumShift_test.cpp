@@ -195,10 +195,10 @@ TEST(CatalogueDatumShift, AChangeOfDatumWithoutItsShiftCarriesAMessage)
             continue;
         }
         for (const std::string& part : c.said)
-            EXPECT_NE(message.find(part), std::string::npos) << message;
+            EXPECT_TRUE(kvtest::Contains(message, part));
         // The host that made the converter from strings reads it as the thread's last message too.
         const std::string& last = CKvMapProjection::GetLastMessage();
-        EXPECT_NE(last.find(message), std::string::npos) << last;
+        EXPECT_TRUE(kvtest::Contains(last, message));
         // The reversed converter says the same of the same datum; a copy keeps it.
         CKvDatumConverter copy(converter);
         EXPECT_EQ(copy.GetMessage(), message);

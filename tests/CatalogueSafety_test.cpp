@@ -212,24 +212,23 @@ TEST(CatalogueSafety, AFileThatDidNotLoadIsNeverWrittenOver)
 
         SResult looked = Host(user.Path(), "lookup UTM-32 errors");
         EXPECT_EQ(looked.status, 0) << looked.output;
-        EXPECT_NE(looked.output.find(path + c.reason), std::string::npos) << looked.output;
+        EXPECT_TRUE(kvtest::Contains(looked.output, path + c.reason));
         EXPECT_EQ(kvtest::ReadFile(path), c.text);
         EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 
         SResult added = Host(user.Path(), "add 'New Grid' writeback errors");
         EXPECT_EQ(added.status, 0) << added.output;
         // Saved, but not in the catalogue: the write-back says so.
-        EXPECT_NE(added.output.find("writeback -1"), std::string::npos) << added.output;
-        EXPECT_NE(added.output.find("saved in " + user.File("custom_projection.unsaved.gxr")), std::string::npos)
-            << added.output;
+        EXPECT_TRUE(kvtest::Contains(added.output, "writeback -1"));
+        EXPECT_TRUE(kvtest::Contains(added.output, "saved in " + user.File("custom_projection.unsaved.gxr")));
         EXPECT_EQ(kvtest::ReadFile(path), c.text);
         // A second session's addition joins the first in the rescue file.
         Host(user.Path(), "add 'Newer Grid'");
         EXPECT_EQ(kvtest::ReadFile(path), c.text);
         const std::string rescued = kvtest::ReadFile(user.File("custom_projection.unsaved.gxr"));
         EXPECT_EQ(Count(rescued, "SECTION LAMBERT_CONIC_2SP_PROJECTION"), 2) << rescued;
-        EXPECT_NE(rescued.find("\"New Grid\""), std::string::npos);
-        EXPECT_NE(rescued.find("\"Newer Grid\""), std::string::npos);
+        EXPECT_TRUE(kvtest::Contains(rescued, "\"New Grid\""));
+        EXPECT_TRUE(kvtest::Contains(rescued, "\"Newer Grid\""));
     }
 }
 
@@ -245,9 +244,9 @@ TEST(CatalogueSafety, AMalformedEllipsoidFileIsKept)
     text += "END_TARGET\n";
     kvtest::WriteFile(path, text);
     SResult r = Host(user.Path(), "ellipsoid MY errors");
-    EXPECT_NE(r.output.find(path + ":17: parameter '6378138m'"), std::string::npos) << r.output;
+    EXPECT_TRUE(kvtest::Contains(r.output, path + ":17: parameter '6378138m'"));
     EXPECT_EQ(kvtest::ReadFile(path), text);
-    EXPECT_NE(kvtest::ReadFile(user.File("custom_ellipsoid.unsaved.gxr")).find("\"MY\""), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(kvtest::ReadFile(user.File("custom_ellipsoid.unsaved.gxr")), "\"MY\""));
 }
 
 // Root reads every file, so the host runs as an ordinary user here.
@@ -264,10 +263,10 @@ TEST(CatalogueSafety, AnUnreadableFileIsNotReplaced)
     chmod(user.Path().c_str(), 0777);
     SResult r = Host(user.Path(), "--nobody add 'New Grid' errors");
     EXPECT_EQ(r.status, 0) << r.output;
-    EXPECT_NE(r.output.find(path + ": cannot read the file: Permission denied"), std::string::npos) << r.output;
+    EXPECT_TRUE(kvtest::Contains(r.output, path + ": cannot read the file: Permission denied"));
     chmod(path.c_str(), 0644);
     EXPECT_EQ(kvtest::ReadFile(path), text);
-    EXPECT_NE(kvtest::ReadFile(user.File("custom_projection.unsaved.gxr")).find("\"New Grid\""), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(kvtest::ReadFile(user.File("custom_projection.unsaved.gxr")), "\"New Grid\""));
 }
 
 // Sections of unknown types and further targets are not read, but they are
@@ -281,11 +280,9 @@ TEST(CatalogueSafety, WhatTheLibraryCannotUseIsWrittenBackUnchanged)
     kvtest::WriteFile(path, FiveGrids(misspelt) + second);
 
     SResult r = Host(user.Path(), "add 'New Grid' list errors");
-    EXPECT_NE(r.output.find(path + ":19: section 'UTM_PROJECTON' is not a known projection type"), std::string::npos)
-        << r.output;
-    EXPECT_NE(r.output.find(path + ":40: target 'MAP_PROJECTION_DEFINITION' is not read"), std::string::npos)
-        << r.output;
-    EXPECT_NE(r.output.find("projection Site E\nprojection New Grid\n"), std::string::npos) << r.output;
+    EXPECT_TRUE(kvtest::Contains(r.output, path + ":19: section 'UTM_PROJECTON' is not a known projection type"));
+    EXPECT_TRUE(kvtest::Contains(r.output, path + ":40: target 'MAP_PROJECTION_DEFINITION' is not read"));
+    EXPECT_TRUE(kvtest::Contains(r.output, "projection Site E\nprojection New Grid\n"));
 
     const std::string written = kvtest::ReadFile(path);
     GxrFile* file = gxrLoadFile(path.c_str());
@@ -350,7 +347,7 @@ TEST(CatalogueSafety, ACleanFileIsRewrittenOnlyWhenSomethingChanged)
     Host(user.Path(), "delete 'Site B'");
     const std::string after = kvtest::ReadFile(path);
     EXPECT_EQ(Count(after, "SECTION UTM_PROJECTION"), 4);
-    EXPECT_EQ(after.find("Site B"), std::string::npos);
+    EXPECT_FALSE(kvtest::Contains(after, "Site B"));
     EXPECT_LT(after.find("Site A"), after.find("Site C"));
 }
 
@@ -364,7 +361,7 @@ TEST(CatalogueSafety, AFailedWriteKeepsTheOldFileAndSaysSo)
 
     // A full disk: a file-size limit makes write(2) fail part-way.
     SResult full = Host(user.Path(), "add-many 500 writeback errors", "ulimit -f 8; trap '' XFSZ; ");
-    EXPECT_NE(full.output.find("writeback -1"), std::string::npos) << full.output;
+    EXPECT_TRUE(kvtest::Contains(full.output, "writeback -1"));
     EXPECT_EQ(Count(full.output, "was not written: " + path + ": write failed"), 1) << full.output;
     EXPECT_EQ(Count(full.output, "are lost"), 1) << full.output;
     EXPECT_EQ(kvtest::ReadFile(path), text);
@@ -382,15 +379,15 @@ TEST(CatalogueSafety, AFailedWriteKeepsTheOldFileAndSaysSo)
     }
     chmod(user.Path().c_str(), 0555);
     SResult readOnly = Host(user.Path(), "--nobody add 'New Grid' writeback");
-    EXPECT_NE(readOnly.output.find("writeback -1"), std::string::npos) << readOnly.output;
-    EXPECT_NE(readOnly.output.find("cannot create a temporary file"), std::string::npos) << readOnly.output;
+    EXPECT_TRUE(kvtest::Contains(readOnly.output, "writeback -1"));
+    EXPECT_TRUE(kvtest::Contains(readOnly.output, "cannot create a temporary file"));
     chmod(user.Path().c_str(), 0755);
     EXPECT_EQ(kvtest::ReadFile(path), text);
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 
     // A user directory that does not exist is not created.
     SResult missing = Host(user.File("no/such/dir/"), "add 'New Grid' writeback");
-    EXPECT_NE(missing.output.find("writeback -1"), std::string::npos) << missing.output;
+    EXPECT_TRUE(kvtest::Contains(missing.output, "writeback -1"));
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 }
 
@@ -451,7 +448,7 @@ TEST(CatalogueSafety, ProgramsAddingAtOnceAllLandInTheCatalogue)
     const std::vector<SResult> results = AtOnce(commands, scratch);
     for (size_t w = 0; w < results.size(); ++w) {
         EXPECT_EQ(results[w].status, 0) << "writer " << w << "\n" << results[w].output;
-        EXPECT_EQ(results[w].output.find("not updated"), std::string::npos) << results[w].output;
+        EXPECT_FALSE(kvtest::Contains(results[w].output, "not updated"));
     }
     EXPECT_EQ(Sorted(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name")), Sorted(expected));
     EXPECT_EQ(Sorted(NamesIn(user.File("custom_ellipsoid.gxr"), "ELLIPSOID_DEFINITION", "ID_Code")),
@@ -500,7 +497,7 @@ TEST(CatalogueSafety, HostsWritingBackAtOnceAllLandInTheCatalogue)
     EXPECT_EQ(Sorted(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name")), Sorted(expected));
     const std::string text = kvtest::ReadFile(path);
     for (int w = 0; w < 8; ++w)
-        EXPECT_NE(text.find("\"Edited " + std::to_string(w) + "\""), std::string::npos) << text;
+        EXPECT_TRUE(kvtest::Contains(text, "\"Edited " + std::to_string(w) + "\""));
     EXPECT_EQ(Sorted(NamesIn(user.File("custom_ellipsoid.gxr"), "ELLIPSOID_DEFINITION", "ID_Code")),
               Sorted(ellipsoids));
     EXPECT_EQ(FilesIn(user.Path()), (std::vector<std::string>{"custom_ellipsoid.gxr", "custom_projection.gxr"}));
@@ -550,22 +547,22 @@ TEST(CatalogueSafety, TheFirstSaveOfAnEntryChangedTwiceStaysTheOtherIsSavedAside
     EXPECT_FALSE(second.WriteBackCustom(path, message));
     const std::string rescue = user.File("custom_projection.unsaved.gxr");
     for (const char* what : {"'Site B'", "'Site C'", "'Clash Grid'", "'Site E'", "saved in ", "not saved"})
-        EXPECT_NE(message.find(what), std::string::npos) << what << "\n" << message;
-    EXPECT_NE(message.find(rescue), std::string::npos) << message;
+        EXPECT_TRUE(kvtest::Contains(message, what));
+    EXPECT_TRUE(kvtest::Contains(message, rescue));
 
     EXPECT_EQ(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name"),
               (std::vector<std::string>{"Site B", "Site E", "Same Grid", "Clash Grid", "Only Second"}));
     const std::string text = kvtest::ReadFile(path);
-    EXPECT_NE(text.find("From the first"), std::string::npos);
-    EXPECT_NE(text.find("Kept by the first"), std::string::npos);
-    EXPECT_NE(text.find("6600000"), std::string::npos);
-    EXPECT_EQ(text.find("6700000"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(text, "From the first"));
+    EXPECT_TRUE(kvtest::Contains(text, "Kept by the first"));
+    EXPECT_TRUE(kvtest::Contains(text, "6600000"));
+    EXPECT_FALSE(kvtest::Contains(text, "6700000"));
     EXPECT_EQ(NamesIn(rescue, "MAP_PROJECTION_DEFINITION", "Projection_Name"),
               (std::vector<std::string>{"Site B", "Site C", "Clash Grid"}));
     const std::string aside = kvtest::ReadFile(rescue);
-    EXPECT_NE(aside.find("From the second"), std::string::npos);
-    EXPECT_NE(aside.find("Edited by the second"), std::string::npos);
-    EXPECT_NE(aside.find("6700000"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(aside, "From the second"));
+    EXPECT_TRUE(kvtest::Contains(aside, "Edited by the second"));
+    EXPECT_TRUE(kvtest::Contains(aside, "6700000"));
 
     // Both sessions go on: what was saved aside is not offered again, and later
     // changes merge with the other session's.
@@ -590,11 +587,11 @@ TEST(CatalogueSafety, TheFirstSaveOfAnEntryChangedTwiceStaysTheOtherIsSavedAside
     two.AddEllipsoid(new CKvEllipsoid("Clash", "XX", 6378001.0, 300.0));
     EXPECT_TRUE(one.WriteBackCustom(user.File("custom_ellipsoid.gxr"), message));
     EXPECT_TRUE(two.WriteBackCustom(user.File("custom_ellipsoid.gxr"), message));
-    EXPECT_NE(message.find("'XX'"), std::string::npos) << message;
+    EXPECT_TRUE(kvtest::Contains(message, "'XX'"));
     EXPECT_EQ(NamesIn(user.File("custom_ellipsoid.gxr"), "ELLIPSOID_DEFINITION", "ID_Code"),
               (std::vector<std::string>{"ONE", "XX", "TWO"}));
-    EXPECT_EQ(kvtest::ReadFile(user.File("custom_ellipsoid.gxr")).find("6378001"), std::string::npos);
-    EXPECT_NE(kvtest::ReadFile(user.File("custom_ellipsoid.unsaved.gxr")).find("6378001"), std::string::npos);
+    EXPECT_FALSE(kvtest::Contains(kvtest::ReadFile(user.File("custom_ellipsoid.gxr")), "6378001"));
+    EXPECT_TRUE(kvtest::Contains(kvtest::ReadFile(user.File("custom_ellipsoid.unsaved.gxr")), "6378001"));
 }
 
 // A file that another program changed into something the library cannot read
@@ -613,8 +610,8 @@ TEST(CatalogueSafety, AFileSpoiledSinceItWasReadIsNotWrittenOver)
     ASSERT_EQ(rename((path + ".new").c_str(), path.c_str()), 0);
     std::string message;
     EXPECT_TRUE(list.WriteBackCustom(path, message));
-    EXPECT_NE(message.find("changed by another program"), std::string::npos) << message;
-    EXPECT_NE(message.find("keyword 'Fnort' is not known"), std::string::npos) << message;
+    EXPECT_TRUE(kvtest::Contains(message, "changed by another program"));
+    EXPECT_TRUE(kvtest::Contains(message, "keyword 'Fnort' is not known"));
     EXPECT_EQ(kvtest::ReadFile(path), spoiled);
     EXPECT_EQ(NamesIn(user.File("custom_projection.unsaved.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
               std::vector<std::string>{"New Grid"});
@@ -647,7 +644,7 @@ TEST(CatalogueSafety, ASaveThatCouldNotBeMadeIsToldOnce)
         kvtest::TempDir user;
         kvtest::WriteFile(user.File("custom_projection.gxr"), FiveGrids(Grid("Site C")));
         const SResult r = Host(user.Path(), "--full-disk add-many 7 writeback errors");
-        EXPECT_NE(r.output.find("writeback -1"), std::string::npos) << r.output;
+        EXPECT_TRUE(kvtest::Contains(r.output, "writeback -1"));
         EXPECT_EQ(Count(r.output, "No space left on device"), 1) << r.output;
         EXPECT_EQ(Count(r.output, header), 0) << r.output;
     }
@@ -719,8 +716,8 @@ TEST(CatalogueSafety, TheProgramsUserDirectoryIsWhereItIsNamed)
         for (const char* command : {"add 'Site Grid' UTM-32", "list"}) {
             r = RunIn(work.Path(), environment + program + command);
             EXPECT_EQ(r.status, 2) << r.output;
-            EXPECT_NE(r.output.find("HOME"), std::string::npos) << r.output;
-            EXPECT_NE(r.output.find("--user-dir"), std::string::npos) << r.output;
+            EXPECT_TRUE(kvtest::Contains(r.output, "HOME"));
+            EXPECT_TRUE(kvtest::Contains(r.output, "--user-dir"));
             EXPECT_EQ(FilesIn(work.Path()), std::vector<std::string>{"mycat"});
         }
     }

@@ -263,8 +263,8 @@ TEST(ShippedCatalogue, StatePlaneZonesMatchPublishedParameters)
 
     // Michigan's NAD27 zones use an ellipsoid-scaled Lambert: left out, and said so.
     EXPECT_EQ(list.GetMapProjection("NAD27 / Michigan Central"), nullptr);
-    EXPECT_NE(kvtest::ReadFile(KVCART_SHIPPED_DATA_DIR "state_plane_nad27.gxr").find("Michigan Central"),
-              std::string::npos);
+    EXPECT_TRUE(
+        kvtest::Contains(kvtest::ReadFile(KVCART_SHIPPED_DATA_DIR "state_plane_nad27.gxr"), "Michigan Central"));
 }
 
 TEST(KvCartSetup, ResolvesNamesEllipsoidsAndEngines)
@@ -289,8 +289,8 @@ TEST(KvCartSetup, ResolvesNamesEllipsoidsAndEngines)
     EXPECT_STREQ(CKvMapProjection::IDtoProjectionString(1), "NON-UTM");
     EXPECT_STREQ(CKvMapProjection::IDtoProjectionString(2), "LONG/LAT");
     EXPECT_EQ(std::string(CKvMapProjection::IDtoProjectionString(3)).find("PROJCS[\"Google Maps - Mercator\""), 0u);
-    EXPECT_NE(std::string(CKvMapProjection::IDtoProjectionString(3)).find("0.0174532925199433]"), std::string::npos);
-    EXPECT_NE(std::string(CKvMapProjection::IDtoProjectionString(4)).find("0.017453292519943295]"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(CKvMapProjection::IDtoProjectionString(3), "0.0174532925199433]"));
+    EXPECT_TRUE(kvtest::Contains(CKvMapProjection::IDtoProjectionString(4), "0.017453292519943295]"));
     EXPECT_STREQ(CKvMapProjection::IDtoProjectionString(0), "");
     EXPECT_STREQ(CKvMapProjection::IDtoProjectionString(5), "");
     EXPECT_TRUE(CKvMapProjection::IsLocal(" NON-UTM\t"));
@@ -348,9 +348,9 @@ TEST(KvCartSetup, UserDefinitionsSurviveTheProcessAndOnlyThey)
     const std::string system = KVCART_SHIPPED_DATA_DIR;
     RunSession(system, user.Path(), "add 'My Site Grid'");
     const std::string written = kvtest::ReadFile(user.File("custom_projection.gxr"));
-    EXPECT_NE(written.find("\"My Site Grid\""), std::string::npos);
-    EXPECT_EQ(written.find("UTM-1\""), std::string::npos) << "system definitions are not written back";
-    EXPECT_EQ(written.find("British National Grid"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(written, "\"My Site Grid\""));
+    EXPECT_FALSE(kvtest::Contains(written, "UTM-1\"")) << "system definitions are not written back";
+    EXPECT_FALSE(kvtest::Contains(written, "British National Grid"));
 
     RunSession(system, user.Path(), "add 'Second Grid'");
     RunSession(system, user.Path(), "ellipsoid MY");
@@ -413,10 +413,10 @@ TEST(KvMapProjectionList, ReadsTheAlternativeKeywordsFromAUserFile)
     // Written back under the current section name and plain keywords, custom entries only.
     ASSERT_EQ(list.WriteCustomMapProjections(dir.File("out.gxr"), true), GXR_OK);
     const std::string text = kvtest::ReadFile(dir.File("out.gxr"));
-    EXPECT_NE(text.find("SECTION MERCATOR_2SP_PROJECTION"), std::string::npos);
-    EXPECT_EQ(text.find("_dms"), std::string::npos);
-    EXPECT_EQ(text.find("_ft_us"), std::string::npos);
-    EXPECT_EQ(text.find("UTM-1\""), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(text, "SECTION MERCATOR_2SP_PROJECTION"));
+    EXPECT_FALSE(kvtest::Contains(text, "_dms"));
+    EXPECT_FALSE(kvtest::Contains(text, "_ft_us"));
+    EXPECT_FALSE(kvtest::Contains(text, "UTM-1\""));
     CKvMapProjectionList reread;
     reread.ReadMapProjections(dir.File("out.gxr"), true);
     ASSERT_EQ(reread.GetCount(), 2u);

@@ -126,7 +126,8 @@ TEST(PointStreamProgress, TheLinesText)
 {
     EXPECT_EQ(CKvProgressLine::Text("points.txt", 1000, 450, 12, 2100000, 1.0),
               "kvcart: points.txt: 45% read, 2.1 million points/s");
-    EXPECT_EQ(CKvProgressLine::Text("points.txt", 1000, 1000, 12, 25, 0.5), "kvcart: points.txt: 100% read, 50 points/s");
+    EXPECT_EQ(CKvProgressLine::Text("points.txt", 1000, 1000, 12, 25, 0.5),
+              "kvcart: points.txt: 100% read, 50 points/s");
     EXPECT_EQ(CKvProgressLine::Text("stdin", 0, 5000, 1200000, 1900000, 2.0),
               "kvcart: stdin: 1200000 lines read, 950000 points/s");
 }
@@ -141,8 +142,8 @@ TEST(PointStreamProgress, WrittenWhenDueAndBlankedOnce)
     ASSERT_NE(err, nullptr);
     {
         CKvProgressLine progress(err, "p.txt", 100, 1.0, 0.25);
-        progress.Update(10, 1, 100, 0.5);  // before the delay
-        progress.Clear();                  // nothing shown: nothing to blank
+        progress.Update(10, 1, 100, 0.5); // before the delay
+        progress.Clear();                 // nothing shown: nothing to blank
         progress.Update(20, 2, 2000000, 1.0);
         progress.Update(30, 3, 3000000, 1.1); // within the interval
         progress.Update(40, 4, 3000, 1.5);
@@ -180,7 +181,7 @@ TEST(PointStreamProgress, OnATerminalOnlyAndNeverOverMessages)
         EXPECT_FALSE(CKvProgressLine::Wanted(terminal.slave, true));
         EXPECT_EQ(ConvertShowingProgress(dir, terminal.slave, threads), 8);
         terminal.Close();
-        EXPECT_NE(terminal.seen.find("\rkvcart: points.txt: 100% read, "), std::string::npos) << terminal.seen;
+        EXPECT_TRUE(kvtest::Contains(terminal.seen, "\rkvcart: points.txt: 100% read, "));
         EXPECT_GE(std::count(terminal.seen.begin(), terminal.seen.end(), '\r'), 30);
         EXPECT_EQ(Screen(terminal.seen), Screen(messages)) << terminal.seen;
     }

@@ -131,42 +131,22 @@ std::string MixedLines(size_t count, unsigned seed, bool odd = false)
         const int kind = static_cast<int>(random() % 40);
         const double x = lon(random), y = lat(random);
         switch (kind) {
-        case 0:
-            std::snprintf(line, sizeof line, "%.7f\t%.7f Zurich lake\r\n", x, y);
-            break;
-        case 1:
-            std::snprintf(line, sizeof line, "%.7f,%.7f,%.3f,name\n", x, y, x * 10);
-            break;
+        case 0: std::snprintf(line, sizeof line, "%.7f\t%.7f Zurich lake\r\n", x, y); break;
+        case 1: std::snprintf(line, sizeof line, "%.7f,%.7f,%.3f,name\n", x, y, x * 10); break;
         case 2:
-            std::snprintf(line, sizeof line, "%.0f,%04d;%.0f,%04d;%d,5;a place\n", x, static_cast<int>(random() % 10000),
-                          y, static_cast<int>(random() % 10000), static_cast<int>(random() % 3000));
+            std::snprintf(line, sizeof line, "%.0f,%04d;%.0f,%04d;%d,5;a place\n", x,
+                          static_cast<int>(random() % 10000), y, static_cast<int>(random() % 10000),
+                          static_cast<int>(random() % 3000));
             break;
-        case 3:
-            std::snprintf(line, sizeof line, "# a comment %zu\n", i);
-            break;
-        case 4:
-            std::snprintf(line, sizeof line, "\n");
-            break;
-        case 5:
-            std::snprintf(line, sizeof line, "abc %.7f\n", y);
-            break;
-        case 6:
-            std::snprintf(line, sizeof line, "%.7f\n", x);
-            break;
-        case 7:
-            std::snprintf(line, sizeof line, "%.7f 95 beyond the pole\n", x);
-            break;
-        case 8:
-            std::snprintf(line, sizeof line, "%.7f %.7f far east\n", x + 60.0, y);
-            break;
-        case 9:
-            std::snprintf(line, sizeof line, "9,5 47,5\n");
-            break;
-        case 10:
-            std::snprintf(line, sizeof line, "nan %.3f\n", y);
-            break;
-        default:
-            std::snprintf(line, sizeof line, "%.7f %.7f\n", x, y);
+        case 3: std::snprintf(line, sizeof line, "# a comment %zu\n", i); break;
+        case 4: std::snprintf(line, sizeof line, "\n"); break;
+        case 5: std::snprintf(line, sizeof line, "abc %.7f\n", y); break;
+        case 6: std::snprintf(line, sizeof line, "%.7f\n", x); break;
+        case 7: std::snprintf(line, sizeof line, "%.7f 95 beyond the pole\n", x); break;
+        case 8: std::snprintf(line, sizeof line, "%.7f %.7f far east\n", x + 60.0, y); break;
+        case 9: std::snprintf(line, sizeof line, "9,5 47,5\n"); break;
+        case 10: std::snprintf(line, sizeof line, "nan %.3f\n", y); break;
+        default: std::snprintf(line, sizeof line, "%.7f %.7f\n", x, y);
         }
         text += line;
     }
@@ -242,15 +222,14 @@ TEST(PointStreamThreads, EveryBlockSizeAndThreadCountGivesOneThreadsBytes)
 TEST(PointStreamThreads, HeadersSeveralInputsAndTheInverse)
 {
     const std::string header = "lon lat name\n";
-    const std::vector<std::string> inputs = {header + MixedLines(3000, 1), header + MixedLines(1, 2),
-                                             std::string(), header + MixedLines(700, 3, true)};
+    const std::vector<std::string> inputs = {header + MixedLines(3000, 1), header + MixedLines(1, 2), std::string(),
+                                             header + MixedLines(700, 3, true)};
     for (long skip : {0L, 1L, 2L}) {
         SSettings settings;
         settings.skipHeader = skip;
         const SResult one = Convert(1, CKvPointStream::kPipelineLines, inputs, settings);
         EXPECT_EQ(CountOf(one.err, "far outside the area of use"), 1u);
-        EXPECT_EQ(CountOf(one.err, "holds no coordinates; if it is a header, use --skip-header 1"),
-                  skip == 0 ? 3u : 0u)
+        EXPECT_EQ(CountOf(one.err, "holds no coordinates; if it is a header, use --skip-header 1"), skip == 0 ? 3u : 0u)
             << one.err.substr(0, 400);
         for (int threads : {2, 3, 8})
             for (size_t block : {size_t(1), size_t(3), size_t(256), size_t(999)})
@@ -274,8 +253,8 @@ TEST(PointStreamThreads, HeadersSeveralInputsAndTheInverse)
 TEST(PointStreamThreads, LongLinesAndFailuresAsOneThreadHasThem)
 {
     const SSettings settings;
-    const std::string longLine = MixedLines(500, 6) + std::string(CKvPointStream::kMaxLineLength + 10, '7') + "\n" +
-                                 MixedLines(500, 7);
+    const std::string longLine =
+        MixedLines(500, 6) + std::string(CKvPointStream::kMaxLineLength + 10, '7') + "\n" + MixedLines(500, 7);
     const SResult one = Convert(1, CKvPointStream::kPipelineLines, {longLine}, settings);
     EXPECT_NE(one.err.find("input 1:501: line 501 is longer than"), std::string::npos) << one.err.substr(0, 300);
     for (int threads : {2, 3})
@@ -285,7 +264,7 @@ TEST(PointStreamThreads, LongLinesAndFailuresAsOneThreadHasThem)
     const std::string text = MixedLines(3000, 8) + "9.5 47.";
     const SResult failedRead = Convert(1, CKvPointStream::kPipelineLines, {text}, settings, true);
     EXPECT_EQ(failedRead.status, -1);
-    EXPECT_NE(failedRead.err.find("input 1: cannot read after line 3000: Input/output error"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(failedRead.err, "input 1: cannot read after line 3000: Input/output error"));
     for (int threads : {2, 8})
         for (size_t block : {size_t(1), size_t(256), size_t(2999)})
             ExpectSame(Convert(threads, block, {text}, settings, true), failedRead, "read error");
@@ -295,7 +274,7 @@ TEST(PointStreamThreads, LongLinesAndFailuresAsOneThreadHasThem)
     EXPECT_EQ(failedWrite.status, -1);
     EXPECT_GT(failedWrite.out.size(), 65536u);
     EXPECT_LE(failedWrite.out.size(), 150000u);
-    EXPECT_NE(failedWrite.err.find("cannot write the output: No space left on device"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(failedWrite.err, "cannot write the output: No space left on device"));
     for (int threads : {2, 3, 8})
         for (size_t block : {size_t(1), size_t(255), size_t(4096)})
             ExpectSame(Convert(threads, block, {many}, settings, false, 150000), failedWrite, "write error");
@@ -343,7 +322,7 @@ TEST(CliThreads, ThreadsOptionGivesOneThreadsOutput)
     one.push_back("--threads=1");
     const SResult single = Program(dir, one, piped);
     EXPECT_EQ(single.status, 1);
-    EXPECT_NE(single.err.find("a.txt:1: line 1 holds no coordinates"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(single.err, "a.txt:1: line 1 holds no coordinates"));
     for (const char* threads : {"2", "3", "8"}) {
         std::vector<std::string> args = utm;
         args.insert(args.end(), {"--threads", threads});
@@ -358,21 +337,22 @@ TEST(CliThreads, ThreadsOptionGivesOneThreadsOutput)
     for (int i = 0; i < 6000; ++i)
         british += std::to_string(-5.0 + i % 60 / 10.0) + " " + std::to_string(50.5 + i % 70 / 10.0) + " 55\n";
     kvtest::WriteFile(dir.File("uk.txt"), british);
-    const SResult forward = Program(dir, {"transform", "LONG/LAT", "British National Grid", "uk.txt", "--threads", "1"});
+    const SResult forward =
+        Program(dir, {"transform", "LONG/LAT", "British National Grid", "uk.txt", "--threads", "1"});
     EXPECT_EQ(forward.status, 0) << forward.err;
     ExpectSame(Program(dir, {"transform", "LONG/LAT", "British National Grid", "uk.txt", "--threads", "2"}), forward,
                "to the British grid");
     kvtest::WriteFile(dir.File("grid.txt"), forward.out);
-    const SResult back = Program(dir, {"transform", "LONG/LAT", "British National Grid", "--inverse", "grid.txt",
-                                       "--threads", "1"});
+    const SResult back =
+        Program(dir, {"transform", "LONG/LAT", "British National Grid", "--inverse", "grid.txt", "--threads", "1"});
     EXPECT_EQ(back.status, 0) << back.err;
-    ExpectSame(Program(dir, {"transform", "LONG/LAT", "British National Grid", "--inverse", "grid.txt", "--threads",
-                             "3"}),
-               back, "from the British grid");
+    ExpectSame(
+        Program(dir, {"transform", "LONG/LAT", "British National Grid", "--inverse", "grid.txt", "--threads", "3"}),
+        back, "from the British grid");
 
     for (const char* refused : {"0", "-1", "1.5", "x", "257", ""}) {
         const SResult bad = Program(dir, {"transform", "LONG/LAT", "UTM-32", "--threads", refused});
         EXPECT_EQ(bad.status, 2) << refused;
-        EXPECT_NE(bad.err.find("--threads takes a whole number from 1 to 256"), std::string::npos) << refused;
+        EXPECT_TRUE(kvtest::Contains(bad.err, "--threads takes a whole number from 1 to 256")) << refused;
     }
 }

@@ -144,9 +144,8 @@ TEST(DatumShiftCli, TheConventionOfAPastedShift)
     EXPECT_EQ(three.out, threePv.out);
     const SRun bad = Kvcart(dir, {"transform", "LONG/LAT", "RD New", "--towgs84-convention", "frame"}, "5 52\n");
     EXPECT_EQ(bad.status, 2);
-    EXPECT_NE(bad.err.find("--towgs84-convention takes position-vector or coordinate-frame, not 'frame'"),
-              std::string::npos)
-        << bad.err;
+    EXPECT_TRUE(
+        kvtest::Contains(bad.err, "--towgs84-convention takes position-vector or coordinate-frame, not 'frame'"));
     EXPECT_EQ(bad.out, "");
 }
 
@@ -161,11 +160,10 @@ TEST(DatumShiftCli, AnUnknownShiftIsNeverSilent)
     EXPECT_EQ(warned.status, 0) << warned.err;
     EXPECT_EQ(Count(warned.out, "\n"), 3);
     EXPECT_EQ(Count(warned.err, "warning"), 1) << warned.err;
-    EXPECT_NE(warned.err.find("kvcart: warning: the datum changes from \"OSGB 1936\" to \"Local_Survey_1950\""),
-              std::string::npos)
-        << warned.err;
-    EXPECT_NE(warned.err.find("hundreds of metres"), std::string::npos) << warned.err;
-    EXPECT_NE(warned.err.find("--strict-datum"), std::string::npos) << warned.err;
+    EXPECT_TRUE(
+        kvtest::Contains(warned.err, "kvcart: warning: the datum changes from \"OSGB 1936\" to \"Local_Survey_1950\""));
+    EXPECT_TRUE(kvtest::Contains(warned.err, "hundreds of metres"));
+    EXPECT_TRUE(kvtest::Contains(warned.err, "--strict-datum"));
     // The same the other way, with --inverse.
     const SRun inverse = Kvcart(dir, {"transform", "@rd.prj", "British National Grid", "--inverse"}, three);
     EXPECT_EQ(Count(inverse.err, "warning"), 1) << inverse.err;
@@ -173,7 +171,7 @@ TEST(DatumShiftCli, AnUnknownShiftIsNeverSilent)
     const SRun strict = Kvcart(dir, {"transform", "British National Grid", "@rd.prj", "--strict-datum"}, three);
     EXPECT_EQ(strict.status, 2);
     EXPECT_EQ(strict.out, "");
-    EXPECT_NE(strict.err.find("refused (--strict-datum)"), std::string::npos) << strict.err;
+    EXPECT_TRUE(kvtest::Contains(strict.err, "refused (--strict-datum)"));
 
     // Known on both sides, or no change of datum: no warning, also under --strict-datum.
     struct SQuiet
@@ -207,13 +205,10 @@ TEST(DatumShiftCli, AddKeepsTheShiftAndTheCode)
     const SRun added = Kvcart(dir, {"add", "My RD", "RD New"});
     ASSERT_EQ(added.status, 0) << added.err;
     const std::string file = kvtest::ReadFile(dir.File("config/kvcart/custom_projection.gxr"));
-    EXPECT_NE(file.find("    EPSG_Code               28992\n"), std::string::npos) << file;
-    EXPECT_NE(
-        file.find("    TOWGS84                 565.4171 50.331899999999997 465.55239999999998 -0.39895738824313376 "),
-        std::string::npos)
-        << file;
-    EXPECT_NE(file.find("    TOWGS84_Code            4833\n    TOWGS84_Accuracy        1\n"), std::string::npos)
-        << file;
+    EXPECT_TRUE(kvtest::Contains(file, "    EPSG_Code               28992\n"));
+    EXPECT_TRUE(kvtest::Contains(
+        file, "    TOWGS84                 565.4171 50.331899999999997 465.55239999999998 -0.39895738824313376 "));
+    EXPECT_TRUE(kvtest::Contains(file, "    TOWGS84_Code            4833\n    TOWGS84_Accuracy        1\n"));
     const std::string point = "5.1214 52.0907\n";
     EXPECT_EQ(Kvcart(dir, {"transform", "LONG/LAT", "My RD"}, point).out,
               Kvcart(dir, {"transform", "LONG/LAT", "RD New"}, point).out);
@@ -224,7 +219,7 @@ TEST(DatumShiftCli, AddKeepsTheShiftAndTheCode)
                                                        "0.343987817378283,-1.87740163998045,4.0725]"));
     const SRun wkt = Kvcart(dir, {"add", "RD from WKT", "@rd7.prj"});
     ASSERT_EQ(wkt.status, 0) << wkt.err;
-    EXPECT_EQ(wkt.err.find("not kept"), std::string::npos) << wkt.err;
+    EXPECT_FALSE(kvtest::Contains(wkt.err, "not kept"));
     const std::string after = kvtest::ReadFile(dir.File("config/kvcart/custom_projection.gxr"));
     EXPECT_EQ(Count(after, "    TOWGS84 "), 2) << after;
     EXPECT_EQ(Count(after, "EPSG_Code"), 1) << "a WKT without an AUTHORITY has no code";
@@ -234,16 +229,14 @@ TEST(DatumShiftCli, AddKeepsTheShiftAndTheCode)
     kvtest::WriteFile(dir.File("rd.prj"), LocalDatum());
     ASSERT_EQ(Kvcart(dir, {"add", "Bare RD", "@rd.prj"}).status, 0);
     const SRun bare = Kvcart(dir, {"transform", "UTM-31", "Bare RD"}, "600000 5800000\n");
-    EXPECT_NE(bare.err.find("warning"), std::string::npos) << bare.err;
+    EXPECT_TRUE(kvtest::Contains(bare.err, "warning"));
 
     const SRun info = Kvcart(dir, {"info", "British National Grid"});
-    EXPECT_NE(info.out.find("Datum shift:   446.448,-125.157,542.06,0.15,0.247,0.842,-20.489 to WGS 84 (metres, "
-                            "arc-seconds, ppm; position vector), EPSG:1314, accuracy 2 m\n"),
-              std::string::npos)
-        << info.out;
+    EXPECT_TRUE(kvtest::Contains(info.out,
+                                 "Datum shift:   446.448,-125.157,542.06,0.15,0.247,0.842,-20.489 to WGS 84 (metres, "
+                                 "arc-seconds, ppm; position vector), EPSG:1314, accuracy 2 m\n"));
     const SRun none = Kvcart(dir, {"info", "RSO Malaya"});
-    EXPECT_NE(none.out.find("Datum shift:   not known for \"Kertau (RSO)\""), std::string::npos) << none.out;
+    EXPECT_TRUE(kvtest::Contains(none.out, "Datum shift:   not known for \"Kertau (RSO)\""));
     const SRun zero = Kvcart(dir, {"info", "NAD83 / Alabama East"});
-    EXPECT_NE(zero.out.find("Datum shift:   0,0,0 to WGS 84 (metres), EPSG:1188, accuracy 4 m\n"), std::string::npos)
-        << zero.out;
+    EXPECT_TRUE(kvtest::Contains(zero.out, "Datum shift:   0,0,0 to WGS 84 (metres), EPSG:1188, accuracy 4 m\n"));
 }

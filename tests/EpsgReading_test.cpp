@@ -9,11 +9,11 @@
 #include "wkt/KvPRJParser.h"
 
 #include <cmath>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <stdexcept>
 #include <string>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 namespace {
@@ -161,8 +161,8 @@ TEST(EpsgReading, SouthOrientatedTransverseMercatorWarnsOrCountsWestingSouthing)
     }
     // The OGC text with west/south axes reads the same under both, without
     // warning, when its false origin is zero.
-    const std::string ogc = kLo15Esri.substr(0, kLo15Esri.size() - 1) +
-                            ",AXIS[\"Westing\",WEST],AXIS[\"Southing\",SOUTH]]";
+    const std::string ogc =
+        kLo15Esri.substr(0, kLo15Esri.size() - 1) + ",AXIS[\"Westing\",WEST],AXIS[\"Southing\",SOUTH]]";
     const Reading reading(false);
     const CKvMapProjection system(ogc);
     ExpectPoint(system, 14.475, -22.915, 53858.5029, 2535220.4668, "Lo15 OGC compatible");
@@ -182,16 +182,15 @@ TEST(EpsgReading, AxesNamedAlongMeridiansAtAPole)
     // exchanges and negates, a north one exchanges; each with a warning.
     const CKvMapProjection ups(kUpsNorthEN);
     ExpectPoint(ups, 10, 80, -903957.0916, -2193261.9368, "5041 compatible");
-    EXPECT_NE(ups.GetMessage().find("negate and exchange the coordinates"), std::string::npos) << ups.GetMessage();
+    EXPECT_TRUE(kvtest::Contains(ups.GetMessage(), "negate and exchange the coordinates"));
     const CKvMapProjection antarctic(kAntarcticOgc);
     ExpectPoint(antarctic, 0, -75, 1638783.2384, 0.0, "3031 compatible");
-    EXPECT_NE(antarctic.GetMessage().find("exchange the coordinates"), std::string::npos) << antarctic.GetMessage();
+    EXPECT_TRUE(kvtest::Contains(antarctic.GetMessage(), "exchange the coordinates"));
     // A northing first, both named NORTH (EPSG:5482 at the south pole), reads the
     // same either way, without a warning.
     std::string northFirst = kAntarcticOgc;
     const std::string axes = "AXIS[\"Easting\",NORTH],AXIS[\"Northing\",NORTH]";
-    northFirst.replace(northFirst.find(axes), axes.size(),
-                       "AXIS[\"Northing\",NORTH],AXIS[\"Easting\",NORTH]");
+    northFirst.replace(northFirst.find(axes), axes.size(), "AXIS[\"Northing\",NORTH],AXIS[\"Easting\",NORTH]");
     const CKvMapProjection rsps(northFirst);
     ExpectPoint(rsps, 0, -75, 1638783.2384, 0.0, "northing first, compatible");
     EXPECT_EQ(rsps.GetMessage(), "");
@@ -221,9 +220,8 @@ TEST(EpsgReading, SphericalExtensionIsWebMercatorOrWarned)
     const CKvMapProjection system(kWebMercatorOgc);
     ExpectPoint(system, -70, -34, -7792364.3555, -4004909.1095, "3857, established reading");
     ExpectPoint(system, 15, 60, 1669792.3619, 8362698.5485, "3857, established reading");
-    EXPECT_NE(system.GetMessage().find("sphere of radius 6378137"), std::string::npos) << system.GetMessage();
-    EXPECT_NE(system.GetMessage().find("the EPSG reading gives Web Mercator"), std::string::npos)
-        << system.GetMessage();
+    EXPECT_TRUE(kvtest::Contains(system.GetMessage(), "sphere of radius 6378137"));
+    EXPECT_TRUE(kvtest::Contains(system.GetMessage(), "the EPSG reading gives Web Mercator"));
 }
 
 TEST(EpsgReading, RefusedTextsAndNamesSayWhy)
@@ -293,7 +291,7 @@ TEST(EpsgReading, CInterfaceSwitchMessagesAndLastErrorPerThread)
     char buffer[512];
     C_KVMP_GETMESSAGE(handle, buffer, sizeof buffer - 1, &status);
     ASSERT_EQ(status, 0);
-    EXPECT_NE(std::string(buffer).find("South_Orientated"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(buffer, "South_Orientated"));
     // The string rule: a size below the length reports the length.
     C_KVMP_GETMESSAGE(handle, buffer, 10, &status);
     EXPECT_EQ(status, static_cast<int>(std::string(handle->GetMessage()).size()));
@@ -362,8 +360,7 @@ TEST(EpsgReading, EsriStereographicIsSnydersUnderTheRegistrysReading)
         double gx = NAN, gy = NAN;
         system.Geo2Proj(lon, lat, &gx, &gy);
         worstCompatible = std::fmax(worstCompatible, std::hypot(gx - x, gy - y));
-        EXPECT_NE(system.GetMessage().find("Stereographic read as the oblique (double) stereographic"),
-                  std::string::npos)
+        EXPECT_TRUE(kvtest::Contains(system.GetMessage(), "Stereographic read as the oblique (double) stereographic"))
             << id;
         ++compared;
     }

@@ -36,8 +36,7 @@ std::map<std::string, std::vector<RegistryPoint>> LoadRegistryVectors()
         const std::vector<std::string> f = kvtest::TabFields(line);
         if (f.size() != 7 || f[0] != "R")
             continue;
-        systems[f[1] + ":" + f[2]].push_back(
-            {std::stod(f[3]), std::stod(f[4]), std::stod(f[5]), std::stod(f[6])});
+        systems[f[1] + ":" + f[2]].push_back({std::stod(f[3]), std::stod(f[4]), std::stod(f[5]), std::stod(f[6])});
     }
     return systems;
 }
@@ -139,7 +138,7 @@ TEST_F(EpsgRegistryTest, ASystemCarriesItsAreaAndItsShift)
     ASSERT_TRUE(bng.GetAreaOfUse(w, s, e, n));
     EXPECT_NEAR(w, -9.0, 1e-9);
     EXPECT_NEAR(n, 61.01, 1e-9);
-    EXPECT_NE(bng.GetDatumShiftSource().find("EPSG:1314"), std::string::npos) << bng.GetDatumShiftSource();
+    EXPECT_TRUE(kvtest::Contains(bng.GetDatumShiftSource(), "EPSG:1314"));
     CKvDatumShift shift;
     bng.GetDatumShift(shift);
     EXPECT_NEAR(shift.GetParameters()[0], 446.448, 1e-9);
@@ -174,7 +173,7 @@ TEST_F(EpsgRegistryTest, ASystemCarriesItsAreaAndItsShift)
     ASSERT_NE(rd.GetProjection(), nullptr) << rd.GetMessage();
     rd.GetDatumShift(shift);
     EXPECT_NEAR(shift.GetParameters()[3], -0.398957388243134, 1e-12);
-    EXPECT_NE(rd.GetDatumShiftSource().find("coordinate-frame"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(rd.GetDatumShiftSource(), "coordinate-frame"));
 
     // A catalogue name keeps meaning what the catalogue says.
     CKvMapProjection utm("UTM-32");
@@ -202,35 +201,30 @@ TEST_F(EpsgRegistryTest, UnknownAndRefusedCodesSayWhy)
 {
     CKvMapProjection none("EPSG:1");
     EXPECT_EQ(none.GetProjection(), nullptr);
-    EXPECT_NE(none.GetMessage().find("EPSG:1 is not"), std::string::npos) << none.GetMessage();
+    EXPECT_TRUE(kvtest::Contains(none.GetMessage(), "EPSG:1 is not"));
     EXPECT_EQ(CKvMapProjection::GetLastMessage(), none.GetMessage());
     EXPECT_STREQ(none.GetProjectionString(), "");
 
     // A method the registry uses that the library does not have.
     CKvMapProjection aitoff("ESRI:54043");
     EXPECT_EQ(aitoff.GetProjection(), nullptr);
-    EXPECT_NE(aitoff.GetMessage().find("ESRI:54043 (World_Aitoff)"), std::string::npos) << aitoff.GetMessage();
-    EXPECT_NE(aitoff.GetMessage().find("projection \"Aitoff\" is not supported"), std::string::npos)
-        << aitoff.GetMessage();
+    EXPECT_TRUE(kvtest::Contains(aitoff.GetMessage(), "ESRI:54043 (World_Aitoff)"));
+    EXPECT_TRUE(kvtest::Contains(aitoff.GetMessage(), "projection \"Aitoff\" is not supported"));
 
     // A bare code, or a registry name, suggests the registry's system.
     // (A system the catalogue holds is suggested by its catalogue name.)
-    EXPECT_NE(CKvMapProjection("31467").GetMessage().find(
-                  "did you mean \"DHDN / 3-degree Gauss-Kruger zone 3\" (EPSG:31467)?"),
-              std::string::npos);
-    EXPECT_NE(CKvMapProjection("2193").GetMessage().find(
-                  "did you mean \"New Zealand Transverse Mercator 2000\" (EPSG:2193)?"),
-              std::string::npos);
-    EXPECT_NE(CKvMapProjection("DHDN / 3-degree Gauss-Kruger zon 3")
-                  .GetMessage()
-                  .find("did you mean \"DHDN / 3-degree Gauss-Kruger zone 3\" (EPSG:31467)"),
-              std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(CKvMapProjection("31467").GetMessage(),
+                                 "did you mean \"DHDN / 3-degree Gauss-Kruger zone 3\" (EPSG:31467)?"));
+    EXPECT_TRUE(kvtest::Contains(CKvMapProjection("2193").GetMessage(),
+                                 "did you mean \"New Zealand Transverse Mercator 2000\" (EPSG:2193)?"));
+    EXPECT_TRUE(kvtest::Contains(CKvMapProjection("DHDN / 3-degree Gauss-Kruger zon 3").GetMessage(),
+                                 "did you mean \"DHDN / 3-degree Gauss-Kruger zone 3\" (EPSG:31467)"));
 
     // The static resolution says the same and leaves no engine.
     CKvProjectionInfo info;
     std::string message;
     EXPECT_EQ(CKvMapProjection::GetProjection("EPSG:1", &info, &message), nullptr);
-    EXPECT_NE(message.find("not"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(message, "not"));
     CKvProjection* engine = CKvMapProjection::GetProjection(" EPSG:2193 ", &info, &message);
     ASSERT_NE(engine, nullptr) << message;
     CKvProjection::Release(engine);
@@ -271,8 +265,8 @@ TEST(EpsgRegistryFile, NoCatalogueDirectoryReadsNoFileOfTheWorkingDirectory)
     const std::string command = "cd '" + dir.Path() + "' && '" + KVCART_WKT_TRANSLATE + "' --proj < in.txt > out.txt";
     ASSERT_EQ(std::system(command.c_str()), 0);
     const std::string out = kvtest::ReadFile(dir.File("out.txt"));
-    EXPECT_NE(out.find("+proj=tmerc"), std::string::npos) << out;
-    EXPECT_EQ(out.find("+towgs84"), std::string::npos) << out;
+    EXPECT_TRUE(kvtest::Contains(out, "+proj=tmerc"));
+    EXPECT_FALSE(kvtest::Contains(out, "+towgs84"));
 }
 
 TEST(EpsgRegistryFile, AMissingOrDamagedFileIsReportedNotGuessed)
@@ -284,7 +278,7 @@ TEST(EpsgRegistryFile, AMissingOrDamagedFileIsReportedNotGuessed)
     registry.UseFile("/nonexistent/epsg_registry.txt");
     CKvMapProjection missing("EPSG:27700");
     EXPECT_EQ(missing.GetProjection(), nullptr);
-    EXPECT_NE(missing.GetMessage().find("cannot be read"), std::string::npos) << missing.GetMessage();
+    EXPECT_TRUE(kvtest::Contains(missing.GetMessage(), "cannot be read"));
 
     char name[] = "/tmp/kvcart-registry-XXXXXX";
     const int fd = mkstemp(name);
@@ -301,7 +295,7 @@ TEST(EpsgRegistryFile, AMissingOrDamagedFileIsReportedNotGuessed)
     registry.UseFile(name);
     CKvMapProjection damaged("EPSG:4999");
     EXPECT_EQ(damaged.GetProjection(), nullptr);
-    EXPECT_NE(damaged.GetMessage().find("damaged at line 5"), std::string::npos) << damaged.GetMessage();
+    EXPECT_TRUE(kvtest::Contains(damaged.GetMessage(), "damaged at line 5"));
 
     {
         std::ofstream good(name);

@@ -289,7 +289,8 @@ TEST(CatalogueNames, ANameInAnotherCaseIsTheSameSystem)
             double xe = NAN, ye = NAN, xf = NAN, yf = NAN;
             exact.Geo2Proj(lon[i], lat[i], &xe, &ye);
             folded.Geo2Proj(lon[i], lat[i], &xf, &yf);
-            EXPECT_TRUE((xe == xf || (std::isnan(xe) && std::isnan(xf))) && (ye == yf || (std::isnan(ye) && std::isnan(yf))))
+            EXPECT_TRUE((xe == xf || (std::isnan(xe) && std::isnan(xf))) &&
+                        (ye == yf || (std::isnan(ye) && std::isnan(yf))))
                 << p.folded << " at " << lon[i] << " " << lat[i];
         }
         // The engine alone, and the PROJ strings (in the grid's own unit).
@@ -372,8 +373,9 @@ TEST(CatalogueNames, NamesThatDifferOnlyInCaseAreNotGuessedBetween)
     // In a third spelling, neither; the message names both.
     const CKvMapProjection either("site grid");
     EXPECT_EQ(either.GetProjection(), nullptr);
-    EXPECT_EQ(either.GetMessage(), "ambiguous coordinate system \"site grid\": the catalogue holds \"Site grid\" and "
-                                   "\"SITE GRID\", which differ only in case; write the name as one of them is written");
+    EXPECT_EQ(either.GetMessage(),
+              "ambiguous coordinate system \"site grid\": the catalogue holds \"Site grid\" and "
+              "\"SITE GRID\", which differ only in case; write the name as one of them is written");
     EXPECT_EQ(CKvMapProjection::GetLastMessage(), either.GetMessage());
     EXPECT_EQ(CKvMapProjection::GetProjection("Site Grid", nullptr), nullptr);
     std::vector<const CKvMapProjData*> alike;
@@ -384,7 +386,7 @@ TEST(CatalogueNames, NamesThatDifferOnlyInCaseAreNotGuessedBetween)
     int status = -1;
     C_KVMP_GETLASTERROR(text, sizeof text - 1, &status);
     EXPECT_EQ(status, 0);
-    EXPECT_NE(std::string(text).find("\"Site grid\" and \"SITE GRID\""), std::string::npos) << text;
+    EXPECT_TRUE(kvtest::Contains(text, "\"Site grid\" and \"SITE GRID\""));
 
     CKvMapProjection::DeleteMapProjection(upper);
     CKvMapProjection::DeleteMapProjection(lower);
@@ -396,8 +398,8 @@ TEST(CatalogueNames, AnUnknownNameEndsWithTheClosestNames)
     kvtest::ShippedCatalogue();
     const CKvMapProjection typo("Britsh National Grid");
     EXPECT_EQ(typo.GetProjection(), nullptr);
-    EXPECT_EQ(typo.GetMessage(),
-              "unknown coordinate system \"Britsh National Grid\"; did you mean " + Quoted("British National Grid") + "?");
+    EXPECT_EQ(typo.GetMessage(), "unknown coordinate system \"Britsh National Grid\"; did you mean " +
+                                     Quoted("British National Grid") + "?");
     EXPECT_EQ(CKvMapProjection::GetLastMessage(), typo.GetMessage());
 
     std::string message;
@@ -405,8 +407,7 @@ TEST(CatalogueNames, AnUnknownNameEndsWithTheClosestNames)
     // The catalogue's names come first; the EPSG registry's systems that no
     // entry stands for follow.
     EXPECT_EQ(message, "unknown coordinate system \"National Grid\"; did you mean " + Quoted("British National Grid") +
-                           ", " + Quoted("Jamaica National Grid") +
-                           " or \"ED50 / Iraq National Grid\" (EPSG:3893)?");
+                           ", " + Quoted("Jamaica National Grid") + " or \"ED50 / Iraq National Grid\" (EPSG:3893)?");
 
     // Nothing close: the message as it always was.
     EXPECT_EQ(CKvMapProjection("Nowhere Grid").GetMessage(), "unknown coordinate system \"Nowhere Grid\"");

@@ -310,13 +310,13 @@ TEST(OgcWkt, RegistryCodesWriteTheirSystem)
         if (!writtenByCode || !writtenByText)
             continue;
         EXPECT_EQ(WithoutShift(byCode), WithoutShift(byText)) << code;
-        EXPECT_NE(byCode.find(",AUTHORITY[\"EPSG\",\"" + std::to_string(s.code) + "\"]]"), std::string::npos) << byCode;
+        EXPECT_TRUE(kvtest::Contains(byCode, ",AUTHORITY[\"EPSG\",\"" + std::to_string(s.code) + "\"]]"));
         ++same;
     }
     EXPECT_GT(same, 5000);
     std::string out, reason;
     EXPECT_FALSE(CKvOgcWktWriter::WriteSystem("EPSG:99999", out, reason));
-    EXPECT_NE(reason.find("EPSG:99999"), std::string::npos) << reason;
+    EXPECT_TRUE(kvtest::Contains(reason, "EPSG:99999"));
 }
 
 // What OGC WKT 1 has no form for is refused with the reason, not approximated.
@@ -328,7 +328,7 @@ TEST(OgcWkt, RefusesWhatOgcWkt1CannotSay)
         std::string out = "stale", reason;
         EXPECT_FALSE(CKvOgcWktWriter::WriteSystem(text, out, reason)) << text << "\n" << out;
         EXPECT_EQ(out, "");
-        EXPECT_NE(reason.find(why), std::string::npos) << text << ": " << reason;
+        EXPECT_TRUE(kvtest::Contains(reason, why)) << text;
     };
     const std::string geogcs =
         "GEOGCS[\"GCS_Bessel_1841\",DATUM[\"D_Bessel_1841\",SPHEROID[\"Bessel_1841\","
@@ -373,7 +373,7 @@ TEST(OgcWkt, RefusesWhatOgcWkt1CannotSay)
     record.SetStandardParallel1(-70.0);
     std::string out, reason;
     EXPECT_FALSE(CKvOgcWktWriter(record).Write(out, reason));
-    EXPECT_NE(reason.find("other hemisphere"), std::string::npos) << reason;
+    EXPECT_TRUE(kvtest::Contains(reason, "other hemisphere"));
 }
 
 // The forms a catalogue cannot hold, written from the WKT that has them: the
@@ -410,18 +410,17 @@ TEST(OgcWkt, FormsOfWktTextsAndTheirCodes)
     const kvtest::EpsgCorpus corpus = kvtest::LoadEpsgCorpus(KVCART_EPSG_CORPUS);
     const std::string ups = corpus.Find(32661)->Text(kvtest::EpsgForm::Ogc).wkt;
     const std::string registry = write(ups, true), established = write(ups, false);
-    EXPECT_NE(registry.find("AXIS[\"Northing\",NORTH],AXIS[\"Easting\",EAST],AUTHORITY[\"EPSG\",\"32661\"]]"),
-              std::string::npos)
-        << registry;
-    EXPECT_NE(established.find("AXIS[\"Southing\",SOUTH],AXIS[\"Westing\",WEST]]"), std::string::npos) << established;
-    EXPECT_EQ(established.find("AUTHORITY[\"EPSG\",\"32661\"]"), std::string::npos)
+    EXPECT_TRUE(
+        kvtest::Contains(registry, "AXIS[\"Northing\",NORTH],AXIS[\"Easting\",EAST],AUTHORITY[\"EPSG\",\"32661\"]]"));
+    EXPECT_TRUE(kvtest::Contains(established, "AXIS[\"Southing\",SOUTH],AXIS[\"Westing\",WEST]]"));
+    EXPECT_FALSE(kvtest::Contains(established, "AUTHORITY[\"EPSG\",\"32661\"]"))
         << "read otherwise than the registry, the system is not EPSG:32661";
     for (const bool epsg : {true, false}) {
         same(ups, true, registry, epsg, 30.0, 80.0);
         same(ups, false, established, epsg, 30.0, 80.0);
     }
     EXPECT_EQ(std::count(registry.begin(), registry.end(), '['), std::count(registry.begin(), registry.end(), ']'));
-    EXPECT_EQ(registry.find("AUTHORITY[\"EPSG\",\"7030\"]"), std::string::npos) << "only the system's own code";
+    EXPECT_FALSE(kvtest::Contains(registry, "AUTHORITY[\"EPSG\",\"7030\"]")) << "only the system's own code";
 
     // Snyder's stereographic (ESRI's Stereographic, by the registry's rule) is
     // OGC's Stereographic; the established reading reads that name as the
@@ -433,25 +432,25 @@ TEST(OgcWkt, FormsOfWktTextsAndTheirCodes)
         "\"Central_Meridian\",10.0],PARAMETER[\"Scale_Factor\",0.9],PARAMETER[\"Latitude_Of_Origin\",40.0],"
         "UNIT[\"Meter\",1.0]]";
     const std::string snyder = write(esriStereographic, true);
-    EXPECT_NE(snyder.find("PROJECTION[\"Stereographic\"]"), std::string::npos) << snyder;
+    EXPECT_TRUE(kvtest::Contains(snyder, "PROJECTION[\"Stereographic\"]"));
     same(esriStereographic, true, snyder, true, 12.0, 42.0);
     {
         const kvtest::EpsgReading reading(false);
-        EXPECT_NE(CKvMapProjection(snyder).GetMessage().find("double"), std::string::npos);
+        EXPECT_TRUE(kvtest::Contains(CKvMapProjection(snyder).GetMessage(), "double"));
     }
 
     // Swiss LV95 in ESRI's form: the skew form counted from its centre.
     const std::string lv95 = corpus.Find(2056)->Text(kvtest::EpsgForm::Esri).wkt;
     const std::string centre = write(lv95, true);
-    EXPECT_NE(centre.find("PROJECTION[\"Hotine_Oblique_Mercator_Azimuth_Center\"]"), std::string::npos) << centre;
+    EXPECT_TRUE(kvtest::Contains(centre, "PROJECTION[\"Hotine_Oblique_Mercator_Azimuth_Center\"]"));
     for (const bool epsg : {true, false})
         same(lv95, true, centre, epsg, 7.5, 46.8);
 
     // NTF (Paris) / Lambert zone II: grads and the Paris meridian, as the text has them.
     const std::string ntf = corpus.Find(27572)->Text(kvtest::EpsgForm::Ogc).wkt;
     const std::string paris = write(ntf, true);
-    EXPECT_NE(paris.find("PRIMEM[\"Paris\",2.33722917]"), std::string::npos) << paris;
-    EXPECT_NE(paris.find("UNIT[\"grad\",0.0157079632679489]"), std::string::npos) << paris;
+    EXPECT_TRUE(kvtest::Contains(paris, "PRIMEM[\"Paris\",2.33722917]"));
+    EXPECT_TRUE(kvtest::Contains(paris, "UNIT[\"grad\",0.0157079632679489]"));
     for (const bool epsg : {true, false})
         same(ntf, true, paris, epsg, 2.5, 46.5);
 
@@ -459,8 +458,8 @@ TEST(OgcWkt, FormsOfWktTextsAndTheirCodes)
     const std::string bng = corpus.Find(27700)->Text(kvtest::EpsgForm::Ogc).wkt;
     const std::string withCode = write(bng, true);
     EXPECT_EQ(withCode.size() - withCode.rfind(",AUTHORITY[\"EPSG\",\"27700\"]]"), 27u) << withCode;
-    EXPECT_EQ(withCode.find("\"4277\""), std::string::npos);
-    EXPECT_EQ(write(corpus.Find(27700)->Text(kvtest::EpsgForm::Esri).wkt, true).find("AUTHORITY"), std::string::npos)
+    EXPECT_FALSE(kvtest::Contains(withCode, "\"4277\""));
+    EXPECT_FALSE(kvtest::Contains(write(corpus.Find(27700)->Text(kvtest::EpsgForm::Esri).wkt, true), "AUTHORITY"))
         << "an ESRI text names no code";
 
     // Numbers in the C locale whatever the host has set.

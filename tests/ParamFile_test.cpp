@@ -274,8 +274,8 @@ TEST(ParamFile, MalformedFilesAreRejectedWithFileLineAndReason)
         EXPECT_EQ(gxrLoadFile(path.c_str()), nullptr) << c.text;
         EXPECT_EQ(gxrPeekErrorGlb(), GXR_ERR_SYNTAX);
         const std::string message = gxrGetErrorMessageGlb();
-        EXPECT_NE(message.find(path + ":" + std::to_string(c.line) + ": "), std::string::npos) << message;
-        EXPECT_NE(message.find(c.reason), std::string::npos) << message;
+        EXPECT_TRUE(kvtest::Contains(message, path + ":" + std::to_string(c.line) + ": "));
+        EXPECT_TRUE(kvtest::Contains(message, c.reason));
         EXPECT_EQ(gxrGetErrorGlb(), GXR_ERR_SYNTAX);
         EXPECT_EQ(gxrGetErrorGlb(), GXR_OK) << "reading the error clears it";
     }
@@ -283,8 +283,7 @@ TEST(ParamFile, MalformedFilesAreRejectedWithFileLineAndReason)
     const std::string path = dir.File("nul.gxr");
     kvtest::WriteFile(path, nul);
     EXPECT_EQ(gxrLoadFile(path.c_str()), nullptr);
-    EXPECT_NE(std::string(gxrGetErrorMessageGlb()).find(path + ":3: NUL byte"), std::string::npos)
-        << gxrGetErrorMessageGlb();
+    EXPECT_TRUE(kvtest::Contains(gxrGetErrorMessageGlb(), path + ":3: NUL byte"));
 
     EXPECT_EQ(gxrLoadFile(dir.File("missing.gxr").c_str()), nullptr);
     EXPECT_EQ(gxrGetErrorGlb(), GXR_ERR_OPEN);
@@ -316,7 +315,7 @@ TEST(ParamFile, BuildingRefusesBadNamesAndEndedSections)
     EXPECT_EQ(gxrPutParam(section, "Good", 1.0), GXR_OK);
     EXPECT_EQ(gxrEndSection(section), GXR_OK);
     EXPECT_EQ(gxrPutParam(section, "Late", 2.0), GXR_ERR_ARGUMENT);
-    EXPECT_NE(std::string(gxrGetErrorMessageGlb()).find("ended section"), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(gxrGetErrorMessageGlb(), "ended section"));
     EXPECT_EQ(gxrGetNoKeywords(section, nullptr), 1);
     EXPECT_EQ(gxrAppendParam(static_cast<GxrKeyword*>(nullptr), 1.0), GXR_ERR_ARGUMENT);
     EXPECT_EQ(gxrWrite(nullptr), GXR_ERR_ARGUMENT);
@@ -329,7 +328,7 @@ TEST(ParamFile, NumbersUseThePointWhateverTheHostLocale)
     kvtest::CommaLocale german;
     ASSERT_TRUE(german.Active()) << "the comma-decimal test locale could not be loaded";
     const std::string text = WriteSample(dir.File("locale.gxr"), 6378137.5);
-    EXPECT_NE(text.find("6378137.5"), std::string::npos) << text;
+    EXPECT_TRUE(kvtest::Contains(text, "6378137.5"));
 
     GxrFile* file = gxrLoadText("locale.gxr", "TARGET T\nSECTION S\nV 0.9996\nW -1.5e-3\nEND_SECTION\nEND_TARGET\n");
     ASSERT_NE(file, nullptr) << gxrGetErrorMessageGlb();
@@ -367,7 +366,7 @@ TEST(ParamFile, FailedWriteKeepsTheOldFile)
     std::signal(SIGXFSZ, previous);
 
     EXPECT_EQ(status, GXR_ERR_WRITE);
-    EXPECT_NE(std::string(gxrGetErrorMessageGlb()).find("write failed"), std::string::npos) << gxrGetErrorMessageGlb();
+    EXPECT_TRUE(kvtest::Contains(gxrGetErrorMessageGlb(), "write failed"));
     EXPECT_EQ(kvtest::ReadFile(path), original);
     EXPECT_EQ(CountFilesIn(dir.Path()), 1) << "the temporary file is removed";
 

@@ -63,7 +63,7 @@ TEST(ProjTranslator, CatalogueNamesAndWkt)
                   kTail);
     double shift[] = {1.5, -2, 3};
     const std::string replaced = translator.Convert2Proj4(kFeet, shift, 3);
-    EXPECT_NE(replaced.find(" +towgs84=1.5,-2,3,0,0,0,0 +to_meter="), std::string::npos) << replaced;
+    EXPECT_TRUE(kvtest::Contains(replaced, " +towgs84=1.5,-2,3,0,0,0,0 +to_meter="));
     EXPECT_EQ(translator.Convert2Proj4(kFeet, shift, 0), translator.Convert2Proj4(kFeet, nullptr, 0));
 
     // A geographic system: longlat, the figure, no unit.
@@ -71,9 +71,9 @@ TEST(ProjTranslator, CatalogueNamesAndWkt)
     EXPECT_EQ(translator.Convert2Proj4(geographic, nullptr, 0),
               std::string("+proj=longlat +a=6378137 +b=6356752.314245179 ") + kTail);
     // The Google Maps sphere: the spherical Mercator of PROJ, k = 1 derived.
-    EXPECT_EQ(translator.Convert2Proj4(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eGoogleMercator),
-                                       nullptr, 0),
-              std::string("+proj=merc +lat_ts=0 +lon_0=0 +k=1 +x_0=0 +y_0=0 +a=6378137 +b=6378137 +units=m ") + kTail);
+    EXPECT_EQ(
+        translator.Convert2Proj4(CKvMapProjection::IDtoProjectionString(CKvMapProjection::eGoogleMercator), nullptr, 0),
+        std::string("+proj=merc +lat_ts=0 +lon_0=0 +k=1 +x_0=0 +y_0=0 +a=6378137 +b=6378137 +units=m ") + kTail);
 
     // A .prj file: its first line only; a missing file converts an empty line,
     // which is the local grid (not georeferenced: no projection tokens).
@@ -83,7 +83,7 @@ TEST(ProjTranslator, CatalogueNamesAndWkt)
               translator.Convert2Proj4(geographic, nullptr, 0));
     EXPECT_EQ(translator.ConvertPRJFile2Proj4(dir.File("missing.prj"), nullptr, 0),
               translator.Convert2Proj4("", nullptr, 0));
-    EXPECT_EQ(translator.Convert2Proj4("", nullptr, 0).find("+proj="), std::string::npos);
+    EXPECT_FALSE(kvtest::Contains(translator.Convert2Proj4("", nullptr, 0), "+proj="));
 
     // The ESRI degree (0.0174532925199433) is the degree: no 9.000000000000002.
     std::string esri = kFeet;
@@ -93,7 +93,7 @@ TEST(ProjTranslator, CatalogueNamesAndWkt)
     // Numbers with a point whatever the host's locale.
     const kvtest::CommaLocale comma;
     ASSERT_TRUE(comma.Active());
-    EXPECT_NE(translator.Convert2Proj4(kFeet, nullptr, 0).find("+to_meter=0.3048006096012192 "), std::string::npos);
+    EXPECT_TRUE(kvtest::Contains(translator.Convert2Proj4(kFeet, nullptr, 0), "+to_meter=0.3048006096012192 "));
 }
 
 TEST(ProjTranslator, CEntryPointCopiesByTheStringRule)

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 #include <unistd.h>
@@ -71,6 +72,24 @@ inline std::string ReadFile(const std::string& path)
     std::ostringstream text;
     text << in.rdbuf();
     return text.str();
+}
+
+// How often what occurs in text, overlapping occurrences included.
+inline int Count(const std::string& text, const std::string& what)
+{
+    int n = 0;
+    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+        ++n;
+    return n;
+}
+
+// Whether text holds part; the whole text is shown when the expectation fails
+// (EXPECT_TRUE for a message that must be there, EXPECT_FALSE for one that must not).
+inline ::testing::AssertionResult Contains(const std::string& text, const std::string& part)
+{
+    if (text.find(part) == std::string::npos)
+        return ::testing::AssertionFailure() << "'" << part << "' is not in:\n" << text;
+    return ::testing::AssertionSuccess() << "'" << part << "' is in:\n" << text;
 }
 
 // Switches the process to a German locale, whose decimal separator is a comma,
