@@ -8,16 +8,6 @@
 
 namespace {
 
-double Wrap180(double degrees)
-{
-    double d = std::fmod(degrees, 360.0);
-    if (d > 180.0)
-        d -= 360.0;
-    if (d <= -180.0)
-        d += 360.0;
-    return d;
-}
-
 constexpr double kDeg = 3.141592653589793 / 180.0;
 
 } // namespace
@@ -49,9 +39,9 @@ TEST(KvVincenty, DirectProblemAgreesWithGeographicLib)
         // Position error in metres: north and east components on a 6378 km sphere,
         // plenty accurate for errors of millimetres.
         const double north = (lat - lat2) * kDeg * 6378137.0;
-        const double east = Wrap180(lon - lon2) * kDeg * 6378137.0 * std::cos(lat2 * kDeg);
+        const double east = std::remainder(lon - lon2, 360.0) * kDeg * 6378137.0 * std::cos(lat2 * kDeg);
         const double position = std::hypot(north, east);
-        const double azimuthError = std::fabs(Wrap180(azimuth - azi2));
+        const double azimuthError = std::fabs(std::remainder(azimuth - azi2, 360.0));
         EXPECT_LT(position, 1e-3) << line;
         EXPECT_LT(azimuthError, 1e-8) << line;
         worstPosition = std::max(worstPosition, position);
