@@ -17,13 +17,6 @@
 
 namespace {
 
-const char kLambert93NorthEast[] =
-    "PROJCS[\"RGF93 / Lambert-93\",GEOGCS[\"RGF93\",DATUM[\"RGF93\",SPHEROID[\"GRS 1980\",6378137,298.257222101]],"
-    "PRIMEM[\"Greenwich\",0],UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Lambert_Conformal_Conic_2SP\"],"
-    "PARAMETER[\"standard_parallel_1\",49],PARAMETER[\"standard_parallel_2\",44],PARAMETER[\"latitude_of_origin\","
-    "46.5],PARAMETER[\"central_meridian\",3],PARAMETER[\"false_easting\",700000],PARAMETER[\"false_northing\","
-    "6600000],UNIT[\"metre\",1],AXIS[\"Northing\",NORTH],AXIS[\"Easting\",EAST]]";
-
 bool Same(double a, double b)
 {
     return a == b || (std::isnan(a) && std::isnan(b));
@@ -120,7 +113,7 @@ TEST(BatchStrides, BackwardsAndRepeatedPointsInEveryLoop)
     kvtest::ShippedCatalogue();
     // The transverse Mercator's blocks; a per-point loop (Albers); the
     // coordinate-system object's blocks around an engine with other axes.
-    for (const char* text : {"UTM-32", "Conus Albers", kLambert93NorthEast}) {
+    for (const char* text : {"UTM-32", "Conus Albers", kvtest::kLambert93NorthEast}) {
         const CKvMapProjection system(text);
         ASSERT_NE(system.GetProjection(), nullptr) << text;
         double lon0 = 0.0, lat0 = 0.0;
