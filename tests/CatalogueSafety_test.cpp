@@ -7,7 +7,7 @@
 #include "paramfile/Gxr.h"
 #include "paramfile/ParamFileWriter.h"
 
-#include "TestSupport.h"
+#include "ProgramRun.h"
 
 #include <algorithm>
 #include <atomic>
@@ -26,31 +26,14 @@
 
 namespace {
 
-struct SResult
-{
-    int status;
-    std::string output;
-};
-
-// A shell command line's exit status (128 + the signal that ended it) and its output.
-SResult Run(const std::string& line)
-{
-    SResult result{-1, std::string()};
-    if (FILE* pipe = popen(line.c_str(), "r")) {
-        char buffer[512];
-        while (fgets(buffer, sizeof buffer, pipe))
-            result.output += buffer;
-        const int status = pclose(pipe);
-        result.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    }
-    return result;
-}
+using SResult = kvtest::SRun;
+using kvtest::Piped;
 
 // The host session in the user directory given, standard output and error together.
 SResult Host(const std::string& user, const std::string& arguments, const std::string& prefix = std::string())
 {
-    return Run(prefix + std::string(KVCART_CATALOGUE_SESSION) + " '" + KVCART_SHIPPED_DATA_DIR + "' '" + user + "' " +
-               arguments + " 2>&1");
+    return Piped(prefix + std::string(KVCART_CATALOGUE_SESSION) + " '" + KVCART_SHIPPED_DATA_DIR + "' '" + user + "' " +
+                 arguments + " 2>&1");
 }
 
 std::string Section(const std::string& name, const std::string& body)
@@ -123,7 +106,7 @@ SResult RunIn(const std::string& dir, const std::string& command, bool asNobody 
 {
     const std::string privileges =
         asNobody && geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups " : "";
-    return Run("cd '" + dir + "' && " + privileges + "sh -c \"" + command + "\" 2>&1");
+    return Piped("cd '" + dir + "' && " + privileges + "sh -c \"" + command + "\" 2>&1");
 }
 
 // Runs each shell command in a process of its own, all released at the same
@@ -158,8 +141,9 @@ std::vector<SResult> AtOnce(
     for (size_t i = 0; i < children.size(); ++i) {
         int status = 0;
         waitpid(children[i], &status, 0);
-        results.push_back(SResult{WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status),
-                                  kvtest::ReadFile(scratch.File("output." + std::to_string(i)))});
+        results.emplace_back();
+        results.back().status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+        results.back().out = kvtest::ReadFile(scratch.File("output." + std::to_string(i)));
     }
     return results;
 }
@@ -171,14 +155,6 @@ void OpenGate(const kvtest::TempDir& gate, size_t hosts)
         usleep(500);
     EXPECT_EQ(FilesIn(gate.Path()).size(), hosts) << "hosts at the barrier";
     kvtest::WriteFile(gate.File("start"), "");
-}
-
-int Count(const std::string& text, const std::string& what)
-{
-    int n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        ++n;
-    return n;
 }
 
 } // namespace
@@ -211,22 +187,22 @@ TEST(CatalogueSafety, AFileThatDidNotLoadIsNeverWrittenOver)
         kvtest::WriteFile(path, c.text);
 
         SResult looked = Host(user.Path(), "lookup UTM-32 errors");
-        EXPECT_EQ(looked.status, 0) << looked.output;
-        EXPECT_TRUE(kvtest::Contains(looked.output, path + c.reason));
+        EXPECT_EQ(looked.status, 0) << looked.out;
+        EXPECT_TRUE(kvtest::Contains(looked.out, path + c.reason));
         EXPECT_EQ(kvtest::ReadFile(path), c.text);
         EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 
         SResult added = Host(user.Path(), "add 'New Grid' writeback errors");
-        EXPECT_EQ(added.status, 0) << added.output;
+        EXPECT_EQ(added.status, 0) << added.out;
         // Saved, but not in the catalogue: the write-back says so.
-        EXPECT_TRUE(kvtest::Contains(added.output, "writeback -1"));
-        EXPECT_TRUE(kvtest::Contains(added.output, "saved in " + user.File("custom_projection.unsaved.gxr")));
+        EXPECT_TRUE(kvtest::Contains(added.out, "writeback -1"));
+        EXPECT_TRUE(kvtest::Contains(added.out, "saved in " + user.File("custom_projection.unsaved.gxr")));
         EXPECT_EQ(kvtest::ReadFile(path), c.text);
         // A second session's addition joins the first in the rescue file.
         Host(user.Path(), "add 'Newer Grid'");
         EXPECT_EQ(kvtest::ReadFile(path), c.text);
         const std::string rescued = kvtest::ReadFile(user.File("custom_projection.unsaved.gxr"));
-        EXPECT_EQ(Count(rescued, "SECTION LAMBERT_CONIC_2SP_PROJECTION"), 2) << rescued;
+        EXPECT_EQ(kvtest::Count(rescued, "SECTION LAMBERT_CONIC_2SP_PROJECTION"), 2) << rescued;
         EXPECT_TRUE(kvtest::Contains(rescued, "\"New Grid\""));
         EXPECT_TRUE(kvtest::Contains(rescued, "\"Newer Grid\""));
     }
@@ -244,7 +220,7 @@ TEST(CatalogueSafety, AMalformedEllipsoidFileIsKept)
     text += "END_TARGET\n";
     kvtest::WriteFile(path, text);
     SResult r = Host(user.Path(), "ellipsoid MY errors");
-    EXPECT_TRUE(kvtest::Contains(r.output, path + ":17: parameter '6378138m'"));
+    EXPECT_TRUE(kvtest::Contains(r.out, path + ":17: parameter '6378138m'"));
     EXPECT_EQ(kvtest::ReadFile(path), text);
     EXPECT_TRUE(kvtest::Contains(kvtest::ReadFile(user.File("custom_ellipsoid.unsaved.gxr")), "\"MY\""));
 }
@@ -262,8 +238,8 @@ TEST(CatalogueSafety, AnUnreadableFileIsNotReplaced)
     }
     chmod(user.Path().c_str(), 0777);
     SResult r = Host(user.Path(), "--nobody add 'New Grid' errors");
-    EXPECT_EQ(r.status, 0) << r.output;
-    EXPECT_TRUE(kvtest::Contains(r.output, path + ": cannot read the file: Permission denied"));
+    EXPECT_EQ(r.status, 0) << r.out;
+    EXPECT_TRUE(kvtest::Contains(r.out, path + ": cannot read the file: Permission denied"));
     chmod(path.c_str(), 0644);
     EXPECT_EQ(kvtest::ReadFile(path), text);
     EXPECT_TRUE(kvtest::Contains(kvtest::ReadFile(user.File("custom_projection.unsaved.gxr")), "\"New Grid\""));
@@ -280,9 +256,9 @@ TEST(CatalogueSafety, WhatTheLibraryCannotUseIsWrittenBackUnchanged)
     kvtest::WriteFile(path, FiveGrids(misspelt) + second);
 
     SResult r = Host(user.Path(), "add 'New Grid' list errors");
-    EXPECT_TRUE(kvtest::Contains(r.output, path + ":19: section 'UTM_PROJECTON' is not a known projection type"));
-    EXPECT_TRUE(kvtest::Contains(r.output, path + ":40: target 'MAP_PROJECTION_DEFINITION' is not read"));
-    EXPECT_TRUE(kvtest::Contains(r.output, "projection Site E\nprojection New Grid\n"));
+    EXPECT_TRUE(kvtest::Contains(r.out, path + ":19: section 'UTM_PROJECTON' is not a known projection type"));
+    EXPECT_TRUE(kvtest::Contains(r.out, path + ":40: target 'MAP_PROJECTION_DEFINITION' is not read"));
+    EXPECT_TRUE(kvtest::Contains(r.out, "projection Site E\nprojection New Grid\n"));
 
     const std::string written = kvtest::ReadFile(path);
     GxrFile* file = gxrLoadFile(path.c_str());
@@ -301,8 +277,8 @@ TEST(CatalogueSafety, WhatTheLibraryCannotUseIsWrittenBackUnchanged)
 
     // Written back again unchanged by the next session.
     Host(user.Path(), "add 'Newer Grid'");
-    EXPECT_EQ(Count(kvtest::ReadFile(path), "UTM_PROJECTON"), 1);
-    EXPECT_EQ(Count(kvtest::ReadFile(path), "Site G"), 1);
+    EXPECT_EQ(kvtest::Count(kvtest::ReadFile(path), "UTM_PROJECTON"), 1);
+    EXPECT_EQ(kvtest::Count(kvtest::ReadFile(path), "Site G"), 1);
 }
 
 TEST(CatalogueSafety, ASymbolicLinkStaysALink)
@@ -317,7 +293,7 @@ TEST(CatalogueSafety, ASymbolicLinkStaysALink)
     ASSERT_EQ(lstat(user.File("custom_projection.gxr").c_str(), &st), 0);
     EXPECT_TRUE(S_ISLNK(st.st_mode));
     const std::string text = kvtest::ReadFile(real);
-    EXPECT_EQ(Count(text, "  SECTION "), 6) << text;
+    EXPECT_EQ(kvtest::Count(text, "  SECTION "), 6) << text;
     EXPECT_EQ(FilesIn(elsewhere.Path()), std::vector<std::string>{"my_grids.gxr"});
 }
 
@@ -329,8 +305,8 @@ TEST(CatalogueSafety, SettingUpTwiceDoesNotDoubleTheFile)
     for (int run = 0; run < 3; ++run)
         Host(user.Path(), "--twice add 'New Grid " + std::to_string(run) + "'");
     const std::string text = kvtest::ReadFile(path);
-    EXPECT_EQ(Count(text, "SECTION UTM_PROJECTION"), 5) << text;
-    EXPECT_EQ(Count(text, "SECTION LAMBERT_CONIC_2SP_PROJECTION"), 3) << text;
+    EXPECT_EQ(kvtest::Count(text, "SECTION UTM_PROJECTION"), 5) << text;
+    EXPECT_EQ(kvtest::Count(text, "SECTION LAMBERT_CONIC_2SP_PROJECTION"), 3) << text;
 }
 
 // Only a looked-up system and no edit: the user's file, comments and all, is not touched.
@@ -341,12 +317,12 @@ TEST(CatalogueSafety, ACleanFileIsRewrittenOnlyWhenSomethingChanged)
     const std::string text = FiveGrids(Grid("Site C"));
     kvtest::WriteFile(path, text);
     SResult r = Host(user.Path(), "lookup UTM-32 lookup 'Site C' errors");
-    EXPECT_EQ(r.output, "");
+    EXPECT_EQ(r.out, "");
     EXPECT_EQ(kvtest::ReadFile(path), text);
 
     Host(user.Path(), "delete 'Site B'");
     const std::string after = kvtest::ReadFile(path);
-    EXPECT_EQ(Count(after, "SECTION UTM_PROJECTION"), 4);
+    EXPECT_EQ(kvtest::Count(after, "SECTION UTM_PROJECTION"), 4);
     EXPECT_FALSE(kvtest::Contains(after, "Site B"));
     EXPECT_LT(after.find("Site A"), after.find("Site C"));
 }
@@ -361,15 +337,15 @@ TEST(CatalogueSafety, AFailedWriteKeepsTheOldFileAndSaysSo)
 
     // A full disk: a file-size limit makes write(2) fail part-way.
     SResult full = Host(user.Path(), "add-many 500 writeback errors", "ulimit -f 8; trap '' XFSZ; ");
-    EXPECT_TRUE(kvtest::Contains(full.output, "writeback -1"));
-    EXPECT_EQ(Count(full.output, "was not written: " + path + ": write failed"), 1) << full.output;
-    EXPECT_EQ(Count(full.output, "are lost"), 1) << full.output;
+    EXPECT_TRUE(kvtest::Contains(full.out, "writeback -1"));
+    EXPECT_EQ(kvtest::Count(full.out, "was not written: " + path + ": write failed"), 1) << full.out;
+    EXPECT_EQ(kvtest::Count(full.out, "are lost"), 1) << full.out;
     EXPECT_EQ(kvtest::ReadFile(path), text);
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
     // A host that does not ask is told at exit, on standard error.
     full = Host(user.Path(), "add-many 500", "ulimit -f 8; trap '' XFSZ; ");
-    EXPECT_EQ(Count(full.output, "kvcart: the user catalogue was not updated:\n"), 1) << full.output;
-    EXPECT_EQ(Count(full.output, "are lost"), 1) << full.output;
+    EXPECT_EQ(kvtest::Count(full.out, "kvcart: the user catalogue was not updated:\n"), 1) << full.out;
+    EXPECT_EQ(kvtest::Count(full.out, "are lost"), 1) << full.out;
     EXPECT_EQ(kvtest::ReadFile(path), text);
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 
@@ -379,15 +355,15 @@ TEST(CatalogueSafety, AFailedWriteKeepsTheOldFileAndSaysSo)
     }
     chmod(user.Path().c_str(), 0555);
     SResult readOnly = Host(user.Path(), "--nobody add 'New Grid' writeback");
-    EXPECT_TRUE(kvtest::Contains(readOnly.output, "writeback -1"));
-    EXPECT_TRUE(kvtest::Contains(readOnly.output, "cannot create a temporary file"));
+    EXPECT_TRUE(kvtest::Contains(readOnly.out, "writeback -1"));
+    EXPECT_TRUE(kvtest::Contains(readOnly.out, "cannot create a temporary file"));
     chmod(user.Path().c_str(), 0755);
     EXPECT_EQ(kvtest::ReadFile(path), text);
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 
     // A user directory that does not exist is not created.
     SResult missing = Host(user.File("no/such/dir/"), "add 'New Grid' writeback");
-    EXPECT_TRUE(kvtest::Contains(missing.output, "writeback -1"));
+    EXPECT_TRUE(kvtest::Contains(missing.out, "writeback -1"));
     EXPECT_EQ(FilesIn(user.Path()), std::vector<std::string>{"custom_projection.gxr"});
 }
 
@@ -409,7 +385,7 @@ TEST(CatalogueSafety, ConcurrentWritersNeverDamageTheFile)
     const std::vector<SResult> results = AtOnce(commands, scratch, [&gate] { OpenGate(gate, 4); });
     for (const SResult& r : results) {
         EXPECT_EQ(r.status, 0);
-        EXPECT_EQ(r.output, "");
+        EXPECT_EQ(r.out, "");
     }
     std::vector<std::string> expected = {"Site A", "Site B", "Site C", "Site D", "Site E"};
     for (int k = 0; k < 203; ++k)
@@ -447,8 +423,8 @@ TEST(CatalogueSafety, ProgramsAddingAtOnceAllLandInTheCatalogue)
     }
     const std::vector<SResult> results = AtOnce(commands, scratch);
     for (size_t w = 0; w < results.size(); ++w) {
-        EXPECT_EQ(results[w].status, 0) << "writer " << w << "\n" << results[w].output;
-        EXPECT_FALSE(kvtest::Contains(results[w].output, "not updated"));
+        EXPECT_EQ(results[w].status, 0) << "writer " << w << "\n" << results[w].out;
+        EXPECT_FALSE(kvtest::Contains(results[w].out, "not updated"));
     }
     EXPECT_EQ(Sorted(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name")), Sorted(expected));
     EXPECT_EQ(Sorted(NamesIn(user.File("custom_ellipsoid.gxr"), "ELLIPSOID_DEFINITION", "ID_Code")),
@@ -490,8 +466,8 @@ TEST(CatalogueSafety, HostsWritingBackAtOnceAllLandInTheCatalogue)
     kvtest::TempDir scratch;
     const std::vector<SResult> results = AtOnce(commands, scratch, [&gate] { OpenGate(gate, 8); });
     for (const SResult& r : results) {
-        EXPECT_EQ(r.status, 0) << r.output;
-        EXPECT_EQ(r.output, "");
+        EXPECT_EQ(r.status, 0) << r.out;
+        EXPECT_EQ(r.out, "");
     }
     const std::string path = user.File("custom_projection.gxr");
     EXPECT_EQ(Sorted(NamesIn(path, "MAP_PROJECTION_DEFINITION", "Projection_Name")), Sorted(expected));
@@ -629,11 +605,12 @@ TEST(CatalogueSafety, ASaveThatCouldNotBeMadeIsToldOnce)
         kvtest::WriteFile(path, FiveGrids(Grid("Site C")));
         const SResult r = Host(user.Path(), "--full-disk add-many 7");
         EXPECT_EQ(r.status, 0);
-        EXPECT_EQ(Count(r.output, header), 1) << r.output;
-        EXPECT_EQ(Count(r.output, "No space left on device"), 1) << r.output;
-        EXPECT_EQ(
-            Count(r.output, "7 new or changed entries were saved in " + user.File("custom_projection.unsaved.gxr")), 1)
-            << r.output;
+        EXPECT_EQ(kvtest::Count(r.out, header), 1) << r.out;
+        EXPECT_EQ(kvtest::Count(r.out, "No space left on device"), 1) << r.out;
+        EXPECT_EQ(kvtest::Count(r.out,
+                                "7 new or changed entries were saved in " + user.File("custom_projection.unsaved.gxr")),
+                  1)
+            << r.out;
         EXPECT_EQ(kvtest::ReadFile(path), FiveGrids(Grid("Site C")));
         EXPECT_EQ(
             NamesIn(user.File("custom_projection.unsaved.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name").size(),
@@ -644,9 +621,9 @@ TEST(CatalogueSafety, ASaveThatCouldNotBeMadeIsToldOnce)
         kvtest::TempDir user;
         kvtest::WriteFile(user.File("custom_projection.gxr"), FiveGrids(Grid("Site C")));
         const SResult r = Host(user.Path(), "--full-disk add-many 7 writeback errors");
-        EXPECT_TRUE(kvtest::Contains(r.output, "writeback -1"));
-        EXPECT_EQ(Count(r.output, "No space left on device"), 1) << r.output;
-        EXPECT_EQ(Count(r.output, header), 0) << r.output;
+        EXPECT_TRUE(kvtest::Contains(r.out, "writeback -1"));
+        EXPECT_EQ(kvtest::Count(r.out, "No space left on device"), 1) << r.out;
+        EXPECT_EQ(kvtest::Count(r.out, header), 0) << r.out;
     }
     {
         SCOPED_TRACE("a file that did not read, a host that exits");
@@ -654,8 +631,8 @@ TEST(CatalogueSafety, ASaveThatCouldNotBeMadeIsToldOnce)
         const std::string spoiled = FiveGrids(Grid("Site C", "    Fnort 1000\n"));
         kvtest::WriteFile(user.File("custom_projection.gxr"), spoiled);
         const SResult r = Host(user.Path(), "add 'New Grid'");
-        EXPECT_EQ(Count(r.output, header), 1) << r.output;
-        EXPECT_EQ(Count(r.output, "saved in " + user.File("custom_projection.unsaved.gxr")), 1) << r.output;
+        EXPECT_EQ(kvtest::Count(r.out, header), 1) << r.out;
+        EXPECT_EQ(kvtest::Count(r.out, "saved in " + user.File("custom_projection.unsaved.gxr")), 1) << r.out;
         EXPECT_EQ(kvtest::ReadFile(user.File("custom_projection.gxr")), spoiled);
     }
     {
@@ -673,9 +650,9 @@ TEST(CatalogueSafety, ASaveThatCouldNotBeMadeIsToldOnce)
         const SResult r =
             RunIn(user.Path(), "ulimit -f 40; trap '' XFSZ; " + std::string(KVCART_CLI) + " --catalogue '" +
                                    KVCART_SHIPPED_DATA_DIR + "' --user-dir . add 'New Grid' UTM-32");
-        EXPECT_EQ(r.status, 1) << r.output;
-        EXPECT_EQ(Count(r.output, "write failed"), 1) << r.output;
-        EXPECT_EQ(Count(r.output, "is lost"), 1) << r.output;
+        EXPECT_EQ(r.status, 1) << r.out;
+        EXPECT_EQ(kvtest::Count(r.out, "write failed"), 1) << r.out;
+        EXPECT_EQ(kvtest::Count(r.out, "is lost"), 1) << r.out;
         EXPECT_EQ(kvtest::ReadFile(user.File("custom_projection.gxr")), text);
     }
 }
@@ -688,7 +665,7 @@ TEST(CatalogueSafety, TheProgramsUserDirectoryIsWhereItIsNamed)
     kvtest::TempDir work;
     const std::string program = std::string(KVCART_CLI) + " --catalogue '" + KVCART_SHIPPED_DATA_DIR + "' ";
     SResult r = RunIn(work.Path(), program + "add 'Site Grid' UTM-32 --user-dir mycat/sub");
-    EXPECT_EQ(r.status, 0) << r.output;
+    EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_EQ(FilesIn(work.Path()), std::vector<std::string>{"mycat"});
     EXPECT_EQ(FilesIn(work.File("mycat")), std::vector<std::string>{"sub"});
     EXPECT_EQ(NamesIn(work.File("mycat/sub/custom_projection.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
@@ -701,10 +678,10 @@ TEST(CatalogueSafety, TheProgramsUserDirectoryIsWhereItIsNamed)
     chmod(readOnly.File("mycat/sub").c_str(), 0777);
     chmod(readOnly.Path().c_str(), 0555);
     r = RunIn(readOnly.Path(), program + "add 'Second Grid' UTM-33 --user-dir mycat/sub", true);
-    EXPECT_EQ(r.status, 0) << r.output;
+    EXPECT_EQ(r.status, 0) << r.out;
     r = RunIn(readOnly.Path(), program + "add 'Third Grid' UTM-34 --user-dir '" + readOnly.File("mycat/sub") + "'",
               true);
-    EXPECT_EQ(r.status, 0) << r.output;
+    EXPECT_EQ(r.status, 0) << r.out;
     chmod(readOnly.Path().c_str(), 0755);
     EXPECT_EQ(FilesIn(readOnly.Path()), std::vector<std::string>{"mycat"});
     EXPECT_EQ(NamesIn(readOnly.File("mycat/sub/custom_projection.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
@@ -715,15 +692,15 @@ TEST(CatalogueSafety, TheProgramsUserDirectoryIsWhereItIsNamed)
         SCOPED_TRACE(environment);
         for (const char* command : {"add 'Site Grid' UTM-32", "list"}) {
             r = RunIn(work.Path(), environment + program + command);
-            EXPECT_EQ(r.status, 2) << r.output;
-            EXPECT_TRUE(kvtest::Contains(r.output, "HOME"));
-            EXPECT_TRUE(kvtest::Contains(r.output, "--user-dir"));
+            EXPECT_EQ(r.status, 2) << r.out;
+            EXPECT_TRUE(kvtest::Contains(r.out, "HOME"));
+            EXPECT_TRUE(kvtest::Contains(r.out, "--user-dir"));
             EXPECT_EQ(FilesIn(work.Path()), std::vector<std::string>{"mycat"});
         }
     }
     r = RunIn(work.Path(),
               "env -u HOME XDG_CONFIG_HOME='" + work.File("config") + "' " + program + "add 'Site Grid' UTM-32");
-    EXPECT_EQ(r.status, 0) << r.output;
+    EXPECT_EQ(r.status, 0) << r.out;
     EXPECT_EQ(NamesIn(work.File("config/kvcart/custom_projection.gxr"), "MAP_PROJECTION_DEFINITION", "Projection_Name"),
               std::vector<std::string>{"Site Grid"});
 }
@@ -773,7 +750,7 @@ TEST(CatalogueSafety, KilledWritersLeaveNoTemporaryFilesBehind)
     EXPECT_EQ(FilesIn(user.Path()),
               (std::vector<std::string>{"custom_projection.gxr",
                                         "custom_projection.gxr.tmp." + std::to_string(getpid()) + ".7"}));
-    EXPECT_EQ(Count(kvtest::ReadFile(path), "  SECTION "), 6);
+    EXPECT_EQ(kvtest::Count(kvtest::ReadFile(path), "  SECTION "), 6);
 }
 
 // The process-wide umask is shared by every thread of the host; a writer that

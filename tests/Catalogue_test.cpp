@@ -8,7 +8,7 @@
 #include "projections/KvGeographical.h"
 #include "wkt/KvPRJParser.h"
 
-#include "TestSupport.h"
+#include "ProgramRun.h"
 
 using kvtest::Parameters;
 
@@ -27,15 +27,9 @@ std::string RunSession(const std::string& system, const std::string& user, const
 {
     const std::string command =
         std::string(KVCART_CATALOGUE_SESSION) + " '" + system + "' '" + user + "' " + arguments + " 2>&1";
-    std::string output;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[512];
-        while (fgets(buffer, sizeof buffer, pipe))
-            output += buffer;
-        const int status = pclose(pipe);
-        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << command << "\n" << output;
-    }
-    return output;
+    const kvtest::SRun run = kvtest::Piped(command);
+    EXPECT_EQ(run.status, 0) << command << "\n" << run.out;
+    return run.out;
 }
 
 } // namespace

@@ -180,14 +180,6 @@ void ExpectSame(const SResult& threaded, const SResult& one, const std::string& 
     EXPECT_EQ(threaded.err, one.err) << what;
 }
 
-size_t CountOf(const std::string& text, const std::string& what)
-{
-    size_t n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        ++n;
-    return n;
-}
-
 const size_t kBlockSizes[] = {1, 2, 7, 255, 256, 257, 1000, CKvPointStream::kPipelineLines};
 
 } // namespace
@@ -206,7 +198,7 @@ TEST(PointStreamThreads, EveryBlockSizeAndThreadCountGivesOneThreadsBytes)
             const SResult one = Convert(1, CKvPointStream::kPipelineLines, {text}, settings);
             ASSERT_GE(one.status, 0);
             EXPECT_EQ(static_cast<size_t>(std::count(one.out.begin(), one.out.end(), '\n')), lines + lines % 2);
-            EXPECT_LE(CountOf(one.err, "far outside the area of use of the test area"), 1u);
+            EXPECT_LE(kvtest::Count(one.err, "far outside the area of use of the test area"), 1);
             for (int threads : {1, 2, 3, 8})
                 ExpectSame(Convert(threads, block, {text}, settings), one,
                            std::to_string(lines) + " lines, blocks of " + std::to_string(block) + ", " +
@@ -228,8 +220,9 @@ TEST(PointStreamThreads, HeadersSeveralInputsAndTheInverse)
         SSettings settings;
         settings.skipHeader = skip;
         const SResult one = Convert(1, CKvPointStream::kPipelineLines, inputs, settings);
-        EXPECT_EQ(CountOf(one.err, "far outside the area of use"), 1u);
-        EXPECT_EQ(CountOf(one.err, "holds no coordinates; if it is a header, use --skip-header 1"), skip == 0 ? 3u : 0u)
+        EXPECT_EQ(kvtest::Count(one.err, "far outside the area of use"), 1);
+        EXPECT_EQ(kvtest::Count(one.err, "holds no coordinates; if it is a header, use --skip-header 1"),
+                  skip == 0 ? 3 : 0)
             << one.err.substr(0, 400);
         for (int threads : {2, 3, 8})
             for (size_t block : {size_t(1), size_t(3), size_t(256), size_t(999)})
@@ -242,7 +235,7 @@ TEST(PointStreamThreads, HeadersSeveralInputsAndTheInverse)
     const std::vector<std::string> grid = {GridLines(5000, 4), GridLines(33, 5)};
     const SResult one = Convert(1, CKvPointStream::kPipelineLines, grid, inverse);
     EXPECT_GT(one.status, 0);
-    EXPECT_EQ(CountOf(one.err, "far outside the area of use"), 1u);
+    EXPECT_EQ(kvtest::Count(one.err, "far outside the area of use"), 1);
     for (int threads : {2, 3})
         for (size_t block : {size_t(1), size_t(100), size_t(4096)})
             ExpectSame(Convert(threads, block, grid, inverse), one, "inverse");

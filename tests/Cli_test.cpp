@@ -18,22 +18,10 @@
 #include <sys/wait.h>
 #include <vector>
 
-namespace {
-
 using kvtest::Kvcart;
 using kvtest::Quote;
 using kvtest::Shell;
 using kvtest::SRun;
-
-const char kOsgb36Wkt[] = "PROJCS[\"OSGB 1936 / British National Grid\",GEOGCS[\"OSGB 1936\",DATUM[\"OSGB_1936\","
-                          "SPHEROID[\"Airy 1830\",6377563.396,299.3249646],"
-                          "TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]],PRIMEM[\"Greenwich\",0],"
-                          "UNIT[\"degree\",0.0174532925199433]],PROJECTION[\"Transverse_Mercator\"],"
-                          "PARAMETER[\"latitude_of_origin\",49],PARAMETER[\"central_meridian\",-2],"
-                          "PARAMETER[\"scale_factor\",0.9996012717],PARAMETER[\"false_easting\",400000],"
-                          "PARAMETER[\"false_northing\",-100000],UNIT[\"metre\",1]]";
-
-} // namespace
 
 TEST(Cli, TransformKeepsEveryLineAlignedAndMarksWhatItCannotRead)
 {
@@ -125,7 +113,7 @@ TEST(Cli, BadSystemsAndOptionsStopBeforeAnyPointIsRead)
 TEST(Cli, PrjFilesAndDatumShiftsMatchProj)
 {
     kvtest::TempDir dir;
-    kvtest::WriteFile(dir.File("bng.prj"), std::string(kOsgb36Wkt) + "\r\n");
+    kvtest::WriteFile(dir.File("bng.prj"), std::string(kvtest::kOsgbGrid) + "\r\n");
     // cs2cs EPSG:4326 EPSG:27700 (Helmert, no grid): 530006.22 180446.28, 318217.99 176508.92
     const std::string places = "-0.12810 51.50800 Trafalgar Square\n-3.17910 51.48160 Cardiff\n";
     const char* expected = "530006.22 180446.28 Trafalgar Square\n318217.99 176508.92 Cardiff\n";
@@ -175,7 +163,7 @@ TEST(Cli, DescribesSystemsAndAnswersTheSmallQuestions)
           "Origin:        longitude 9, latitude 0; grid 500000.000 0.000\n", "Axes:          east, north\n",
           "Datum shift:   none\n", "    PROJECTION[\"Transverse_Mercator\"],\n", "PROJ.4:        +proj=tmerc"})
         EXPECT_TRUE(kvtest::Contains(info.out, line));
-    const SRun wkt = Kvcart(dir, {"info", kOsgb36Wkt});
+    const SRun wkt = Kvcart(dir, {"info", kvtest::kOsgbGrid});
     EXPECT_TRUE(kvtest::Contains(wkt.out, "Datum shift:   446.448,-125.157,542.06,0.15,0.247,0.842,-20.489 to WGS 84"));
 
     const SRun branch = Kvcart(dir, {"list", "--branch", "OSGB 1936"});
@@ -256,7 +244,7 @@ TEST(Cli, CatalogueAndUserDirectoryOptions)
 TEST(Cli, UserCatalogueEditsSurviveTheNextRunAndLoseNothing)
 {
     kvtest::TempDir dir;
-    kvtest::WriteFile(dir.File("bng.prj"), kOsgb36Wkt);
+    kvtest::WriteFile(dir.File("bng.prj"), kvtest::kOsgbGrid);
     // The user's file already holds a comment and a section this library does not know.
     std::system(("mkdir -p " + Quote(dir.File("config/kvcart"))).c_str());
     const std::string own = "TARGET MAP_PROJECTION_DEFINITION\n"
@@ -1074,7 +1062,7 @@ TEST(Cli, ZonesOfPointsAndWktOfSystems)
     EXPECT_EQ(byText.status, 0);
 
     // A WKT file in, the OGC form out: GDAL's names, the shift kept.
-    kvtest::WriteFile(dir.File("bng.prj"), kOsgb36Wkt);
+    kvtest::WriteFile(dir.File("bng.prj"), kvtest::kOsgbGrid);
     const SRun file = Kvcart(dir, {"wkt", "@bng.prj", "--ogc"});
     EXPECT_TRUE(kvtest::Contains(file.out, "TOWGS84[446.448,-125.157,542.06,0.15,0.247,0.842,-20.489]"));
 

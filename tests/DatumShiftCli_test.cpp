@@ -20,14 +20,6 @@ namespace {
 using kvtest::Kvcart;
 using kvtest::SRun;
 
-int Count(const std::string& text, const std::string& what)
-{
-    int n = 0;
-    for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-        ++n;
-    return n;
-}
-
 // The reference rows of one catalogue name: "lon lat" input and "x y" expected.
 void References(const std::string& name, std::string& input, std::vector<std::vector<double>>& expected)
 {
@@ -158,15 +150,15 @@ TEST(DatumShiftCli, AnUnknownShiftIsNeverSilent)
     const std::string three = "530006.22 180446.28\n318217.99 176508.92\n325897.22 674001.20\n";
     const SRun warned = Kvcart(dir, {"transform", "British National Grid", "@rd.prj"}, three);
     EXPECT_EQ(warned.status, 0) << warned.err;
-    EXPECT_EQ(Count(warned.out, "\n"), 3);
-    EXPECT_EQ(Count(warned.err, "warning"), 1) << warned.err;
+    EXPECT_EQ(kvtest::Count(warned.out, "\n"), 3);
+    EXPECT_EQ(kvtest::Count(warned.err, "warning"), 1) << warned.err;
     EXPECT_TRUE(
         kvtest::Contains(warned.err, "kvcart: warning: the datum changes from \"OSGB 1936\" to \"Local_Survey_1950\""));
     EXPECT_TRUE(kvtest::Contains(warned.err, "hundreds of metres"));
     EXPECT_TRUE(kvtest::Contains(warned.err, "--strict-datum"));
     // The same the other way, with --inverse.
     const SRun inverse = Kvcart(dir, {"transform", "@rd.prj", "British National Grid", "--inverse"}, three);
-    EXPECT_EQ(Count(inverse.err, "warning"), 1) << inverse.err;
+    EXPECT_EQ(kvtest::Count(inverse.err, "warning"), 1) << inverse.err;
 
     const SRun strict = Kvcart(dir, {"transform", "British National Grid", "@rd.prj", "--strict-datum"}, three);
     EXPECT_EQ(strict.status, 2);
@@ -194,7 +186,7 @@ TEST(DatumShiftCli, AnUnknownShiftIsNeverSilent)
         const SRun run = Kvcart(dir, q.args, q.input);
         EXPECT_EQ(run.status, 0) << q.args[2] << run.err;
         EXPECT_EQ(run.err, "") << q.args[2];
-        EXPECT_EQ(Count(run.out, "\n"), 1) << q.args[2];
+        EXPECT_EQ(kvtest::Count(run.out, "\n"), 1) << q.args[2];
     }
 }
 
@@ -221,8 +213,8 @@ TEST(DatumShiftCli, AddKeepsTheShiftAndTheCode)
     ASSERT_EQ(wkt.status, 0) << wkt.err;
     EXPECT_FALSE(kvtest::Contains(wkt.err, "not kept"));
     const std::string after = kvtest::ReadFile(dir.File("config/kvcart/custom_projection.gxr"));
-    EXPECT_EQ(Count(after, "    TOWGS84 "), 2) << after;
-    EXPECT_EQ(Count(after, "EPSG_Code"), 1) << "a WKT without an AUTHORITY has no code";
+    EXPECT_EQ(kvtest::Count(after, "    TOWGS84 "), 2) << after;
+    EXPECT_EQ(kvtest::Count(after, "EPSG_Code"), 1) << "a WKT without an AUTHORITY has no code";
     const SRun fromWkt = Kvcart(dir, {"transform", "LONG/LAT", "RD from WKT", "--precision", "2"}, point);
     EXPECT_EQ(fromWkt.out, "136783.73 455860.14\n") << fromWkt.err;
     // Without a TOWGS84 the stored definition has no shift: it warns against a known one.

@@ -47,6 +47,22 @@ inline SRun Shell(const TempDir& dir, const std::string& command)
     return run;
 }
 
+// A shell command line read through a pipe: its output (the line redirects
+// standard error itself when it wants it) and its exit status, 128 + the
+// signal that ended it.
+inline SRun Piped(const std::string& line)
+{
+    SRun run;
+    if (FILE* pipe = popen(line.c_str(), "r")) {
+        char buffer[512];
+        while (fgets(buffer, sizeof buffer, pipe))
+            run.out += buffer;
+        const int status = pclose(pipe);
+        run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    }
+    return run;
+}
+
 // The program run in dir with XDG_CONFIG_HOME there, so that the default user
 // directory is the test's own; input, when given, is its standard input
 // (otherwise /dev/null).
