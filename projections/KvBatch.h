@@ -25,6 +25,19 @@
 #define KVCART_SIMD_LOOP
 #endif
 
+// For a block loop whose path takes a quotient of operands chosen under the
+// same conditions (CKvMathKernel::Atan2's and AtanUnit's num / den): GCC's
+// jump threading would copy the division into each case before the loop is
+// if-converted, so that the vector loop computes every case's quotient and
+// then chooses (five divisions per point where three are needed in the polar
+// stereographic inverse). Without it the loop chooses first and divides once;
+// the operations kept, and so the bits, are the same.
+#if defined(__GNUC__) && !defined(__clang__)
+#define KVCART_ONE_QUOTIENT __attribute__((optimize("no-thread-jumps")))
+#else
+#define KVCART_ONE_QUOTIENT
+#endif
+
 // Defines NAME, the vectorized loop of an engine's fast path over one block of
 // contiguous points: ok[i] = PATH(figures, a[i], b[i], u[i], v[i]), PATH an
 // inline function of the engine's figures (a struct of doubles and flags) that

@@ -146,6 +146,8 @@ double CKvPolarStereographicCore::Convergence(double lambda) const
 namespace {
 
 KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvPolarStereographicCore::SFigures, CKvPolarStereographicCore::Forward)
+// The inverse's two arctangents, one quotient each (KVCART_ONE_QUOTIENT).
+KVCART_ONE_QUOTIENT
 KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CKvPolarStereographicCore::SFigures, CKvPolarStereographicCore::Inverse)
 
 } // namespace
