@@ -15,10 +15,6 @@ CKvAlbersEqualArea::CKvAlbersEqualArea(const std::string& name, double phi1, dou
 
 CKvVariant* CKvAlbersEqualArea::_makeVariant(const CKvAlbersEqualAreaProjection& p, const CKvEllipsoid& ellipsoid)
 {
-    if (_isSphere(ellipsoid))
-        return new CKvAlbersEqualAreaSphere(p.GetParallel1(), p.GetParallel2(), p.GetCentralMeridian(),
-                                            p.GetOriginLatitude(), p.GetFalseEasting(), p.GetFalseNorthing(),
-                                            ellipsoid);
-    return new CKvAlbersEqualAreaEllipsoid(p.GetParallel1(), p.GetParallel2(), p.GetCentralMeridian(),
-                                           p.GetOriginLatitude(), p.GetFalseEasting(), p.GetFalseNorthing(), ellipsoid);
+    return CKvConicVariant::Make<CKvAlbersEqualAreaSphere, CKvAlbersEqualAreaEllipsoid>(p, ellipsoid,
+                                                                                        _isSphere(ellipsoid));
 }

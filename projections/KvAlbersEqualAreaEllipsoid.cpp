@@ -28,13 +28,6 @@ KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, dou
     return placed & (std::fabs(lat) <= 90.0) & (radicand >= 0.0);
 }
 
-// The point at lon - lon0, within +-180 of the central meridian.
-KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
-{
-    const double d = lon - f.cone.lon0;
-    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
-}
-
 // Inverse: sin beta from the squared radius, with no square root, and the
 // latitude by the authalic kernel. false: within a degree of the poles (where
 // the general formulas set a rounding overshoot on the pole), off the map, a
@@ -48,9 +41,6 @@ KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double&
     lat = CKvConformalLatitude::AuthalicLatitudeKernel(f.authalic, sinBeta) * (1.0 / kDeg);
     return unplaced & (std::fabs(sinBeta) <= kFastSinBeta);
 }
-
-KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
-KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
 } // namespace
 
 CKvAlbersEqualAreaEllipsoid::CKvAlbersEqualAreaEllipsoid(double phi1, double phi2, double lambda0, double phi0,
@@ -95,4 +85,4 @@ double CKvAlbersEqualAreaEllipsoid::_latitude(double rho) const
     return CKvConformalLatitude::AuthalicLatitude(m_authalic, (m_C - rho * rho * m_n * m_n / (m_a * m_a)) / m_n);
 }
 
-KVCART_DEFINE_CONIC_FAST_CALLS(CKvAlbersEqualAreaEllipsoid, fastForward, fastInverse)
+KVCART_DEFINE_CONIC_FAST_CALLS(CKvAlbersEqualAreaEllipsoid)

@@ -14,28 +14,18 @@ class CKvAlbersEqualAreaEllipsoid final : public CKvConicVariantT<CKvAlbersEqual
     friend class CKvConicVariantT<CKvAlbersEqualAreaEllipsoid>;
 
 public:
-    using CKvProjInterface::Geo2Proj;
-    using CKvProjInterface::Proj2Geo;
     CKvAlbersEqualAreaEllipsoid(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                                 double falseNorthing, const CKvEllipsoid& ellipsoid);
-    CKvVariant* Clone() const override { return new CKvAlbersEqualAreaEllipsoid(*this); }
-    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
-    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
-    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
-                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
-    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
-                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
+    KVCART_DECLARE_CONIC_FAST_CALLS(CKvAlbersEqualAreaEllipsoid)
 
     // The figures of the fast paths (the inline kernels, in the single-point
     // calls and the vectorized batch loops alike):
     //   rho = (a / n) sqrt(C - n q), sin beta = q / q_P = C / (n q_P) - rho^2 n / (a^2 q_P).
-    struct SFigures
+    struct SFigures : SFastFigures
     {
-        SCone cone;
         CKvConformalLatitude::SAuthalic authalic;
         double C = 0.0, aOverN = 0.0;
         double sinBetaApex = 0.0, sinBetaPerRho2 = 0.0;
-        bool fastForward = false, fastInverse = false;
     };
 
 private:

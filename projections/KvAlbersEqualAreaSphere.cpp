@@ -20,16 +20,10 @@ KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, dou
     return placed & (std::fabs(lat) <= 90.0) & (radicand >= 0.0);
 }
 
-// The point at lon - lon0, within +-180 of the central meridian.
-KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
-{
-    const double d = lon - f.cone.lon0;
-    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
-}
-
 // Inverse: sin phi from the squared radius, with no square root, and asin by
 // the kernel. false: off the map (|sin phi| > 1), a longitude to be reduced,
-// not finite.
+// not finite. The kernel's asin is never beyond pi/2, which gives 90 degrees
+// exactly: the points kept are within the engine's inverse guard as they are.
 KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
 {
     double rho2;
@@ -38,9 +32,6 @@ KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double&
     lat = CKvMathKernel::Asin(sinPhi) * (1.0 / kDeg);
     return unplaced & (std::fabs(sinPhi) <= 1.0);
 }
-
-KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
-KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
 } // namespace
 
 CKvAlbersEqualAreaSphere::CKvAlbersEqualAreaSphere(double phi1, double phi2, double lambda0, double phi0,
@@ -59,8 +50,8 @@ CKvAlbersEqualAreaSphere::CKvAlbersEqualAreaSphere(double phi1, double phi2, dou
     f.aOverN = m_a / n;
     f.sinPhiApex = m_C / (2.0 * n);
     f.sinPhiPerRho2 = n / (2.0 * m_a * m_a);
-    f.fast = m_cone.finite && m_a > 0.0 && std::isfinite(f.C) && std::isfinite(f.aOverN) &&
-             std::isfinite(f.sinPhiApex) && std::isfinite(f.sinPhiPerRho2);
+    f.fastForward = f.fastInverse = m_cone.finite && m_a > 0.0 && std::isfinite(f.C) && std::isfinite(f.aOverN) &&
+                                    std::isfinite(f.sinPhiApex) && std::isfinite(f.sinPhiPerRho2);
 }
 
 double CKvAlbersEqualAreaSphere::_rho(double phi) const
@@ -74,4 +65,4 @@ double CKvAlbersEqualAreaSphere::_latitude(double rho) const
     return std::asin((m_C - r * r) / (2.0 * m_n));
 }
 
-KVCART_DEFINE_CONIC_FAST_CALLS(CKvAlbersEqualAreaSphere, fast, fast)
+KVCART_DEFINE_CONIC_FAST_CALLS(CKvAlbersEqualAreaSphere)

@@ -7,6 +7,7 @@
 #include "projections/KvVariant.h"
 
 #include <cmath>
+#include <cstddef>
 
 // What the sphere and ellipsoid variants of the conic engines share: the cone
 // (constant n, radius rho0 of the origin parallel) and the mapping between the
@@ -28,6 +29,13 @@ public:
         double n = 0.0, nDeg = 0.0, invN = 0.0, sign = 1.0, rho0 = 0.0;
         double FE = 0.0, FN = 0.0, lon0 = 0.0, lambda0 = 0.0;
         bool finite = false; // every figure finite, n not 0
+    };
+    // What every variant's figures start with: the cone, and whether the
+    // variant's own figures are within the kernels' reach, forward and back.
+    struct SFastFigures
+    {
+        SCone cone;
+        bool fastForward = false, fastInverse = false;
     };
     // The grid point of radius rho at d degrees of longitude from the central
     // meridian: sin theta and cos theta = sin(pi/2 - |theta|) by the series
@@ -63,6 +71,19 @@ public:
         rho2 = dx * dx + dy * dy;
         lon = (CKvMathKernel::Atan2(cone.sign * dx, cone.sign * dy) * cone.invN + cone.lambda0) * ToDegrees;
         return (rho2 <= 1e300) & (std::fabs(lon) <= 180.0);
+    }
+
+    // The variant of an engine's parameters p for its ellipsoid: TSphere on a
+    // sphere, TEllipsoid otherwise, both taking the parallels, the central
+    // meridian, the origin latitude, FE and FN.
+    template <class TSphere, class TEllipsoid, class TParameters>
+    static CKvVariant* Make(const TParameters& p, const CKvEllipsoid& ellipsoid, bool sphere)
+    {
+        if (sphere)
+            return new TSphere(p.GetParallel1(), p.GetParallel2(), p.GetCentralMeridian(), p.GetOriginLatitude(),
+                               p.GetFalseEasting(), p.GetFalseNorthing(), ellipsoid);
+        return new TEllipsoid(p.GetParallel1(), p.GetParallel2(), p.GetCentralMeridian(), p.GetOriginLatitude(),
+                              p.GetFalseEasting(), p.GetFalseNorthing(), ellipsoid);
     }
 
 protected:
@@ -143,18 +164,48 @@ private:
     static constexpr double kDeg = CKvAngle::Pi / 180.0;
 };
 
+// The members that a conic variant CLASS with a fast path declares, in its
+// public part: the single-point calls, the batch forms, its copy, and the
+// batch inverse that guards its own points (the engine then makes no second
+// pass). KVCART_DEFINE_CONIC_FAST_CALLS defines them.
+#define KVCART_DECLARE_CONIC_FAST_CALLS(CLASS)                                                                      \
+    using CKvProjInterface::Geo2Proj;                                                                              \
+    using CKvProjInterface::Proj2Geo;                                                                              \
+    CKvVariant* Clone() const override { return new CLASS(*this); }                                                \
+    bool GuardsBatchInverse() const override { return true; }                                                      \
+    void Geo2Proj(double lon, double lat, double* x, double* y) const override;                                    \
+    void Proj2Geo(double x, double y, double* lon, double* lat) const override;                                    \
+    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride, \
+                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;                  \
+    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,       \
+                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
+
 // The single-point calls and batch forms of a conic variant CLASS with a fast
-// path: the file that expands this defines Forward, ForwardAt and Inverse on
-// CLASS::SFigures and their block loops ForwardBlock and InverseBlock
-// (KVCART_DEFINE_BLOCK_LOOP); m_fast holds the figures, with the flags
-// FAST_FORWARD and FAST_INVERSE saying whether they are within the kernels'
-// reach. A point the fast path leaves (a longitude difference beyond +-180 is
-// tried once more reduced) takes CKvConicVariantT's general formulas, in the
-// batch as in the single-point call, so that both give the same bits.
-#define KVCART_DEFINE_CONIC_FAST_CALLS(CLASS, FAST_FORWARD, FAST_INVERSE)                                           \
+// path, whose figures CLASS::SFigures (an SFastFigures) m_fast holds. The file
+// that expands this defines, before it, on those figures:
+//   ForwardAt(f, d, lat, x, y): the point at d degrees from the central meridian;
+//   Inverse(f, x, y, lon, lat), whose points within the path are within the
+//     inverse guard as they are (finite grid input, |lat| <= 90);
+// and gets from it Forward (lon - lon0 within +-180, no reduction) and the
+// block loops ForwardBlock and InverseBlock (KVCART_DEFINE_BLOCK_LOOP). A point
+// the fast path leaves (a longitude difference beyond +-180 is tried once more
+// reduced) takes CKvConicVariantT's general formulas, in the batch as in the
+// single-point call, so that both give the same bits; in the batch inverse
+// followed by the engine's guard, which the engine applies to its single-point
+// calls.
+#define KVCART_DEFINE_CONIC_FAST_CALLS(CLASS)                                                                       \
+    namespace {                                                                                                    \
+    KVCART_ALWAYS_INLINE bool Forward(const CLASS::SFigures& f, double lon, double lat, double& x, double& y)       \
+    {                                                                                                              \
+        const double d = lon - f.cone.lon0;                                                                        \
+        return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);                                               \
+    }                                                                                                              \
+    KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CLASS::SFigures, Forward)                                               \
+    KVCART_DEFINE_BLOCK_LOOP(InverseBlock, CLASS::SFigures, Inverse)                                               \
+    }                                                                                                              \
     void CLASS::Geo2Proj(double lon, double lat, double* x, double* y) const                                       \
     {                                                                                                              \
-        if (m_fast.FAST_FORWARD &&                                                                                 \
+        if (m_fast.fastForward &&                                                                                  \
             (Forward(m_fast, lon, lat, *x, *y) ||                                                                  \
              ForwardAt(m_fast, CKvConicVariant::ReducedDifference(m_cone, lon), lat, *x, *y)))                     \
             return;                                                                                                \
@@ -162,23 +213,24 @@ private:
     }                                                                                                              \
     void CLASS::Proj2Geo(double x, double y, double* lon, double* lat) const                                       \
     {                                                                                                              \
-        if (m_fast.FAST_INVERSE && Inverse(m_fast, x, y, *lon, *lat))                                              \
+        if (m_fast.fastInverse && Inverse(m_fast, x, y, *lon, *lat))                                               \
             return;                                                                                                \
         CKvConicVariantT::Proj2Geo(x, y, lon, lat);                                                                \
     }                                                                                                              \
     void CLASS::Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat,               \
                          std::size_t latStride, double* x, std::size_t xStride, double* y, std::size_t yStride) const \
     {                                                                                                              \
-        CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.FAST_FORWARD, n, lon, lonStride, lat, latStride, x, \
+        CKvBatch::ForEachFastBlock(ForwardBlock, m_fast, m_fast.fastForward, n, lon, lonStride, lat, latStride, x,  \
                                    xStride, y, yStride,                                                            \
                                    [this](double a, double b, double* u, double* v) { CLASS::Geo2Proj(a, b, u, v); }); \
     }                                                                                                              \
     void CLASS::Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride, \
                          double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const             \
     {                                                                                                              \
-        CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.FAST_INVERSE, n, x, xStride, y, yStride, lon,      \
+        CKvBatch::ForEachFastBlock(InverseBlock, m_fast, m_fast.fastInverse, n, x, xStride, y, yStride, lon,       \
                                    lonStride, lat, latStride, [this](double a, double b, double* u, double* v) {   \
                                        CKvConicVariantT::Proj2Geo(a, b, u, v);                                     \
+                                       CKvAngle::GuardInverse(a, b, u, v);                                         \
                                    });                                                                             \
     }
 

@@ -15,11 +15,6 @@ CKvEquidistantConic::CKvEquidistantConic(const std::string& name, double phi1, d
 
 CKvVariant* CKvEquidistantConic::_makeVariant(const CKvEquidistantConicProjection& p, const CKvEllipsoid& ellipsoid)
 {
-    if (_isSphere(ellipsoid))
-        return new CKvEquidistantConicSphere(p.GetParallel1(), p.GetParallel2(), p.GetCentralMeridian(),
-                                             p.GetOriginLatitude(), p.GetFalseEasting(), p.GetFalseNorthing(),
-                                             ellipsoid);
-    return new CKvEquidistantConicEllipsoid(p.GetParallel1(), p.GetParallel2(), p.GetCentralMeridian(),
-                                            p.GetOriginLatitude(), p.GetFalseEasting(), p.GetFalseNorthing(),
-                                            ellipsoid);
+    return CKvConicVariant::Make<CKvEquidistantConicSphere, CKvEquidistantConicEllipsoid>(p, ellipsoid,
+                                                                                          _isSphere(ellipsoid));
 }

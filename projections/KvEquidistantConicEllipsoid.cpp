@@ -25,13 +25,6 @@ KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, dou
     return placed & (std::fabs(lat) <= 90.0);
 }
 
-// The point at lon - lon0, within +-180 of the central meridian.
-KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
-{
-    const double d = lon - f.cone.lon0;
-    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
-}
-
 // Inverse: the radius of the sign of n, its rectifying latitude, and the
 // latitude of that by the inverse series of the meridian distance, with no
 // Newton step. false: a latitude beyond the poles (which the general formulas
@@ -44,9 +37,6 @@ KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double&
     lat = CKvConformalLatitude::MeridianLatitudeSeries(f.footpoint, mu) * (1.0 / kDeg);
     return unplaced & (std::fabs(mu) <= 1.5707963267948966) & (std::fabs(lat) <= 90.0);
 }
-
-KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
-KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
 } // namespace
 
 CKvEquidistantConicEllipsoid::CKvEquidistantConicEllipsoid(double phi1, double phi2, double lambda0, double phi0,
@@ -71,8 +61,8 @@ CKvEquidistantConicEllipsoid::CKvEquidistantConicEllipsoid(double phi1, double p
     f.aG = m_a * m_G;
     // The kernels hold for the eccentricities of the earth (e^2 <= 0.01).
     f.footpoint = CKvConformalLatitude::MakeMeridianInverse(m_meridian);
-    f.fast = m_cone.finite && e2 > 0.0 && e2 <= 0.01 && std::isfinite(f.aG);
-    f.fastInverse = f.fast && f.footpoint.series;
+    f.fastForward = m_cone.finite && e2 > 0.0 && e2 <= 0.01 && std::isfinite(f.aG);
+    f.fastInverse = f.fastForward && f.footpoint.series;
 }
 
 double CKvEquidistantConicEllipsoid::_meridian(double phi) const
@@ -87,4 +77,4 @@ double CKvEquidistantConicEllipsoid::_latitude(double rho) const
     return CKvConformalLatitude::MeridianLatitude(m_meridian, m_a * m_G - rho);
 }
 
-KVCART_DEFINE_CONIC_FAST_CALLS(CKvEquidistantConicEllipsoid, fast, fastInverse)
+KVCART_DEFINE_CONIC_FAST_CALLS(CKvEquidistantConicEllipsoid)

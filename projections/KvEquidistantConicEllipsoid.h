@@ -16,28 +16,18 @@ class CKvEquidistantConicEllipsoid final : public CKvConicVariantT<CKvEquidistan
     friend class CKvConicVariantT<CKvEquidistantConicEllipsoid>;
 
 public:
-    using CKvProjInterface::Geo2Proj;
-    using CKvProjInterface::Proj2Geo;
     CKvEquidistantConicEllipsoid(double phi1, double phi2, double lambda0, double phi0, double falseEasting,
                                  double falseNorthing, const CKvEllipsoid& ellipsoid);
-    CKvVariant* Clone() const override { return new CKvEquidistantConicEllipsoid(*this); }
-    void Geo2Proj(double lon, double lat, double* x, double* y) const override;
-    void Proj2Geo(double x, double y, double* lon, double* lat) const override;
-    void Geo2Proj(std::size_t n, const double* lon, std::size_t lonStride, const double* lat, std::size_t latStride,
-                  double* x, std::size_t xStride, double* y, std::size_t yStride) const override;
-    void Proj2Geo(std::size_t n, const double* x, std::size_t xStride, const double* y, std::size_t yStride,
-                  double* lon, std::size_t lonStride, double* lat, std::size_t latStride) const override;
+    KVCART_DECLARE_CONIC_FAST_CALLS(CKvEquidistantConicEllipsoid)
 
     // The figures of the fast paths (the inline kernels, in the single-point
     // calls and the vectorized batch loops alike): rho = a G - M(phi), and
     // back through the rectifying latitude (aG - rho) / (a m0).
-    struct SFigures
+    struct SFigures : SFastFigures
     {
-        SCone cone;
         CKvConformalLatitude::SMeridian meridian;
         CKvConformalLatitude::SMeridianInverse footpoint;
         double aG = 0.0;
-        bool fast = false, fastInverse = false;
     };
 
 private:

@@ -18,13 +18,6 @@ KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, dou
     return placed & (std::fabs(lat) <= 90.0);
 }
 
-// The point at lon - lon0, within +-180 of the central meridian.
-KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
-{
-    const double d = lon - f.cone.lon0;
-    return ForwardAt(f, d, lat, x, y) & (std::fabs(d) <= 180.0);
-}
-
 // Inverse. false: a latitude beyond the poles, a longitude to be reduced, not
 // finite.
 KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
@@ -34,9 +27,6 @@ KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double&
     lat = (f.G - f.cone.sign * std::sqrt(rho2) * f.invA) * (1.0 / kDeg);
     return unplaced & (std::fabs(lat) <= 90.0);
 }
-
-KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, SFigures, Forward)
-KVCART_DEFINE_BLOCK_LOOP(InverseBlock, SFigures, Inverse)
 } // namespace
 
 CKvEquidistantConicSphere::CKvEquidistantConicSphere(double phi1, double phi2, double lambda0, double phi0,
@@ -54,7 +44,7 @@ CKvEquidistantConicSphere::CKvEquidistantConicSphere(double phi1, double phi2, d
     f.a = m_a;
     f.G = m_G;
     f.invA = 1.0 / m_a;
-    f.fast = m_cone.finite && m_a > 0.0 && std::isfinite(f.G) && std::isfinite(f.invA);
+    f.fastForward = f.fastInverse = m_cone.finite && m_a > 0.0 && std::isfinite(f.G) && std::isfinite(f.invA);
 }
 
-KVCART_DEFINE_CONIC_FAST_CALLS(CKvEquidistantConicSphere, fast, fast)
+KVCART_DEFINE_CONIC_FAST_CALLS(CKvEquidistantConicSphere)

@@ -9,6 +9,10 @@ class CKvVariant : public CKvProjInterface
 {
 public:
     virtual CKvVariant* Clone() const = 0;
+    // Whether the batch inverse already leaves each point as the engine's
+    // inverse guard (CKvAngle::GuardInverse) would, so that the engine makes no
+    // second pass over the outputs.
+    virtual bool GuardsBatchInverse() const { return false; }
 };
 
 // The batch loops of a final variant class TVariant built on TBase: the

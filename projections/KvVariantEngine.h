@@ -69,6 +69,10 @@ public:
             CKvEngine<TEngine, TDefinition>::Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
             return;
         }
+        if (m_pVariant->GuardsBatchInverse()) {
+            m_pVariant->Proj2Geo(n, x, xStride, y, yStride, lon, lonStride, lat, latStride);
+            return;
+        }
         constexpr std::size_t D = sizeof(double);
         if (xStride == D && yStride == D && lonStride == D && latStride == D && CKvBatch::Apart(x, n, lon, n) &&
             CKvBatch::Apart(x, n, lat, n) && CKvBatch::Apart(y, n, lon, n) && CKvBatch::Apart(y, n, lat, n)) {
