@@ -98,6 +98,33 @@ CKvConformalLatitude::SAuthalic CKvConformalLatitude::MakeAuthalic(double e)
     return authalic;
 }
 
+CKvConformalLatitude::SAuthalicInverse CKvConformalLatitude::MakeAuthalicInverse(double e)
+{
+    SAuthalicInverse inverse;
+    if (!(e > 0.0 && e <= CKvMathKernel::EccentricSinhLimit))
+        return inverse;
+    const double f = e * e / (1.0 + std::sqrt(1.0 - e * e)); // 1 - sqrt(1 - e^2), without cancellation
+    const double n = f / (2.0 - f);
+    double c[6];
+    c[0] = n * (4.0 / 3 + n * (4.0 / 45 + n * (-16.0 / 35 + n * (-2582.0 / 14175 + n * (60136.0 / 467775 +
+                                                                                   n * (28112932.0 / 212837625))))));
+    c[1] = n * n * (46.0 / 45 + n * (152.0 / 945 + n * (-11966.0 / 14175 + n * (-21016.0 / 51975 +
+                                                                               n * (251310128.0 / 638512875)))));
+    c[2] = n * n * n * (3044.0 / 2835 + n * (3802.0 / 14175 + n * (-94388.0 / 66825 + n * (-8797648.0 / 10945935))));
+    c[3] = n * n * n * n * (6059.0 / 4725 + n * (41072.0 / 93555 + n * (-1472637812.0 / 638512875)));
+    c[4] = n * n * n * n * n * (768272.0 / 467775 + n * (455935736.0 / 638512875));
+    c[5] = n * n * n * n * n * n * (4210684958.0 / 1915538625);
+    // sin 2k beta = sin 2beta U_{k-1}(cos 2beta), collected by powers of cos 2beta.
+    inverse.poly[0] = c[0] - c[2] + c[4];
+    inverse.poly[1] = 2.0 * c[1] - 4.0 * c[3] + 6.0 * c[5];
+    inverse.poly[2] = 4.0 * c[2] - 12.0 * c[4];
+    inverse.poly[3] = 8.0 * c[3] - 32.0 * c[5];
+    inverse.poly[4] = 16.0 * c[4];
+    inverse.poly[5] = 32.0 * c[5];
+    inverse.series = true;
+    return inverse;
+}
+
 double CKvConformalLatitude::AuthalicRadius(double a, double e)
 {
     return e > 0.0 ? a * std::sqrt(MakeAuthalic(e).qPole / 2.0) : a;

@@ -178,6 +178,34 @@ public:
         return phi + (std::fabs(step) <= 1e-3 ? step : 0.0);
     }
 
+    // The geodetic latitude from the authalic one in closed form: Karney's
+    // Fourier series in the third flattening n ("On auxiliary latitudes",
+    // Survey Review 56, 2024, the geographic latitude from the authalic one),
+    //   phi = beta + sum_{k=1..6} c_k sin 2k beta,   c_k = O(n^k),
+    // to n^6. The terms left out are O(n^7) with coefficients of a few units:
+    // below 10 n^7 < 7e-18 rad for e <= CKvMathKernel::EccentricSinhLimit = 0.1
+    // (n <= 0.00252; long double puts the whole error there below 6e-18), which
+    // covers every terrestrial ellipsoid. As for the conformal series, the sum
+    // is kept as sin 2beta times a polynomial in cos 2beta. series is false
+    // beyond that eccentricity (and for a sphere, where phi = beta).
+    struct SAuthalicInverse
+    {
+        bool series = false;
+        double poly[6] = {0, 0, 0, 0, 0, 0};
+    };
+    static SAuthalicInverse MakeAuthalicInverse(double e);
+    // The geodetic latitude (radians) of the authalic latitude whose sine is
+    // sinBeta, |sinBeta| <= 1, for an inverse with series, by the inline
+    // kernels: beta = atan2(sin beta, cos beta), sin 2beta and cos 2beta from
+    // the sine and cosine, and the series; no Newton step, one division. The
+    // poles give +-pi/2 (sin 2beta = 0); beyond +-1 and NaN give NaN.
+    static KVCART_ALWAYS_INLINE double AuthalicLatitudeSeries(const SAuthalicInverse& inverse, double sinBeta)
+    {
+        const double cosBeta = std::sqrt((1.0 - sinBeta) * (1.0 + sinBeta));
+        const double sin2Beta = 2.0 * sinBeta * cosBeta, cos2Beta = (cosBeta - sinBeta) * (cosBeta + sinBeta);
+        return CKvMathKernel::Atan2(sinBeta, cosBeta) + sin2Beta * CKvMathKernel::Estrin<6>(cos2Beta, inverse.poly);
+    }
+
     // The meridian distance M(phi) = a (m0 phi + sum b_k sin 2k phi), and the
     // footpoint latitude of a distance (Snyder, eqs. 7-19 and 3-26: the rectifying
     // latitude mu = M / (a m0) and a series in e1 = n to n^4), which misses M by

@@ -36,7 +36,7 @@ CKvCylindricalEqualArea::CKvCylindricalEqualArea(const std::string& name, const 
         m_authalic.qPole = 2.0;
     m_xPerDegree = usable ? a * k0 * kDeg : std::nan("");
     m_yPerQ = usable ? a / (2.0 * k0) : std::nan("");
-    m_kernel = !m_sphere && e <= CKvMathKernel::EccentricSinhLimit;
+    m_authalicInverse = CKvConformalLatitude::MakeAuthalicInverse(m_sphere ? 0.0 : e);
     m_degreePerX = 1.0 / m_xPerDegree;
     m_sinBetaPerY = 1.0 / (m_yPerQ * m_authalic.qPole);
 }
@@ -66,12 +66,13 @@ void CKvCylindricalEqualArea::Proj2Geo(double x, double y, double* lon, double* 
     sinBeta = sinBeta > 1.0 ? 1.0 : sinBeta < -1.0 ? -1.0 : sinBeta;
     // On the sphere asin(sin beta) by libm (a third faster here than the
     // kernel's atan2 of the sine and the cosine, whose cases the scalar code
-    // takes as branches); on the earth's ellipsoids the authalic latitude's series and
-    // Newton step by the inline kernels; beyond their eccentricity the general
-    // function.
+    // takes as branches); on the earth's ellipsoids Karney's series from beta
+    // to phi (within 1e-17 rad, no iteration) by the inline kernels; beyond
+    // their eccentricity the general function.
     const double phi = m_sphere ? std::asin(sinBeta)
-                       : m_kernel ? CKvConformalLatitude::AuthalicLatitudeKernel(m_authalic, sinBeta)
-                                  : CKvConformalLatitude::AuthalicLatitude(m_authalic, sinBeta * m_authalic.qPole);
+                       : m_authalicInverse.series
+                           ? CKvConformalLatitude::AuthalicLatitudeSeries(m_authalicInverse, sinBeta)
+                           : CKvConformalLatitude::AuthalicLatitude(m_authalic, sinBeta * m_authalic.qPole);
     const double latDeg = phi * (1.0 / kDeg);
     *lat = latDeg > 90.0 ? 90.0 : latDeg < -90.0 ? -90.0 : latDeg;
     *lon = CKvAngle::InverseLongitudeDegrees(dLon + m_lon0);

@@ -41,12 +41,13 @@ public:
 
 private:
     bool m_sphere; // e = 0: q = 2 sin phi
-    bool m_kernel; // 0 < e <= CKvMathKernel::EccentricSinhLimit: the inverse by the inline kernels
     double m_lon0, m_FE, m_FN;
     double m_xPerDegree; // a k0 pi / 180 (NaN: no map)
     double m_yPerQ;      // a / (2 k0)
     double m_degreePerX, m_sinBetaPerY; // the inverse's scales, 1 / m_xPerDegree and 1 / (m_yPerQ q_P)
     CKvConformalLatitude::SAuthalic m_authalic;
+    // phi from beta by Karney's series, for 0 < e <= CKvMathKernel::EccentricSinhLimit.
+    CKvConformalLatitude::SAuthalicInverse m_authalicInverse;
 };
 
 #endif

@@ -743,9 +743,12 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
     // Beyond the earth's eccentricities the left-out terms of the inverse series
     // grow past its bound, and it says so.
     EXPECT_FALSE(CKvConformalLatitude::MakeMeridianInverse(CKvConformalLatitude::MakeMeridian(1.0, 0.25)).series);
+    EXPECT_FALSE(CKvConformalLatitude::MakeAuthalicInverse(0.2).series);
     constexpr long double Deg = 3.14159265358979323846264338327950288L / 180;
     for (double e : {0.0818191910428158, 0.0822688893, 0.1}) {
         const CKvConformalLatitude::SAuthalic authalic = CKvConformalLatitude::MakeAuthalic(e);
+        const CKvConformalLatitude::SAuthalicInverse authalicInverse = CKvConformalLatitude::MakeAuthalicInverse(e);
+        EXPECT_TRUE(authalicInverse.series) << e;
         const CKvConformalLatitude::SMeridian meridian = CKvConformalLatitude::MakeMeridian(6378137.0, e * e);
         const long double le = e;
         auto q = [le](long double s) { return (1 - le * le) * (s / (1 - le * le * s * s) + std::atanh(le * s) / le); };
@@ -761,6 +764,10 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
             // A rounding of sin beta moves phi by up to 1.1e-16 / cos beta: the
             // error is weighed by the cosine.
             worstBeta = std::fmax(worstBeta, static_cast<double>(std::fabs(back - phi) * std::cos(phi)));
+            // Karney's series from beta to phi, with no Newton step.
+            worstBeta = std::fmax(worstBeta, static_cast<double>(std::fabs(CKvConformalLatitude::AuthalicLatitudeSeries(
+                                                                               authalicInverse, sinBeta) - phi) *
+                                                                 std::cos(phi)));
             const double m = CKvConformalLatitude::MeridianDistance(meridian, static_cast<double>(phi));
             worstSeries = std::fmax(worstSeries, static_cast<double>(std::fabs(
                 CKvConformalLatitude::MeridianLatitudeSeries(inverse, m * inverse.muPerDistance) - phi)));
@@ -782,6 +789,11 @@ TEST(Batch, AsinAndLatitudeKernelsGiveTheLatitudeBack)
         EXPECT_NEAR(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, -1.0), -1.5707963267948966, 1e-16);
         EXPECT_TRUE(std::isnan(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, 1.0 + 1e-15)));
         EXPECT_TRUE(std::isnan(CKvConformalLatitude::AuthalicLatitudeKernel(authalic, nan)));
+        EXPECT_EQ(CKvConformalLatitude::AuthalicLatitudeSeries(authalicInverse, 0.0), 0.0);
+        EXPECT_EQ(CKvConformalLatitude::AuthalicLatitudeSeries(authalicInverse, 1.0), 1.5707963267948966);
+        EXPECT_EQ(CKvConformalLatitude::AuthalicLatitudeSeries(authalicInverse, -1.0), -1.5707963267948966);
+        EXPECT_TRUE(std::isnan(CKvConformalLatitude::AuthalicLatitudeSeries(authalicInverse, 1.0 + 1e-15)));
+        EXPECT_TRUE(std::isnan(CKvConformalLatitude::AuthalicLatitudeSeries(authalicInverse, nan)));
         const double quarter = CKvConformalLatitude::MeridianDistance(meridian, 1.5707963267948966);
         EXPECT_NEAR(CKvConformalLatitude::MeridianLatitudeKernel(meridian, quarter), 1.5707963267948966, 1e-15);
         EXPECT_TRUE(std::isnan(CKvConformalLatitude::MeridianLatitudeKernel(meridian, nan)));
