@@ -47,14 +47,13 @@ void CKvMillerCylindrical::Proj2Geo(double x, double y, double* lon, double* lat
         return;
     }
     // 5/2 atan(exp(4t/5)) - 5 pi/8 = 5/4 gd(4t/5), gd the Gudermannian, gd u =
-    // atan(sinh u), |u| <= 1.85 here: sinh by its series below 0.5 (where the
-    // exponentials would cancel), else from one exponential, by the inline
-    // kernels (within an ulp or two of libm), and atan by libm, which here is
-    // faster than the kernel's reductions taken as branches.
-    const double u = 0.8 * t;
-    const double E = CKvMathKernel::Exp(u);
-    const double sinhU = std::fabs(u) < 0.5 ? CKvMathKernel::SinhSmall(u) : 0.5 * (E - 1.0 / E);
-    const double latDeg = (1.25 / kDeg) * std::atan(sinhU);
+    // 2 atan(tanh(u/2)), |u| <= 1.85 here, with tanh(u/2) = m / (m + 2), m =
+    // e^u - 1 by the inline kernel (no cancellation near the equator, within
+    // two ulps). |m| <= m + 2 always: atan(|m| / (m + 2)) is the inline
+    // kernel's angle within an eighth turn, one quotient and a polynomial, no
+    // call of libm.
+    const double m = CKvMathKernel::ExpM1(0.8 * t);
+    const double latDeg = std::copysign((2.5 / kDeg) * CKvMathKernel::AtanUnit(std::fabs(m), m + 2.0), m);
     *lat = latDeg > 90.0 ? 90.0 : latDeg < -90.0 ? -90.0 : latDeg;
     *lon = CKvAngle::InverseLongitudeDegrees(dlon + m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
