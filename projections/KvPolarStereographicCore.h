@@ -99,7 +99,13 @@ public:
     // themselves, which saves the quotients: sin 2A = 2 rho S / (S^2 + rho^2),
     // cos 2A = (S^2 - rho^2) / (S^2 + rho^2), and the angle from the nearer pole
     // as atan(rho / S), or atan(S / rho) beyond the equator, of the two sides
-    // themselves (AtanUnit: one quotient, within [0, 1]). The
+    // themselves (AtanUnit: one quotient, within [0, 1]). The longitude's
+    // direction atan2(dx, -+dy) is taken the same way, AtanUnit on the smaller
+    // over the larger side, turned by octant (pi/2 - u where |dx| is the
+    // larger, pi minus the angle south of the axis, the sign of dx): the
+    // reductions of CKvMathKernel::Atan2 on the two sides with one comparison
+    // instead of four, and its signed zeros; the two agree to an ulp, with the
+    // same largest error against long double, 1.7 ulp. The
     // longitude is brought into [-180, 180] by one exact turn (x - 360 is exact
     // for x in [180, 540], Sterbenz, and so is std::remainder's answer there).
     // Beyond the path: a radius beyond the series' reach (t > 1e100, not
@@ -108,6 +114,7 @@ public:
     static KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
     {
         constexpr double Deg = 3.141592653589793 / 180.0;
+        constexpr double Pi = 3.141592653589793;
         constexpr double HalfPi = 1.5707963267948966;
         constexpr double HalfPiLow = 6.123233995736766e-17; // pi/2 - HalfPi
         const double dx = x - f.FE, dy = y - f.FN;
@@ -120,7 +127,13 @@ public:
         const double hemisphere = beyond ? -1.0 : 1.0;
         const double atanNear = CKvMathKernel::AtanUnit(beyond ? S : rho, beyond ? rho : S);
         const double phi = f.sign * hemisphere * (HalfPi - 2.0 * (atanNear - 0.5 * (hemisphere * correction + HalfPiLow)));
-        const double lonDeg = (f.lambda0 + CKvMathKernel::Atan2(dx, -f.sign * dy)) * (1.0 / Deg);
+        const double north = -f.sign * dy, across = std::fabs(dx), along = std::fabs(north);
+        const bool steep = across > along;
+        // Both sides 0 (the pole itself): 0 / 1, the direction of the axis.
+        const double u = CKvMathKernel::AtanUnit(steep ? along : across, steep ? across : along == 0.0 ? 1.0 : along);
+        const double angle = steep ? HalfPi - u : u;
+        const double direction = std::copysign(std::copysign(1.0, north) < 0.0 ? Pi - angle : angle, dx);
+        const double lonDeg = (f.lambda0 + direction) * (1.0 / Deg);
         lon = lonDeg > 180.0 ? lonDeg - 360.0 : lonDeg < -180.0 ? lonDeg + 360.0 : lonDeg;
         lat = phi * (1.0 / Deg);
         return (rho <= f.largestRho) & (std::fabs(lon) <= 180.0) & (std::fabs(lat) <= 90.0) & (f.sign * lat > -90.0);
