@@ -89,49 +89,6 @@ std::unique_ptr<CKvProjection> MakeEngine(const Case& c, bool complexTm = false)
     return std::unique_ptr<CKvProjection>(engine);
 }
 
-double AngleDifference(double a, double b)
-{
-    double d = std::fmod(a - b, 360.0);
-    if (d > 180.0)
-        d -= 360.0;
-    if (d < -180.0)
-        d += 360.0;
-    return std::fabs(d);
-}
-
-struct Worst
-{
-    double forward = 0.0, inverse = 0.0, roundTrip = 0.0;
-    size_t points = 0;
-};
-
-// Forward against the reference; inverse of the reference grid coordinates
-// against the reference geographic ones; and forward-then-inverse of every point.
-void Measure(const Case& c, const CKvProjection& engine, Worst& worst)
-{
-    const bool angular = c.engine == "rot";
-    for (const Point& p : c.points) {
-        double x, y, lon, lat, lon2, lat2;
-        engine.Geo2Proj(p.lon, p.lat, &x, &y);
-        const double forward =
-            angular ? std::max(AngleDifference(x, p.x), std::fabs(y - p.y)) : std::hypot(x - p.x, y - p.y);
-        engine.Proj2Geo(p.x, p.y, &lon, &lat);
-        // At a pole the longitude means nothing.
-        const bool pole = std::fabs(p.lat) == 90.0;
-        const double inverse = std::max(pole ? 0.0 : AngleDifference(lon, p.lon), std::fabs(lat - p.lat));
-        engine.Proj2Geo(x, y, &lon2, &lat2);
-        const double roundTrip = std::max(pole ? 0.0 : AngleDifference(lon2, p.lon), std::fabs(lat2 - p.lat));
-        // A non-finite result is the worst of errors (std::max would drop a NaN).
-        auto worse = [](double current, double error) {
-            return std::isfinite(error) ? std::max(current, error) : HUGE_VAL;
-        };
-        worst.forward = worse(worst.forward, forward);
-        worst.inverse = worse(worst.inverse, inverse);
-        worst.roundTrip = worse(worst.roundTrip, roundTrip);
-        ++worst.points;
-    }
-}
-
 const std::vector<Case>& Cases()
 {
     static const std::vector<Case> cases = LoadCases("projection_vectors.txt");
@@ -149,25 +106,21 @@ const std::vector<Case>& DomainCases()
 void CheckFamily(const std::string& family, double forwardBound, double inverseBound, bool complexTm = false,
                  const std::vector<Case>& all = Cases())
 {
-    Worst worst;
+    kvtest::CaseErrors worst;
     int cases = 0;
     for (const Case& c : all) {
         if (c.engine != family)
             continue;
         std::unique_ptr<CKvProjection> engine = MakeEngine(c, complexTm);
         ASSERT_NE(engine, nullptr);
-        Worst one;
-        Measure(c, *engine, one);
+        const kvtest::CaseErrors one = kvtest::MeasureCase(*engine, c, c.engine == "rot");
         std::string params;
         for (double v : c.params)
             params += " " + std::to_string(v);
         EXPECT_LE(one.forward, forwardBound) << family << " on " << c.label << params;
         EXPECT_LE(one.inverse, inverseBound) << family << " on " << c.label << params;
         EXPECT_LE(one.roundTrip, inverseBound) << family << " on " << c.label << params;
-        worst.forward = std::max(worst.forward, one.forward); // HUGE_VAL stands for a NaN met
-        worst.inverse = std::max(worst.inverse, one.inverse);
-        worst.roundTrip = std::max(worst.roundTrip, one.roundTrip);
-        worst.points += one.points;
+        worst.Add(one);
         ++cases;
     }
     EXPECT_GT(cases, 0) << family;

@@ -46,7 +46,6 @@ const CKvEllipsoid kSphere("Sphere", "", 6371229.0, 0.0);
 // The Dutch RD parameters, on Bessel.
 constexpr double kRdK0 = 0.9999079, kRdLon0 = 5.38763888888889, kRdLat0 = 52.1561605555556;
 
-using SPoint = kvtest::VectorPoint;
 using SCase = kvtest::VectorCase;
 
 const std::vector<SCase>& Cases()
@@ -80,53 +79,24 @@ double AngleDifference(double a, double b)
     return std::fabs(std::remainder(a - b, 360.0));
 }
 
-struct SWorst
-{
-    double forward = 0.0, inverse = 0.0, roundTrip = 0.0, convergence = 0.0;
-    size_t points = 0;
-};
-
-// A non-finite error is the worst of all (std::max would drop a NaN).
-void Worse(double& current, double error)
-{
-    current = std::isfinite(error) ? std::max(current, error) : HUGE_VAL;
-}
-
 // Every case of one engine against its reference: forward (metres), inverse of the
-// reference's grid point and round trip (degrees; the longitude of a pole means
-// nothing), and the convergence where the reference has one.
-SWorst CheckEngine(const std::string& engine, double forwardBound, double inverseBound, double convergenceBound = 0.0)
+// reference's grid point and round trip (degrees), and the convergence where the
+// reference has one.
+kvtest::CaseErrors CheckEngine(const std::string& engine, double forwardBound, double inverseBound,
+                               double convergenceBound = 0.0)
 {
-    SWorst worst;
+    kvtest::CaseErrors worst;
     int count = 0;
     for (const SCase& c : Cases()) {
         if (c.engine != engine)
             continue;
         ++count;
-        const std::unique_ptr<CKvProjection> e = MakeEngine(c);
-        SWorst one;
-        for (const SPoint& p : c.points) {
-            double x, y, lon, lat, lon2, lat2;
-            e->Geo2Proj(p.lon, p.lat, &x, &y);
-            Worse(one.forward, std::hypot(x - p.x, y - p.y));
-            const bool pole = std::fabs(p.lat) == 90.0;
-            e->Proj2Geo(p.x, p.y, &lon, &lat);
-            Worse(one.inverse, std::max(pole ? 0.0 : AngleDifference(lon, p.lon), std::fabs(lat - p.lat)));
-            e->Proj2Geo(x, y, &lon2, &lat2);
-            Worse(one.roundTrip, std::max(pole ? 0.0 : AngleDifference(lon2, p.lon), std::fabs(lat2 - p.lat)));
-            if (std::isfinite(p.convergence) && !pole)
-                Worse(one.convergence, AngleDifference(e->GetConvergence(p.lon, p.lat), p.convergence));
-            ++one.points;
-        }
+        const kvtest::CaseErrors one = kvtest::MeasureCase(*MakeEngine(c), c);
         EXPECT_LE(one.forward, forwardBound) << engine << " " << c.label;
         EXPECT_LE(one.inverse, inverseBound) << engine << " " << c.label;
         EXPECT_LE(one.roundTrip, inverseBound) << engine << " " << c.label;
         EXPECT_LE(one.convergence, convergenceBound) << engine << " " << c.label;
-        Worse(worst.forward, one.forward);
-        Worse(worst.inverse, one.inverse);
-        Worse(worst.roundTrip, one.roundTrip);
-        Worse(worst.convergence, one.convergence);
-        worst.points += one.points;
+        worst.Add(one);
     }
     EXPECT_GT(count, 0) << engine;
     std::printf("[ measured ] %-8s %zu points: forward %.3g m, inverse %.3g deg, round trip %.3g deg, "
@@ -169,7 +139,7 @@ TEST(StereographicVectors, EveryFamilyIsThere)
 // numerical differentiation.
 TEST(StereographicSnyder, AgainstProjAtEveryOrigin)
 {
-    const SWorst worst = CheckEngine("snyder", 1e-3, 1e-9, 1e-6);
+    const kvtest::CaseErrors worst = CheckEngine("snyder", 1e-3, 1e-9, 1e-6);
     EXPECT_LE(worst.roundTrip, 1e-11);
 }
 
@@ -274,17 +244,10 @@ TEST(LambertPoleOrigin, BelgianGridsFromWkt)
             continue;
         const CKvMapProjection system(is72 ? lb72 : lb50);
         ASSERT_NE(system.GetProjection(), nullptr) << c.label << system.GetMessage();
-        double worst = 0.0, worstInverse = 0.0;
-        for (const SPoint& p : c.points) {
-            double x, y, lon, lat;
-            system.Geo2Proj(p.lon, p.lat, &x, &y);
-            Worse(worst, std::hypot(x - p.x, y - p.y));
-            system.Proj2Geo(p.x, p.y, &lon, &lat);
-            Worse(worstInverse, std::max(AngleDifference(lon, p.lon), std::fabs(lat - p.lat)));
-        }
+        const kvtest::CaseErrors worst = kvtest::MeasureCase(system, c);
         // The 15-digit parameters of the text against the registry's own.
-        EXPECT_LE(worst, 1e-3) << c.label;
-        EXPECT_LE(worstInverse, 1e-9) << c.label;
+        EXPECT_LE(worst.forward, 1e-3) << c.label;
+        EXPECT_LE(worst.inverse, 1e-9) << c.label;
     }
 }
 
@@ -338,11 +301,12 @@ TEST(StereographicSnyder, RoundTrips)
             engine.Geo2Proj(lon, lat, &x, &y);
             engine.Proj2Geo(x, y, &lon2, &lat2);
             const double dLon = std::fabs(lat) == 90.0 ? 0.0 : AngleDifference(lon2, lon);
-            Worse(worstAngle, std::max(dLon, std::fabs(lat2 - lat)));
-            Worse(worstGround, 6.4e6 * (std::hypot(dLon * std::cos(lat * 3.141592653589793 / 180.0), lat2 - lat) *
-                                        3.141592653589793 / 180.0));
+            kvtest::CaseErrors::Worse(worstAngle, std::max(dLon, std::fabs(lat2 - lat)));
+            kvtest::CaseErrors::Worse(
+                worstGround, 6.4e6 * (std::hypot(dLon * std::cos(lat * 3.141592653589793 / 180.0), lat2 - lat) *
+                                      3.141592653589793 / 180.0));
             engine.Geo2Proj(lon2, lat2, &x2, &y2);
-            Worse(worstGrid, std::hypot(x2 - x, y2 - y));
+            kvtest::CaseErrors::Worse(worstGrid, std::hypot(x2 - x, y2 - y));
         }
         EXPECT_LE(worstAngle, 1e-11) << o.lat0;
         EXPECT_LE(worstGround, 6e-3) << o.lat0;

@@ -121,6 +121,7 @@ private:
 #include "coordsys/KvMapProjection.h"
 #include "interface/KvCart.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -253,6 +254,50 @@ void ExpectInverse(const TSystem& system, double x, double y, double lon, double
     system.Proj2Geo(x, y, &plon, &plat);
     EXPECT_NEAR(plon, lon, tol) << "inverse of " << x << " " << y;
     EXPECT_NEAR(plat, lat, tol) << "inverse of " << x << " " << y;
+}
+
+// The worst errors of an engine at the points of a reference case: forward in
+// metres (degrees for an angular grid), the inverse of the reference's grid
+// point and the round trip in degrees (the longitude of a pole means nothing),
+// and the convergence where the reference gives one. A non-finite error is the
+// worst of all (std::max would drop a NaN).
+struct CaseErrors
+{
+    double forward = 0.0, inverse = 0.0, roundTrip = 0.0, convergence = 0.0;
+    size_t points = 0;
+    static void Worse(double& current, double error)
+    {
+        current = std::isfinite(error) ? std::max(current, error) : HUGE_VAL;
+    }
+    void Add(const CaseErrors& other)
+    {
+        Worse(forward, other.forward);
+        Worse(inverse, other.inverse);
+        Worse(roundTrip, other.roundTrip);
+        Worse(convergence, other.convergence);
+        points += other.points;
+    }
+};
+
+template <class TEngine> CaseErrors MeasureCase(const TEngine& engine, const VectorCase& c, bool angular = false)
+{
+    const auto angle = [](double a, double b) { return std::fabs(std::remainder(a - b, 360.0)); };
+    CaseErrors e;
+    for (const VectorPoint& p : c.points) {
+        double x, y, lon, lat, lon2, lat2;
+        engine.Geo2Proj(p.lon, p.lat, &x, &y);
+        CaseErrors::Worse(e.forward,
+                          angular ? std::max(angle(x, p.x), std::fabs(y - p.y)) : std::hypot(x - p.x, y - p.y));
+        const bool pole = std::fabs(p.lat) == 90.0;
+        engine.Proj2Geo(p.x, p.y, &lon, &lat);
+        CaseErrors::Worse(e.inverse, std::max(pole ? 0.0 : angle(lon, p.lon), std::fabs(lat - p.lat)));
+        engine.Proj2Geo(x, y, &lon2, &lat2);
+        CaseErrors::Worse(e.roundTrip, std::max(pole ? 0.0 : angle(lon2, p.lon), std::fabs(lat2 - p.lat)));
+        if (std::isfinite(p.convergence) && !pole)
+            CaseErrors::Worse(e.convergence, angle(engine.GetConvergence(p.lon, p.lat), p.convergence));
+        ++e.points;
+    }
+    return e;
 }
 
 // No point: NaN in both outputs, forward or inverse.
