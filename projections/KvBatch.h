@@ -171,14 +171,24 @@ public:
     }
 
     // Whether every point of a block stayed on the fast path: one pass with no
-    // branch (which the compiler vectorizes), so that the usual block, all on
-    // it, is not scanned point by point.
+    // branch, eight flags a word (a bool is the byte 0 or 1, so the words' AND
+    // keeps 0x0101010101010101 only if every flag is set), so that the usual
+    // block, all on it, is not scanned point by point: the byte loop, which the
+    // compiler leaves scalar at -O2, took a twentieth of a fast batch.
     static bool AllOk(const bool* ok, std::size_t count)
     {
-        unsigned char all = 1;
-        for (std::size_t i = 0; i < count; ++i)
-            all &= static_cast<unsigned char>(ok[i]);
-        return all != 0;
+        constexpr std::uint64_t Ones = 0x0101010101010101u;
+        std::uint64_t all = Ones;
+        std::size_t i = 0;
+        for (; i + 8 <= count; i += 8) {
+            std::uint64_t word;
+            std::memcpy(&word, ok + i, sizeof word);
+            all &= word;
+        }
+        unsigned char tail = 1;
+        for (; i < count; ++i)
+            tail &= static_cast<unsigned char>(ok[i]);
+        return (all == Ones) & (tail != 0);
     }
 
     // Runs the points in blocks of contiguous copies: block(count, a, b, u, v, ok)
