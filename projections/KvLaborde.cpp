@@ -80,18 +80,41 @@ inline double AtanhOfSine(double s)
 void CKvLaborde::_plane(double phi, double dLambda, double* re, double* im) const
 {
     // The point on Gauss's sphere: its latitude P from q, its longitude L.
+    // Within the kernels' reach psi = atanh(sin phi) - e atanh(e sin phi), the
+    // first term by its series or one logarithm, as the latitude asks.
     const double e = _e();
     const double psi = std::fabs(phi) < CKvConformalLatitude::IsometricKernelLimit && e <= CKvMathKernel::EccentricSinhLimit
-                           ? CKvConformalLatitude::IsometricKernel(phi, e)
+                           ? AtanhOfSine(CKvMathKernel::SinHalfPi(phi)) -
+                                 e * CKvMathKernel::AtanhSmall(e * CKvMathKernel::SinHalfPi(phi))
                            : CKvConformalLatitude::Isometric(phi, e);
     const double q = m_C + m_B * psi;
-    double sinP, cosP, sL, cL;
-    SinCosOfIsometric(q, sinP, cosP);
-    CKvMathKernel::SinCosAny(m_B * dLambda, sL, cL);
-    // The sphere turned about its east-west axis by phiS.
-    const double U = cosP * cL * m_cosPhiS + sinP * m_sinPhiS;
-    const double V = cosP * cL * m_sinPhiS - sinP * m_cosPhiS;
-    const double W = cosP * sL;
+    // sin P and cos P as (Sp, Cp) / k, k > 0: with m = e^|q| - 1 and E = e^|q|,
+    // tanh |q| = m (m + 2) / (E^2 + 1) and sech q = 2E / (E^2 + 1) (no
+    // cancellation near the equator). The direction atan2(V, U) takes the
+    // scaled terms as they are, so that the one quotient by k runs beside it,
+    // for W alone. Beyond |q| = 300 (a rounded pole, infinities, NaN) the shared
+    // general formulas, k = 1.
+    double Sp, Cp, k;
+    if (std::fabs(q) <= 300.0) {
+        const double m = CKvMathKernel::ExpM1(std::fabs(q)), E = m + 1.0;
+        Sp = std::copysign(m * (m + 2.0), q);
+        Cp = 2.0 * E;
+        k = E * E + 1.0;
+    } else {
+        CKvConformalLatitude::SinCosFromIsometric(q, Sp, Cp);
+        k = 1.0;
+    }
+    // L within a quarter turn (every map of the method): no reduction.
+    const double L = m_B * dLambda;
+    double sL, cL;
+    if (std::fabs(L) <= kPi / 2)
+        CKvMathKernel::SinCosHalfPi(L, sL, cL);
+    else
+        CKvMathKernel::SinCosAny(L, sL, cL);
+    // The sphere turned about its east-west axis by phiS (U and V times k).
+    const double U = Cp * cL * m_cosPhiS + Sp * m_sinPhiS;
+    const double V = Cp * cL * m_sinPhiS - Sp * m_cosPhiS;
+    const double W = Cp * sL / k;
     // H = -L' + i psi': L' = atan2(V, U) (the note's 2 atan(V / (U + d))), and
     // the isometric latitude of P' = atan(W / d) is atanh(W). |W| = 1 (the two
     // points at infinity) gives an infinite psi', refused by the caller.
