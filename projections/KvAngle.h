@@ -43,6 +43,15 @@ public:
         return std::remainder(dLon, 360.0);
     }
 
+    // ReduceLongitudeDegrees for a difference within a turn and a half, |dLon| <
+    // 540 (lon - lon0 of a longitude and a meridian within [-180, 180]): the same
+    // bits from its one exact subtraction alone, with none of its other tests,
+    // for the fast paths that have checked the range already.
+    static double ReduceNearLongitudeDegrees(double dLon)
+    {
+        return std::fabs(dLon) <= 180.0 ? dLon : dLon - std::copysign(360.0, dLon);
+    }
+
     // A latitude (of an origin, a parallel) within rounding of a pole, relatively
     // 1e-12 as CKvFloatCompareRel judges, set exactly on the pole; any other value
     // as it is. A degree written with 16 digits (0.0174532925199433 rad) turns 90

@@ -8,6 +8,7 @@
 namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kDeg = kPi / 180.0;
+constexpr double kRad = 180.0 / kPi;
 } // namespace
 
 CKvBonne::CKvBonne(const std::string& name, const double* parameters, const CKvEllipsoid& ellipsoid)
@@ -33,9 +34,13 @@ void CKvBonne::Geo2Proj(double lon, double lat, double* x, double* y) const
         *x = *y = std::nan("");
         return;
     }
+    // A longitude and a central meridian within [-180, 180] leave lon - lon0
+    // within a turn and a half: one exact subtraction, the same bits.
+    const double dLon = std::fabs(lon) <= 180.0 && std::fabs(m_lon0) <= 180.0
+                            ? CKvAngle::ReduceNearLongitudeDegrees(lon - m_lon0)
+                            : CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0);
     double gx, gy;
-    m_core.Forward(lat * kDeg, CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon) - m_lon0) * kDeg,
-                   &gx, &gy);
+    m_core.Forward(lat * kDeg, dLon * kDeg, &gx, &gy);
     *x = m_FE + gx;
     *y = m_FN + gy;
 }
@@ -47,8 +52,13 @@ void CKvBonne::Proj2Geo(double x, double y, double* lon, double* lat) const
         *lon = *lat = std::nan("");
         return;
     }
-    *lat = phi / kDeg;
-    *lon = CKvAngle::InverseLongitudeDegrees(m_lon0 + dLambda / kDeg);
+    *lat = phi * kRad;
+    // InverseLongitudeDegrees, by its one exact subtraction wherever that is
+    // its answer (a world map's longitudes run past 180 degrees from a central
+    // meridian off Greenwich).
+    const double l = m_lon0 + dLambda * kRad;
+    const bool near = (std::fabs(l) <= 180.0) | ((std::fabs(l) > 180.0 + 1e-9) & (std::fabs(l) < 540.0));
+    *lon = near ? CKvAngle::ReduceNearLongitudeDegrees(l) : CKvAngle::InverseLongitudeDegrees(l);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
 

@@ -24,9 +24,13 @@ CKvBonneCore::CKvBonneCore(double a, double e2, double phi0)
     m_Mp = CKvConformalLatitude::MeridianDistance(m_meridian, kPi / 2.0);
     m_sign = phi0 > 0.0 ? 1.0 : -1.0;
     m_kernel = e2 <= 0.01;
+    m_sphere = e2 == 0.0;
+    m_invA = 1.0 / a;
+    m_poleLimit = m_Mp * (1.0 + 1e-15);
+    m_edgeLimit = m_Mp * (1.0 - 1e-15);
 }
 
-void CKvBonneCore::Forward(double phi, double dLambda, double* x, double* y) const
+void CKvBonneCore::_forwardEllipsoid(double phi, double dLambda, double* x, double* y) const
 {
     // |phi| <= pi/2 (the engines refuse other latitudes): its sine and cosine
     // need no reduction of the argument.
@@ -58,23 +62,22 @@ void CKvBonneCore::Forward(double phi, double dLambda, double* x, double* y) con
     *y = (M - m_M0) + rho * vT;
 }
 
-bool CKvBonneCore::Inverse(double x, double y, double* phi, double* dLambda) const
+bool CKvBonneCore::_inverseGeneral(double x, double y, double* phi, double* dLambda) const
 {
     const double dy = m_C - y;
     // x^2 + dy^2 overflows only for grid points far beyond the map, which the
     // meridian distance's check below refuses all the same.
     const double rho = m_sign * std::sqrt(x * x + dy * dy);
     const double M = m_C + m_M0 - rho;
-    if (!(std::fabs(M) <= m_Mp * (1.0 + 1e-15))) {
+    if (!(std::fabs(M) <= m_poleLimit)) {
         *phi = *dLambda = std::nan("");
         return false;
     }
-    // On the sphere M = a phi: the latitude needs no footpoint series. For the
-    // earth's figures the footpoint, its Newton step and the latitude's sine
-    // and cosine come from the inline kernel.
+    // For the earth's figures the footpoint, its Newton step and the
+    // latitude's sine and cosine come from the inline kernel.
     double footpoint, s, c;
-    if (m_e2 == 0.0) {
-        footpoint = M / m_a;
+    if (m_sphere) {
+        footpoint = M * m_invA;
         CKvMathKernel::SinCosHalfPi(footpoint, s, c);
     } else if (m_kernel) {
         footpoint = CKvConformalLatitude::MeridianLatitudeSinCos(m_meridian, M, s, c);
@@ -88,7 +91,7 @@ bool CKvBonneCore::Inverse(double x, double y, double* phi, double* dLambda) con
     // On a pole (m = 0) every longitude is the point: the central meridian's.
     // Elsewhere rho is bounded by the check of M above, within Atan2's range;
     // lambda - lambda0 = rho angle / (a m), a m = a cos phi / sqrt(1 - e^2 sin^2 phi).
-    if (std::fabs(M) < m_Mp * (1.0 - 1e-15))
+    if (std::fabs(M) < m_edgeLimit)
         d = rho * CKvMathKernel::Atan2(m_sign * x, m_sign * dy) * std::sqrt(1.0 - m_e2 * s * s) / (m_a * c);
     if (!(std::fabs(d) <= kPi * (1.0 + 1e-12))) {
         *phi = *dLambda = std::nan("");

@@ -33,6 +33,8 @@ public:
     void GetDefaultArea(double* x1, double* y1, double* x2, double* y2) const override;
     // The radius r0 of the origin's parallel: the apex lies r0 north of the origin.
     double GetApexRadius() const { return m_r0; }
+    // The cone's figures, for the engines that turn its grid.
+    const CKvLambertConic::SCone& GetCone() const { return m_cone; }
 
 private:
     void _init(double k0, double lambda0, double phi0, double falseEasting, double falseNorthing);

@@ -37,6 +37,8 @@ public:
     // radius rF of the false origin's parallel: the apex lies rF north of it.
     double GetConeConstant() const { return m_n; }
     double GetApexRadius() const { return m_rF; }
+    // The cone's figures, for the engines that turn its grid.
+    const CKvLambertConic::SCone& GetCone() const { return m_cone; }
 
 private:
     void _init(double phi1, double phi2, double lambdaF, double phiF, double falseEasting, double falseNorthing,

@@ -49,6 +49,7 @@ CKvLambert2SPBelgium::CKvLambert2SPBelgium(const std::string& name, const double
     m_cosEdge = std::cos(CKvAngle::Pi * std::fabs(n));
     if (!(Problem(parameters).empty() && _a() > 0.0 && std::isfinite(_a())))
         m_FE = m_FN = m_lonTurned = std::nan("");
+    m_sphere = CKvLambertConic::MakeSphereCone(m_cone.GetCone(), m_cosEdge);
 }
 
 double CKvLambert2SPBelgium::GetConvergence(double lon, double lat) const
@@ -63,6 +64,10 @@ double CKvLambert2SPBelgium::GetConvergence(double lon, double lat) const
 
 void CKvLambert2SPBelgium::Geo2Proj(double lon, double lat, double* x, double* y) const
 {
+    // On the sphere, a longitude within [-180, 180] (as ReduceLongitudeDegrees
+    // leaves it) and a latitude off the poles: the cone's path for the sphere.
+    if (m_sphere.fast && CKvLambertConic::ForwardSphere(m_sphere, lon, lat, *x, *y))
+        return;
     // The pole the cone opens away from lies at infinity; the other is the
     // apex, set there exactly.
     if (!CKvAngle::IsPoint(lon, lat) || lat == -m_apexPole) {
@@ -80,6 +85,9 @@ void CKvLambert2SPBelgium::Geo2Proj(double lon, double lat, double* x, double* y
 
 void CKvLambert2SPBelgium::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    // On the sphere the cone's path, off the poles and within the sheet.
+    if (m_sphere.fast && CKvLambertConic::InverseSphere(m_sphere, x, y, *lon, *lat))
+        return;
     const double dx = x - m_FE, dy = m_cone.GetApexRadius() - (y - m_FN);
     m_cone.Proj2Geo(x, y, lon, lat);
     // The wedge beyond half a turn of longitude either side of the turned

@@ -3,6 +3,7 @@
 
 #include "catalogue/KvMethodProjection.h"
 #include "projections/KvLambert2SP.h"
+#include "projections/KvLambertConic.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -55,6 +56,7 @@ private:
     double m_lonTurned; // lambdaF + alpha / n
     double m_sign;      // the sign of n
     double m_cosEdge;   // cos(pi n), the sheet's edge
+    CKvLambertConic::SSphereCone m_sphere; // the cone's path on the sphere
 };
 
 #endif

@@ -57,6 +57,29 @@ CKvLambertConic::SCone CKvLambertConic::MakeCone(double e, double n, double K, d
     return cone;
 }
 
+CKvLambertConic::SSphereCone CKvLambertConic::MakeSphereCone(const SCone& cone, double cosEdge)
+{
+    SSphereCone sphere;
+    sphere.halfN = 0.5 * cone.n;
+    sphere.nDeg = cone.nDeg;
+    sphere.sign = cone.sign;
+    sphere.invN = cone.invN;
+    sphere.Ks = cone.K * std::exp(-cone.n * cone.lnT);
+    sphere.invKs = 1.0 / sphere.Ks;
+    sphere.north = cone.FN + cone.rOrigin;
+    sphere.rOrigin = cone.rOrigin;
+    sphere.FE = cone.FE;
+    sphere.FN = cone.FN;
+    sphere.lon0 = cone.lon0;
+    sphere.lambda0 = cone.lambda0;
+    sphere.cosEdge = cosEdge;
+    // The cone's own fast path holds its figures; a central meridian within
+    // [-180, 180] keeps lon - lon0 within a turn and a half.
+    sphere.fast = cone.e == 0.0 && cone.fastForward && std::isfinite(sphere.Ks) && sphere.Ks != 0.0 &&
+                  std::isfinite(sphere.invKs) && std::isfinite(cosEdge) && std::fabs(cone.lon0) <= 180.0;
+    return sphere;
+}
+
 namespace {
 
 KVCART_DEFINE_BLOCK_LOOP(ForwardBlock, CKvLambertConic::SCone, CKvLambertConic::Forward)

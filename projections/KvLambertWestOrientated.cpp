@@ -33,6 +33,10 @@ CKvLambertWestOrientated::CKvLambertWestOrientated(const std::string& name, cons
     // n = sin phi0, the cone constant of one parallel (NaN with the cone).
     m_n = std::sin(parameters[2] * CKvAngle::Pi / 180.0) + 0.0 * m_cone.GetApexRadius();
     m_cosEdge = std::cos(CKvAngle::Pi * std::fabs(m_n));
+    // The eastward cone's central meridian is 0: the sphere's path sees the
+    // longitude difference that Geo2Proj hands the cone.
+    m_sphere = CKvLambertConic::MakeSphereCone(m_cone.GetCone(), m_cosEdge);
+    m_sphere.fast = m_sphere.fast && std::fabs(m_lon0) <= 180.0 && std::isfinite(m_FE);
 }
 
 void CKvLambertWestOrientated::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -40,11 +44,18 @@ void CKvLambertWestOrientated::Geo2Proj(double lon, double lat, double* x, doubl
     // The pole the cone opens away from lies at infinity; the other is the
     // apex, set there exactly (the tangent of the rounded right angle would
     // leave it up to a few hundred metres short on a flat cone).
+    double east; // r sin theta, eastwards from the central meridian
+    // On the sphere, a longitude within [-180, 180] (as ReduceLongitudeDegrees
+    // leaves it) and a latitude off the poles: the cone's path for the sphere.
+    if (m_sphere.fast && std::fabs(lon) <= 180.0 &&
+        CKvLambertConic::ForwardSphere(m_sphere, CKvAngle::ReduceNearLongitudeDegrees(lon - m_lon0), lat, east, *y)) {
+        *x = m_FE - east;
+        return;
+    }
     if (!CKvAngle::IsPoint(lon, lat) || lat == -m_apexPole) {
         *x = *y = std::nan("");
         return;
     }
-    double east; // r sin theta, eastwards from the central meridian
     if (lat == m_apexPole) {
         east = 0.0 * m_cone.GetApexRadius();
         *y = m_FN + m_cone.GetApexRadius();
@@ -58,6 +69,20 @@ void CKvLambertWestOrientated::Geo2Proj(double lon, double lat, double* x, doubl
 
 void CKvLambertWestOrientated::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
+    // On the sphere the cone's path, off the poles and within the sheet; the
+    // longitude reduced as InverseLongitudeDegrees does, by its one exact
+    // subtraction wherever that is its answer (a sheet across the
+    // antimeridian).
+    if (m_sphere.fast) {
+        double east;
+        if (CKvLambertConic::InverseSphere(m_sphere, m_FE - x, y, east, *lat)) {
+            const double l = m_lon0 + east;
+            if ((std::fabs(l) <= 180.0) | (std::fabs(l) > 180.0 + 1e-9)) {
+                *lon = CKvAngle::ReduceNearLongitudeDegrees(l);
+                return;
+            }
+        }
+    }
     // theta' = atan2(FE - W, r0 - (N - FN)): the eastward cone at FE - W.
     const double dx = m_FE - x, dy = m_cone.GetApexRadius() - (y - m_FN);
     m_cone.Proj2Geo(m_FE - x, y, lon, lat);

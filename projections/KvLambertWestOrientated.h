@@ -3,6 +3,7 @@
 
 #include "catalogue/KvMethodProjection.h"
 #include "projections/KvLambert1SP.h"
+#include "projections/KvLambertConic.h"
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
@@ -50,6 +51,7 @@ private:
     double m_sign;     // the sign of n
     double m_n;        // the cone constant, sin phi0
     double m_cosEdge;  // cos(pi n), the sheet's edge
+    CKvLambertConic::SSphereCone m_sphere; // the cone's path on the sphere
 };
 
 #endif
