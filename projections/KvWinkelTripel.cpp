@@ -3,6 +3,7 @@
 #include "projections/KvAngle.h"
 #include "projections/KvMathKernel.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -14,16 +15,45 @@ constexpr double kDeg = kPi / 180.0;
 // PROJ takes it when no parallel is given; ESRI writes 50.467 (the National
 // Geographic Society's rounding) in its world systems.
 constexpr double kWinkelParallel = 50.45977625218981;
-// The Newton iteration of the inverse: from the start below it reaches the root
-// in at most 5 steps over a grid of 0.05 degree of the whole map with phi1 =
-// 50.467 (26 million points) and of 0.2 degree with phi1 = 0, -30 and acos(2/pi),
-// the 5 only on the outer meridians towards the poles; 24 leave room and still
-// bound the time. A step of size d leaves an error of about 2 d^2 (measured
-// over the same grids): a step below StepLimit (radians) leaves less than
-// 5e-15, the rounding of the formulas themselves, so the iteration ends there
-// rather than after one more step that only confirms it.
+// The Newton iteration of the inverse: from the closed-form start below it
+// reaches the root in at most 5 steps over a grid of 0.05 degree of the whole
+// map with phi1 = 50.467 (26 million points) and of 0.2 degree with phi1 = 0,
+// -30 and acos(2/pi), the 5 only on the outer meridians towards the poles; 24
+// leave room and still bound the time. A step of size d leaves an error of
+// about 2 d^2 (measured over the same grids): a step below StepLimit (radians)
+// leaves less than 5e-15, the rounding of the formulas themselves, so the
+// iteration ends there rather than after one more step that only confirms it.
 constexpr int kMaxIterations = 24;
 constexpr double kStepLimit = 3e-8;
+// The start table: bicubic Hermite interpolation of phi(X, Y) and lambda(X, Y)
+// on CellsX x CellsY cells over the quarter map, from each node's root and the
+// derivatives of the inverse there (the inverse of the Jacobian; the cross
+// derivative from the neighbouring nodes' along Y). Its error is of the fourth
+// power of the cell and below 1.2e-4 rad over most of the map, where one step
+// leaves less than 2 (1.2e-4)^2 = 3e-8 and the second ends the iteration; it
+// grows towards the corners of the pole lines and the outer meridians (0.013
+// rad for phi1 = 50.467). Over a grid of 0.5 degree of the whole map
+// (tools/make_winkel_tripel_start.py models the table in numpy) the iteration
+// from it takes 2.01 steps in the mean with phi1 = 50.467, 1.94 with phi1 = 0
+// (3.46 and 3.38 from the closed-form start), and at most 6 for phi1 from 0
+// to 89.9 degrees, none restarted. Nodes without a root near the sphere's
+// range (beyond the outline where the pole lines shrink, towards phi1 = 90,
+// the Aitoff projection) are left out, and the cells that touch them give no
+// start.
+// TableSteps bounds the steps from the table's start: where they do not
+// settle on a point of the map, the iteration starts again from the closed
+// form, as it did before there was a table.
+constexpr int kCellsX = 24;
+constexpr int kCellsY = 16;
+constexpr int kNodeValues = 8; // phi, phi_X, phi_Y, phi_XY, lambda, lambda_X, lambda_Y, lambda_XY
+constexpr int kTableSteps = 6;
+
+bool OnMap(double lambda)
+{
+    // A root beyond the outer meridians is the formulas' continuation, not the
+    // map; one on them within rounding is set on them afterwards.
+    return std::fabs(lambda / kDeg) <= 180.0 + 1e-9;
+}
 
 std::string Problem(const double* parameters)
 {
@@ -43,6 +73,57 @@ CKvWinkelTripel::CKvWinkelTripel(const std::string& name, const double* paramete
     const bool usable = a > 0.0 && std::isfinite(a) && Problem(parameters).empty();
     m_cosPhi1 = std::cos(CKvAngle::SnapToPole(parameters[1]) * kDeg);
     m_R = usable ? a : std::nan("");
+    m_cellX = kPi * (1.0 + m_cosPhi1) / kCellsX;
+    m_cellY = kPi / kCellsY;
+    m_perCellX = 1.0 / m_cellX;
+    m_perCellY = 1.0 / m_cellY;
+    if (!usable)
+        return;
+    // Each row is solved outwards from the central meridian, where phi = Y / 2
+    // exactly, every node from its neighbour's root; beyond the outline the
+    // roots continue the formulas (lambda past pi), which keeps the cells
+    // across the outline smooth. A node without a root near the sphere's range
+    // stays NaN.
+    const int rows = kCellsY + 1;
+    m_table.assign(static_cast<size_t>((kCellsX + 1) * rows * kNodeValues), std::nan(""));
+    for (int j = 0; j < rows; ++j) {
+        const double Y = j * m_cellY;
+        double phi = 0.5 * Y, lambda = 0.0;
+        for (int i = 0; i <= kCellsX; ++i) {
+            double p = phi, l = lambda, J[4], fx, fy;
+            if (!_newton(i * m_cellX, Y, kMaxIterations, &p, &l) || std::fabs(l) > 1.25 * kPi ||
+                std::fabs(p) > 0.6 * kPi)
+                continue;
+            phi = p;
+            lambda = l;
+            _unit(p, l, &fx, &fy, J);
+            const double invDet = 1.0 / (J[0] * J[3] - J[1] * J[2]);
+            double* node = &m_table[static_cast<size_t>((i * rows + j) * kNodeValues)];
+            node[0] = p;
+            node[1] = J[3] * invDet * m_cellX;
+            node[2] = -J[1] * invDet * m_cellY;
+            node[4] = l;
+            node[5] = -J[2] * invDet * m_cellX;
+            node[6] = J[0] * invDet * m_cellY;
+        }
+    }
+    // The cross derivatives, scaled to the cell: central differences of the X
+    // derivatives along Y. On Y = 0 by symmetry (phi_X is odd in Y, lambda_X
+    // even), on the pole line one-sided.
+    for (int i = 0; i <= kCellsX; ++i)
+        for (int j = 0; j < rows; ++j) {
+            double* node = &m_table[static_cast<size_t>((i * rows + j) * kNodeValues)];
+            const double* below = j > 0 ? node - kNodeValues : nullptr;
+            const double* above = j + 1 < rows ? node + kNodeValues : nullptr;
+            for (int k = 1; k <= 5; k += 4) {
+                if (below == nullptr)
+                    node[k + 2] = k == 1 ? above[k] : 0.0;
+                else if (above == nullptr)
+                    node[k + 2] = node[k] - below[k];
+                else
+                    node[k + 2] = 0.5 * (above[k] - below[k]);
+            }
+        }
 }
 
 void CKvWinkelTripel::_unit(double phi, double lambda, double* X, double* Y, double* jacobian) const
@@ -91,6 +172,66 @@ void CKvWinkelTripel::Geo2Proj(double lon, double lat, double* x, double* y) con
     *y = m_FN + 0.5 * m_R * Y;
 }
 
+bool CKvWinkelTripel::_newton(double X, double Y, int steps, double* phi, double* lambda) const
+{
+    double p = *phi, l = *lambda;
+    for (int i = 0; i < steps; ++i) {
+        double fx, fy, J[4];
+        _unit(p, l, &fx, &fy, J);
+        fx -= X;
+        fy -= Y;
+        const double invDet = 1.0 / (J[0] * J[3] - J[1] * J[2]);
+        const double dPhi = (J[1] * fy - J[3] * fx) * invDet;
+        const double dLambda = (J[2] * fx - J[0] * fy) * invDet;
+        if (!std::isfinite(dPhi) || !std::isfinite(dLambda))
+            return false;
+        p += dPhi;
+        l += dLambda;
+        // An iterate that leaves the sphere's range by far belongs to no point
+        // of the map: the formulas repeat beyond it.
+        if (std::fabs(p) > kPi || std::fabs(l) > 2.0 * kPi)
+            return false;
+        if (std::fabs(dPhi) <= kStepLimit && std::fabs(dLambda) <= kStepLimit) {
+            *phi = p;
+            *lambda = l;
+            return true;
+        }
+    }
+    return false;
+}
+
+void CKvWinkelTripel::_tableStart(double X, double Y, double* phi, double* lambda) const
+{
+    if (m_table.empty()) {
+        *phi = *lambda = std::nan("");
+        return;
+    }
+    // |X| and |Y| lie within the map's box (the caller checks): the cell
+    // indices are within the grid, the last cell taking its far edge.
+    const double tx = std::fabs(X) * m_perCellX, ty = std::fabs(Y) * m_perCellY;
+    const int i = std::min(static_cast<int>(tx), kCellsX - 1);
+    const int j = std::min(static_cast<int>(ty), kCellsY - 1);
+    const double u = tx - i, v = ty - j;
+    // The cubic Hermite basis: value and slope at each end of the cell.
+    const double u1 = 1.0 - u, v1 = 1.0 - v;
+    const double hu[4] = {(1.0 + 2.0 * u) * u1 * u1, u * u1 * u1, u * u * (3.0 - 2.0 * u), -u * u * u1};
+    const double hv[4] = {(1.0 + 2.0 * v) * v1 * v1, v * v1 * v1, v * v * (3.0 - 2.0 * v), -v * v * v1};
+    const double* n00 = &m_table[static_cast<size_t>((i * (kCellsY + 1) + j) * kNodeValues)];
+    const double* n01 = n00 + kNodeValues;
+    const double* n10 = n00 + (kCellsY + 1) * kNodeValues;
+    const double* n11 = n10 + kNodeValues;
+    double r[2];
+    for (int k = 0; k < 2; ++k) {
+        const int o = 4 * k;
+        r[k] = hv[0] * (hu[0] * n00[o] + hu[1] * n00[o + 1] + hu[2] * n10[o] + hu[3] * n10[o + 1]) +
+               hv[1] * (hu[0] * n00[o + 2] + hu[1] * n00[o + 3] + hu[2] * n10[o + 2] + hu[3] * n10[o + 3]) +
+               hv[2] * (hu[0] * n01[o] + hu[1] * n01[o + 1] + hu[2] * n11[o] + hu[3] * n11[o + 1]) +
+               hv[3] * (hu[0] * n01[o + 2] + hu[1] * n01[o + 3] + hu[2] * n11[o + 2] + hu[3] * n11[o + 3]);
+    }
+    *phi = std::copysign(r[0], Y);
+    *lambda = std::copysign(r[1], X);
+}
+
 void CKvWinkelTripel::Proj2Geo(double x, double y, double* lon, double* lat) const
 {
     *lon = *lat = std::nan("");
@@ -110,42 +251,23 @@ void CKvWinkelTripel::Proj2Geo(double x, double y, double* lon, double* lat) con
         *lat = std::copysign(90.0, Y);
         return;
     }
-    // Start: Y is about 2 phi near the centre and X about lambda (cos phi +
-    // cos phi1) along a parallel.
-    double phi = 0.5 * Y;
-    double lambda = X / (std::cos(phi) + m_cosPhi1);
-    lambda = std::fmax(-kPi, std::fmin(kPi, lambda));
-    bool converged = false;
-    for (int i = 0; i < kMaxIterations; ++i) {
-        double fx, fy, J[4];
-        _unit(phi, lambda, &fx, &fy, J);
-        fx -= X;
-        fy -= Y;
-        const double invDet = 1.0 / (J[0] * J[3] - J[1] * J[2]);
-        const double dPhi = (J[1] * fy - J[3] * fx) * invDet;
-        const double dLambda = (J[2] * fx - J[0] * fy) * invDet;
-        if (!std::isfinite(dPhi) || !std::isfinite(dLambda))
-            return;
-        phi += dPhi;
-        lambda += dLambda;
-        // An iterate that leaves the sphere's range by far belongs to no point
-        // of the map: the formulas repeat beyond it.
-        if (std::fabs(phi) > kPi || std::fabs(lambda) > 2.0 * kPi)
-            return;
-        if (std::fabs(dPhi) <= kStepLimit && std::fabs(dLambda) <= kStepLimit) {
-            converged = true;
-            break;
-        }
+    double phi, lambda;
+    _tableStart(X, Y, &phi, &lambda);
+    bool found = std::isfinite(phi) && std::isfinite(lambda);
+    if (found) {
+        lambda = std::fmax(-kPi, std::fmin(kPi, lambda));
+        found = _newton(X, Y, kTableSteps, &phi, &lambda) && OnMap(lambda);
     }
-    if (!converged)
-        return;
-    // A root beyond the outer meridians or the poles is the formulas'
-    // continuation, not the map; one on them within rounding is set on them.
-    const double dLon = lambda / kDeg;
-    if (!(std::fabs(dLon) <= 180.0 + 1e-9))
-        return;
+    if (!found) {
+        // The closed-form start: Y is about 2 phi near the centre and X about
+        // lambda (cos phi + cos phi1) along a parallel.
+        phi = 0.5 * Y;
+        lambda = std::fmax(-kPi, std::fmin(kPi, X / (std::cos(phi) + m_cosPhi1)));
+        if (!_newton(X, Y, kMaxIterations, &phi, &lambda) || !OnMap(lambda))
+            return;
+    }
     *lat = phi / kDeg;
-    *lon = CKvAngle::InverseLongitudeDegrees(std::fmax(-180.0, std::fmin(180.0, dLon)) + m_lon0);
+    *lon = CKvAngle::InverseLongitudeDegrees(std::fmax(-180.0, std::fmin(180.0, lambda / kDeg)) + m_lon0);
     CKvAngle::GuardInverse(x, y, lon, lat);
 }
 

@@ -5,6 +5,7 @@
 #include "projections/KvProjectionEngine.h"
 
 #include <string>
+#include <vector>
 
 // Winkel Tripel (Snyder, "Map Projections: A Working Manual", p. 231; Snyder,
 // "Flattening the Earth", 1993): the mean of the Aitoff projection and the
@@ -13,7 +14,9 @@
 //   alpha = acos(cos phi cos(lambda/2)),   sinc alpha = sin alpha / alpha,
 //   x = FE + R/2 (2 cos phi sin(lambda/2) / sinc alpha + lambda cos phi1),
 //   y = FN + R/2 (sin phi / sinc alpha + phi).
-// There is no closed inverse: Newton's method on both equations at once.
+// There is no closed inverse: Newton's method on both equations at once, from
+// a start interpolated in a table of the inverse that the constructor solves
+// (it depends on phi1).
 class CKvWinkelTripel : public CKvEngine<CKvWinkelTripel, CKvMethodProjection<CKvWinkelTripel>>
 {
 public:
@@ -43,10 +46,22 @@ private:
     // and, when jacobian is not null, their partial derivatives
     // {dX/dphi, dX/dlambda, dY/dphi, dY/dlambda}.
     void _unit(double phi, double lambda, double* X, double* Y, double* jacobian) const;
+    // Newton's method on the unit map from (phi, lambda) towards (X, Y), at most
+    // steps steps: true when it settled (phi and lambda then hold the root).
+    bool _newton(double X, double Y, int steps, double* phi, double* lambda) const;
+    // The start of the inverse at (X, Y) from the table: NaN where the table
+    // has no usable cell.
+    void _tableStart(double X, double Y, double* phi, double* lambda) const;
 
     double m_lon0, m_FE, m_FN;
     double m_cosPhi1;
     double m_R; // the sphere's radius, the semi-major axis (NaN: no map)
+    // The start table over the quarter X >= 0, Y >= 0 of the unit map (the
+    // inverse is odd in X and in Y): at each node of a uniform grid, phi and
+    // lambda with their derivatives in X, Y and XY, scaled to the cell.
+    double m_cellX, m_cellY;       // the grid's spacing
+    double m_perCellX, m_perCellY; // their reciprocals
+    std::vector<double> m_table;
 };
 
 #endif

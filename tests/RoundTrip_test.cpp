@@ -32,6 +32,7 @@
 #include "projections/KvStereographicSouthPole.h"
 #include "projections/KvTransverseMercator.h"
 #include "projections/KvTransverseMercatorJHS.h"
+#include "projections/KvWinkelTripel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -263,14 +264,26 @@ TEST(RoundTrip, CassiniSoldner)
                 Make<CKvCassiniSoldner>("c", -61.33333333333333, 10.441666666666666, 430000.0 * link, 325000.0 * link,
                                         kClarke1858),
                 -62.09, 9.83, -60, 11.51),
-         System("Sphere Cassini", Make<CKvCassiniSoldner>("c", 0.0, 0.0, 0.0, 0.0, kSphere), -5, -60, 5, 60)});
+         System("Sphere Cassini", Make<CKvCassiniSoldner>("c", 0.0, 0.0, 0.0, 0.0, kSphere), -5, -60, 5, 60),
+         // Across the antimeridian: longitudes given beyond 180 and coming back
+         // on the other side, both on the short paths.
+         System("Cassini about 179.5 E", Make<CKvCassiniSoldner>("c", 179.5, -17.0, 0.0, 0.0, kWgs84), 176.5, -20.0,
+                183.0, -14.0, {{-179.0, -17.0}, {180.0, -16.0}, {-177.5, -15.0}})},
+        // One Newton step on the forward's exact Jacobian brings the points back
+        // to rounding, 1.4e-14 degree and 3.2e-8 m after the trips at worst: a
+        // Jacobian entry off by a part in 1e5 (dx/dlambda) leaves 2.4e-6 m
+        // after them, which these limits refuse.
+        1e-13, 1e-6);
     // The Vanua Levu Grid across the antimeridian, out to 750 km from its
     // origin, where the inverse's Newton start leaves its short path.
     static const double vanuaLevu[4] = {-16.25, 179.333333333333, 251727.9155424, 334519.953768};
     const CKvEllipsoid clarke1880("Clarke 1880 (international foot)", "", 6378306.3696, 293.466307655635);
     CheckFamily("hyperbolic Cassini-Soldner",
                 {System("Vanua Levu 1915 / Vanua Levu Grid", Make<CKvHyperbolicCassini>("h", vanuaLevu, clarke1880),
-                        172.6, -23.0, 186.0, -9.5, {{180.0, -16.25}, {179.333333333333, -22.9}})});
+                        172.6, -23.0, 186.0, -9.5, {{180.0, -16.25}, {179.333333333333, -22.9}})},
+                // 5.2e-14 degree and 5.6e-6 m at worst; the same faulty entry
+                // leaves 6.4e-13 degree and 7e-5 m.
+                2e-13, 2e-5);
 }
 
 // The families below have inverses of their own (conformal-latitude series,
@@ -327,14 +340,18 @@ TEST(RoundTrip, WorldMaps)
 {
     // The forwards' Newton steps from polynomial starts against the inverses'
     // closed forms (Mollweide, Eckert IV) and the inverses' steps against the
-    // forwards (Equal Earth, sinusoidal, Natural Earth): across each start's
+    // forwards (Equal Earth, sinusoidal, Natural Earth, and Winkel Tripel's from
+    // its interpolated table, with standard parallels from the equator to
+    // near the pole, where the pole lines shrink and the table's cells beyond
+    // the outline give no start): across each start's
     // border (sin phi = 0.9, 64.158 degrees; Natural Earth's northing 1.15 R,
     // 66.741 degrees; Robinson's pieces with two steps, from 75 degrees on),
     // towards the poles and at the map's edges. Not
     // within a tenth of a degree of the poles, where the inverses' latitude from
     // a northing that is quadratic in the distance to the pole keeps only half
     // the digits.
-    const double centre[3] = {0.0, 0.0, 0.0}, offset[3] = {-96.0, 500000.0, -200000.0};
+    const double centre[4] = {0.0, 0.0, 0.0, 0.0}, offset[3] = {-96.0, 500000.0, -200000.0};
+    const double winkel80[4] = {-96.0, 80.0, 500000.0, -200000.0}, winkel85[4] = {30.0, -85.0, 0.0, 0.0};
     const std::vector<std::pair<double, double>> extra = {
         {170.0, 64.15806723683288}, {-120.0, -64.1580672368329}, {179.99, 89.9},  {30.0, 89.5},
         {-179.9, -89.9},       {45.0, 63.9},                {-3.0, 72.5},    {100.0, 1e-9},
@@ -347,5 +364,11 @@ TEST(RoundTrip, WorldMaps)
                         extra),
                  System("Natural Earth, Clarke 1880", Make<CKvNaturalEarth>("n", offset, kClarkeIgn), -180, -90, 180,
                         90, extra),
-                 System("Robinson, sphere", Make<CKvRobinson>("r", offset, kSphere), -180, -90, 180, 90, extra)});
+                 System("Robinson, sphere", Make<CKvRobinson>("r", offset, kSphere), -180, -90, 180, 90, extra),
+                 System("Winkel Tripel, equator", Make<CKvWinkelTripel>("w", centre, kWgs84), -180, -90, 180, 90,
+                        extra),
+                 System("Winkel Tripel, 80 degrees", Make<CKvWinkelTripel>("w", winkel80, kSphere), -180, -90, 180,
+                        90, extra),
+                 System("Winkel Tripel, -85 degrees", Make<CKvWinkelTripel>("w", winkel85, kWgs84), -180, -90, 180,
+                        90, extra)});
 }
