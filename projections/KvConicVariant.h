@@ -28,6 +28,7 @@ public:
     {
         double n = 0.0, nDeg = 0.0, invN = 0.0, sign = 1.0, rho0 = 0.0;
         double FE = 0.0, FN = 0.0, lon0 = 0.0, lambda0 = 0.0;
+        double degreesPerTheta = 0.0; // 180 / (pi n): the longitude of an angle about the apex
         bool finite = false; // every figure finite, n not 0
     };
     // What every variant's figures start with: the cone, and whether the
@@ -62,14 +63,14 @@ public:
     }
     // The longitude (degrees) of a grid point and its squared distance from the
     // apex: (dx, dy) = rho (sin theta, cos theta), both turned round on a cone
-    // opening southwards. false for a longitude beyond +-180 (to be reduced),
-    // a point beyond 1e150 m (where the kernel's atan2 could overflow), NaN.
+    // opening southwards, lon = lon0 + theta 180 / (pi n). false for a
+    // longitude beyond +-180 (to be reduced), a point beyond 1e150 m (where the
+    // kernel's atan2 could overflow), NaN.
     static KVCART_ALWAYS_INLINE bool Unplace(const SCone& cone, double x, double y, double& lon, double& rho2)
     {
-        constexpr double ToDegrees = 180.0 / CKvAngle::Pi;
         const double dx = x - cone.FE, dy = cone.rho0 - (y - cone.FN);
         rho2 = dx * dx + dy * dy;
-        lon = (CKvMathKernel::Atan2(cone.sign * dx, cone.sign * dy) * cone.invN + cone.lambda0) * ToDegrees;
+        lon = CKvMathKernel::Atan2(cone.sign * dx, cone.sign * dy) * cone.degreesPerTheta + cone.lon0;
         return (rho2 <= 1e300) & (std::fabs(lon) <= 180.0);
     }
 
@@ -111,7 +112,9 @@ protected:
         m_cone.FN = m_FN;
         m_cone.lon0 = m_lon0;
         m_cone.lambda0 = m_lambda0;
-        m_cone.finite = n != 0.0 && std::isfinite(m_cone.invN) && std::isfinite(rho0) && std::isfinite(m_FE) &&
+        m_cone.degreesPerTheta = 180.0 / (CKvAngle::Pi * n);
+        m_cone.finite = n != 0.0 && std::isfinite(m_cone.invN) &&
+                        std::isfinite(m_cone.degreesPerTheta) && std::isfinite(rho0) && std::isfinite(m_FE) &&
                         std::isfinite(m_FN) && std::isfinite(m_lon0);
     }
 

@@ -18,13 +18,14 @@ KVCART_ALWAYS_INLINE bool ForwardAt(const SFigures& f, double d, double lat, dou
     return placed & (std::fabs(lat) <= 90.0);
 }
 
-// Inverse. false: a latitude beyond the poles, a longitude to be reduced, not
+// Inverse: lat = G - rho / a, in degrees, with the sign of n taken into the
+// factor. false: a latitude beyond the poles, a longitude to be reduced, not
 // finite.
 KVCART_ALWAYS_INLINE bool Inverse(const SFigures& f, double x, double y, double& lon, double& lat)
 {
     double rho2;
     const bool unplaced = CKvConicVariant::Unplace(f.cone, x, y, lon, rho2);
-    lat = (f.G - f.cone.sign * std::sqrt(rho2) * f.invA) * (1.0 / kDeg);
+    lat = f.GDegrees - std::sqrt(rho2) * f.degreesPerDistance;
     return unplaced & (std::fabs(lat) <= 90.0);
 }
 } // namespace
@@ -43,8 +44,10 @@ CKvEquidistantConicSphere::CKvEquidistantConicSphere(double phi1, double phi2, d
     f.cone = m_cone;
     f.a = m_a;
     f.G = m_G;
-    f.invA = 1.0 / m_a;
-    f.fastForward = f.fastInverse = m_cone.finite && m_a > 0.0 && std::isfinite(f.G) && std::isfinite(f.invA);
+    f.GDegrees = m_G * (180.0 / CKvAngle::Pi);
+    f.degreesPerDistance = m_cone.sign * 180.0 / (CKvAngle::Pi * m_a);
+    f.fastForward = f.fastInverse =
+        m_cone.finite && m_a > 0.0 && std::isfinite(f.GDegrees) && std::isfinite(f.degreesPerDistance);
 }
 
 KVCART_DEFINE_CONIC_FAST_CALLS(CKvEquidistantConicSphere)

@@ -16,10 +16,12 @@ public:
     KVCART_DECLARE_CONIC_FAST_CALLS(CKvEquidistantConicSphere)
 
     // The figures of the fast paths (the inline kernels, in the single-point
-    // calls and the vectorized batch loops alike): rho = a (G - phi).
+    // calls and the vectorized batch loops alike): rho = a (G - phi), and
+    // back in degrees, G 180 / pi - rho 180 / (pi a) with the sign of n.
     struct SFigures : SFastFigures
     {
-        double a = 0.0, G = 0.0, invA = 0.0;
+        double a = 0.0, G = 0.0;
+        double GDegrees = 0.0, degreesPerDistance = 0.0;
     };
 
 private:
