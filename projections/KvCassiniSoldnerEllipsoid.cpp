@@ -34,6 +34,7 @@ CKvCassiniSoldnerEllipsoid::SFigures CKvCassiniSoldnerEllipsoid::MakeFigures(dou
     f.FE = falseEasting;
     f.FN = falseNorthing;
     f.lambda0 = lambda0 * kDeg;
+    f.lon0 = lambda0;
     // The kernels' reach: finite figures of an ellipsoid (the series in e^2 are
     // those of the earth's), an origin whose meridian distance is finite.
     f.fast = a > 0.0 && std::isfinite(a) && e2 >= 0.0 && e2 < 0.1 && std::isfinite(f.M0) &&

@@ -35,6 +35,7 @@ public:
         double a = 0.0, invA = 0.0, e2 = 0.0, ep2 = 0.0; // ep2: e'^2 = e^2 / (1 - e^2)
         double invAm0 = 0.0; // 1 / (a m0), the rectifying latitude per metre
         double M0 = 0.0, FE = 0.0, FN = 0.0, lambda0 = 0.0;
+        double lon0 = 0.0; // the central meridian in degrees
         CKvConformalLatitude::SMeridian meridian; // meridian distance and back
         bool fast = false;
     };
@@ -83,6 +84,16 @@ public:
         jacobian[3] = nu * t * PA * c;                                                                  // dy/dlambda
     }
 
+    // The whole turn that brings an angle d (degrees) within [-180, 180] when
+    // it lies within a turn and a half (lon - lon0 of a longitude and a
+    // meridian within [-180, 180]), chosen rather than branched on: +-360 or
+    // 0; a longitude plus it is ReduceLongitudeDegrees's, the same bits. NaN
+    // gives 0.
+    static KVCART_ALWAYS_INLINE double Turn(double d)
+    {
+        return (d > 180.0 ? -360.0 : 0.0) + (d < -180.0 ? 360.0 : 0.0);
+    }
+
     // The latitude up to which the fast path goes: beyond it tan phi grows
     // without bound, and the general formulas take the point.
     static constexpr double FastLatitudeLimit = 1.5690509975429023; // 89.9 degrees
@@ -92,10 +103,12 @@ public:
     // than branches), so that both give the same bits. false: the point is
     // beyond the path (near a pole, a longitude difference to be reduced, not
     // finite), and the general formulas take it.
+    // The longitude is first brought within a half turn of the central
+    // meridian, so that a grid across the antimeridian keeps the path.
     static KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y)
     {
         double s;
-        return Forward(f, lon, lat, x, y, s);
+        return Forward(f, lon + Turn(lon - f.lon0), lat, x, y, s);
     }
     // The same, giving also the sine of the latitude.
     static KVCART_ALWAYS_INLINE bool Forward(const SFigures& f, double lon, double lat, double& x, double& y,
@@ -123,7 +136,8 @@ public:
         double phi, dLambda;
         const double step = InverseSeries(f, x, y, phi, dLambda);
         lat = phi * (1.0 / Deg);
-        lon = (f.lambda0 + dLambda) * (1.0 / Deg);
+        const double east = (f.lambda0 + dLambda) * (1.0 / Deg);
+        lon = east + Turn(east);
         return (step <= 1e-7) & (std::fabs(phi) < FastLatitudeLimit) & (std::fabs(lon) <= 180.0);
     }
 

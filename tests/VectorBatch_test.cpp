@@ -400,6 +400,9 @@ TEST(VectorBatch, CassiniSoldner)
     const CKvCassiniSoldner equator("equator", 20, 0, 0, 0, kWgs84);
     const CKvCassiniSoldner sphere("sphere", 13.6, 52.4, 40000, 10000, kSphere);
     const CKvCassiniSoldner sphereSouth("sphere south", -70, -60, 0, 0, kSphere);
+    // A meridian next to the antimeridian: the points beyond it take the short
+    // paths too, longitudes turned by a whole turn.
+    const CKvCassiniSoldner pacific("pacific", 179.5, -17, 0, 0, kWgs84);
     // Grid points far east of the central meridian (the inverse's Newton steps
     // grow, and beyond a quarter turn the sphere's longitude turns round), and
     // beyond the poles' northings.
@@ -410,6 +413,7 @@ TEST(VectorBatch, CassiniSoldner)
     ExpectLoopsMatchSingleCalls(equator, 20, 0, far, "Cassini-Soldner, equator", 63);
     ExpectLoopsMatchSingleCalls(sphere, 13.6, 52.4, far, "Cassini-Soldner, sphere", 64);
     ExpectLoopsMatchSingleCalls(sphereSouth, -70, -60, far, "Cassini-Soldner, southern sphere", 65);
+    ExpectLoopsMatchSingleCalls(pacific, 179.5, -17, far, "Cassini-Soldner, across the antimeridian", 66);
 }
 
 TEST(VectorBatch, PolarStereographic)
