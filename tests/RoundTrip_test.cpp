@@ -264,14 +264,26 @@ TEST(RoundTrip, CassiniSoldner)
                 Make<CKvCassiniSoldner>("c", -61.33333333333333, 10.441666666666666, 430000.0 * link, 325000.0 * link,
                                         kClarke1858),
                 -62.09, 9.83, -60, 11.51),
-         System("Sphere Cassini", Make<CKvCassiniSoldner>("c", 0.0, 0.0, 0.0, 0.0, kSphere), -5, -60, 5, 60)});
+         System("Sphere Cassini", Make<CKvCassiniSoldner>("c", 0.0, 0.0, 0.0, 0.0, kSphere), -5, -60, 5, 60),
+         // Across the antimeridian: longitudes given beyond 180 and coming back
+         // on the other side, both on the short paths.
+         System("Cassini about 179.5 E", Make<CKvCassiniSoldner>("c", 179.5, -17.0, 0.0, 0.0, kWgs84), 176.5, -20.0,
+                183.0, -14.0, {{-179.0, -17.0}, {180.0, -16.0}, {-177.5, -15.0}})},
+        // One Newton step on the forward's exact Jacobian brings the points back
+        // to rounding, 2.8e-14 degree and 3.2e-8 m after the trips at worst: a
+        // Jacobian entry off by a part in 1e5 (dx/dlambda) leaves 2.4e-6 m
+        // after them, which these limits refuse.
+        1e-13, 1e-6);
     // The Vanua Levu Grid across the antimeridian, out to 750 km from its
     // origin, where the inverse's Newton start leaves its short path.
     static const double vanuaLevu[4] = {-16.25, 179.333333333333, 251727.9155424, 334519.953768};
     const CKvEllipsoid clarke1880("Clarke 1880 (international foot)", "", 6378306.3696, 293.466307655635);
     CheckFamily("hyperbolic Cassini-Soldner",
                 {System("Vanua Levu 1915 / Vanua Levu Grid", Make<CKvHyperbolicCassini>("h", vanuaLevu, clarke1880),
-                        172.6, -23.0, 186.0, -9.5, {{180.0, -16.25}, {179.333333333333, -22.9}})});
+                        172.6, -23.0, 186.0, -9.5, {{180.0, -16.25}, {179.333333333333, -22.9}})},
+                // 5.2e-14 degree and 5.6e-6 m at worst; the same faulty entry
+                // leaves 6.4e-13 degree and 7e-5 m.
+                2e-13, 2e-5);
 }
 
 // The families below have inverses of their own (conformal-latitude series,
