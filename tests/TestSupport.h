@@ -113,7 +113,6 @@ private:
 
 } // namespace kvtest
 
-#endif
 
 #include "catalogue/KvCartSetup.h"
 #include "catalogue/KvEpsgRegistry.h"
@@ -316,3 +315,5 @@ template <class TSystem> void ExpectInverseNaN(const TSystem& system, double x, 
 }
 
 } // namespace kvtest
+
+#endif
