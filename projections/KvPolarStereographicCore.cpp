@@ -140,6 +140,9 @@ void CKvPolarStereographicCore::_inverseGeneral(double dx, double dy, double* la
 
 double CKvPolarStereographicCore::Convergence(double lambda) const
 {
+    // A map with no figures (see AtPole) has no grid to converge to either.
+    if (!std::isfinite(m_f.scaleTerm))
+        return std::nan("");
     return m_pole * std::remainder(lambda - m_f.lambda0, 2.0 * kPi);
 }
 
