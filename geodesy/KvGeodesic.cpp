@@ -431,11 +431,7 @@ void CKvGeodesic::_evaluate(const SPair& p, double salp1, double calp1, SEvaluat
     Normalize(ssig2, csig2);
 
     // sigma12 and omega12 in [0, pi], from the differences of the angles.
-    // sigma12 scales straight into the distance (b A1 sigma12, some 2.8e-9 m an
-    // ulp at half a turn): libm's correctly rounded arctangent here, where the
-    // kernel's 1.7 ulp doubled the worst distance against GeodSolve (3.7 to
-    // 7.5 nm over the 1 312 reference geodesics).
-    e.sig12 = std::atan2(std::max(0.0, csig1 * ssig2 - ssig1 * csig2), csig1 * csig2 + ssig1 * ssig2);
+    e.sig12 = CKvMathKernel::Atan2(std::max(0.0, csig1 * ssig2 - ssig1 * csig2), csig1 * csig2 + ssig1 * ssig2);
     const double somg12 = std::max(0.0, comg1 * somg2 - somg1 * comg2);
     const double comg12 = comg1 * comg2 + somg1 * somg2;
     // omega12 - lambda12, without cancellation near the antipode.
