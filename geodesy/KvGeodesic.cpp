@@ -1,7 +1,6 @@
 #include "geodesy/KvGeodesic.h"
 
 #include "projections/KvAngle.h"
-#include "projections/KvMathKernel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,31 +29,13 @@ constexpr double kEquatorLatitude = 1e-20;
 
 thread_local int t_lastEvaluations = 0;
 
-// Angles in degrees up to this size are reduced to [-45, 45] without remquo.
-constexpr double kExactReductionLimit = 1e5;
-
 // sin and cos of an angle in degrees, reduced exactly to [-45, 45] first, so
-// that multiples of 90 give exact zeros and ones. Up to 1e5 degrees the
-// reduction is degrees - 90 q with q the nearest integer to degrees / 90: the
-// product is exact, and the difference too (Sterbenz: for q != 0 the two
-// terms are within a factor 2 of each other); beyond, remquo's. The reduced
-// angle, within a quarter of pi, takes the kernel's series (below half an ulp
-// there) with no reduction of its own.
+// that multiples of 90 give exact zeros and ones.
 void SinCosDegrees(double degrees, double extra, double& s, double& c)
 {
     int quadrant = 0;
-    double reduced = 0.0;
-    if (std::fabs(degrees) <= kExactReductionLimit) {
-        constexpr double Round = 6755399441055744.0; // 1.5 * 2^52: rounds to an integer
-        const double q = (degrees * (1.0 / 90.0) + Round) - Round;
-        reduced = degrees - 90.0 * q;
-        quadrant = static_cast<int>(q);
-    } else {
-        reduced = std::remquo(degrees, 90.0, &quadrant);
-    }
-    double sr = 0.0, vr = 0.0;
-    CKvMathKernel::SinVersineQuarterPi((reduced + extra) * kDegree, sr, vr);
-    const double cr = 1.0 - vr;
+    const double r = (std::remquo(degrees, 90.0, &quadrant) + extra) * kDegree;
+    const double sr = std::sin(r), cr = std::cos(r);
     switch (static_cast<unsigned>(quadrant) & 3u) {
     case 0: s = sr; c = cr; break;
     case 1: s = cr; c = -sr; break;
@@ -79,9 +60,7 @@ double Atan2Degrees(double y, double x)
         x = -x;
         ++quadrant;
     }
-    // Within the octant |y| <= x: the kernel's atan of a quotient at most 1
-    // (x = 0 only with y = +-0, whose angle is y itself).
-    const double angle = (x == 0.0 ? y : std::copysign(CKvMathKernel::AtanUnit(std::fabs(y), x), y)) / kDegree;
+    const double angle = std::atan2(y, x) / kDegree;
     switch (quadrant) {
     case 1: return std::copysign(180.0, y) - angle;
     case 2: return 90.0 - angle;
@@ -97,18 +76,9 @@ double Azimuth(double s, double c)
     return degrees == -180.0 ? 180.0 : degrees + 0.0;
 }
 
-// sqrt(a^2 + b^2): the plain root where the sum of the squares neither
-// overflows nor loses its precision to underflow (all the sines and cosines
-// here), hypot otherwise.
-double Hypot(double a, double b)
-{
-    const double h2 = a * a + b * b;
-    return h2 >= 0x1p-960 && h2 <= 0x1p960 ? std::sqrt(h2) : std::hypot(a, b);
-}
-
 void Normalize(double& s, double& c)
 {
-    const double h = Hypot(s, c);
+    const double h = std::hypot(s, c);
     s /= h;
     c /= h;
 }
@@ -241,7 +211,8 @@ struct CKvGeodesic::SPair
 // What one evaluation of lambda12(alpha1) gives.
 struct CKvGeodesic::SEvaluation
 {
-    double v; // lambda12(alpha1) - lambda12
+    double v;  // lambda12(alpha1) - lambda12
+    double dv; // its derivative in alpha1 (when asked for)
     double salp2, calp2;
     double sig12, ssig1, csig1, ssig2, csig2;
     double eps;
@@ -389,7 +360,8 @@ void CKvGeodesic::_start(const SPair& p, double& salp1, double& calp1) const
     if (cbet12 >= 0.0 && sbet12 < 0.5 && p.cbet2 * p.lam12 < 0.5) {
         const double cbetm = 0.5 * (p.cbet1 + p.cbet2);
         const double omg12 = p.lam12 / std::sqrt(1.0 - m_e2 * cbetm * cbetm);
-        CKvMathKernel::SinCosAny(omg12, somg12, comg12);
+        somg12 = std::sin(omg12);
+        comg12 = std::cos(omg12);
     }
     // tan alpha1 = cos beta2 sin omega12 / (cos beta1 sin beta2 - sin beta1 cos
     // beta2 cos omega12), the denominator written so that it does not cancel.
@@ -401,7 +373,7 @@ void CKvGeodesic::_start(const SPair& p, double& salp1, double& calp1) const
     Normalize(salp1, calp1);
 }
 
-void CKvGeodesic::_evaluate(const SPair& p, double salp1, double calp1, SEvaluation& e) const
+void CKvGeodesic::_evaluate(const SPair& p, double salp1, double calp1, bool derivative, SEvaluation& e) const
 {
     // Leaving the equator due east has its node at the point itself: taken as
     // heading south, where the other equatorial point lies half a turn on.
@@ -409,7 +381,7 @@ void CKvGeodesic::_evaluate(const SPair& p, double salp1, double calp1, SEvaluat
         calp1 = -kTiny;
     // Clairaut: sin alpha0 = sin alpha cos beta along the whole geodesic.
     const double salp0 = salp1 * p.cbet1;
-    const double calp0 = Hypot(calp1, salp1 * p.sbet1);
+    const double calp0 = std::hypot(calp1, salp1 * p.sbet1);
     // sigma and omega from the node: tan sigma1 = tan beta1 / cos alpha1, tan omega1 = sin alpha0 tan sigma1.
     double ssig1 = p.sbet1, csig1 = calp1 * p.cbet1;
     const double somg1 = salp0 * p.sbet1, comg1 = csig1;
@@ -431,11 +403,11 @@ void CKvGeodesic::_evaluate(const SPair& p, double salp1, double calp1, SEvaluat
     Normalize(ssig2, csig2);
 
     // sigma12 and omega12 in [0, pi], from the differences of the angles.
-    e.sig12 = CKvMathKernel::Atan2(std::max(0.0, csig1 * ssig2 - ssig1 * csig2), csig1 * csig2 + ssig1 * ssig2);
+    e.sig12 = std::atan2(std::max(0.0, csig1 * ssig2 - ssig1 * csig2), csig1 * csig2 + ssig1 * ssig2);
     const double somg12 = std::max(0.0, comg1 * somg2 - somg1 * comg2);
     const double comg12 = comg1 * comg2 + somg1 * somg2;
     // omega12 - lambda12, without cancellation near the antipode.
-    const double eta = CKvMathKernel::Atan2(somg12 * p.clam12 - comg12 * p.slam12, comg12 * p.clam12 + somg12 * p.slam12);
+    const double eta = std::atan2(somg12 * p.clam12 - comg12 * p.slam12, comg12 * p.clam12 + somg12 * p.slam12);
 
     // lambda12 = omega12 - f sin(alpha0) I3(sigma12), I3 = A3 (sigma + sum C3l sin 2l sigma).
     const double k2 = calp0 * calp0 * m_ep2;
@@ -449,41 +421,20 @@ void CKvGeodesic::_evaluate(const SPair& p, double salp1, double calp1, SEvaluat
     e.csig1 = csig1;
     e.ssig2 = ssig2;
     e.csig2 = csig2;
-}
 
-double CKvGeodesic::_slope(const SPair& p, const SEvaluation& e) const
-{
-    // d lambda12 / d alpha1 = m12 / (a cos alpha2 cos beta2): moving alpha1
-    // moves point 2 by m12 d alpha1 across the geodesic. At a vertex of
-    // point 2 (cos alpha2 = 0, beta2 = -beta1) its limit, -2 (1 - f) dn1 / sin beta1.
-    if (e.calp2 == 0.0)
-        return -2.0 * m_f1 * p.dn1 / p.sbet1;
-    double m12b = 0.0;
-    _lengths(e.eps, e.sig12, e.ssig1, e.csig1, p.dn1, e.ssig2, e.csig2, p.dn2, nullptr, &m12b);
-    return m_f1 * m12b / (e.calp2 * p.cbet2);
-}
-
-CKvGeodesic::SPoint CKvGeodesic::MakePoint(double lon, double lat) const
-{
-    SPoint point{};
-    point.valid = m_valid && CKvAngle::IsPoint(lon, lat);
-    if (!point.valid) {
-        point.lon = point.lat = point.sbet = point.cbet = point.dn = std::nan("");
-        return point;
+    e.dv = 0.0;
+    if (derivative) {
+        // d lambda12 / d alpha1 = m12 / (a cos alpha2 cos beta2): moving alpha1
+        // moves point 2 by m12 d alpha1 across the geodesic. At a vertex of
+        // point 2 (cos alpha2 = 0, beta2 = -beta1) its limit, -2 (1 - f) dn1 / sin beta1.
+        if (e.calp2 == 0.0) {
+            e.dv = -2.0 * m_f1 * p.dn1 / p.sbet1;
+        } else {
+            double m12b = 0.0;
+            _lengths(e.eps, e.sig12, ssig1, csig1, p.dn1, ssig2, csig2, p.dn2, nullptr, &m12b);
+            e.dv = m_f1 * m12b / (e.calp2 * p.cbet2);
+        }
     }
-    point.lon = CKvAngle::ReduceLongitudeDegrees(lon);
-    point.lat = lat;
-    // tan beta = (1 - f) tan phi; at a pole cos beta is the tiny limit along
-    // the meridian of the longitude given. SinCosDegrees is odd in the angle,
-    // so that the figures of -lat are those of lat with sin beta negated.
-    double sphi = 0.0, cphi = 0.0;
-    SinCosDegrees(lat, 0.0, sphi, cphi);
-    point.sbet = m_f1 * sphi;
-    point.cbet = cphi;
-    Normalize(point.sbet, point.cbet);
-    point.cbet = std::max(kTiny, point.cbet);
-    point.dn = std::sqrt(1.0 + m_ep2 * point.sbet * point.sbet);
-    return point;
 }
 
 bool CKvGeodesic::Inverse(double lon1, double lat1, double lon2, double lat2, double& distance, double& azimuth1,
@@ -494,62 +445,46 @@ bool CKvGeodesic::Inverse(double lon1, double lat1, double lon2, double lat2, do
         distance = azimuth1 = azimuth2 = std::nan("");
         return false;
     }
-    double salp1 = 0.0, calp1 = 0.0, salp2 = 0.0, calp2 = 0.0;
-    _inverse(MakePoint(lon1, lat1), MakePoint(lon2, lat2), distance, salp1, calp1, salp2, calp2);
-    azimuth1 = Azimuth(salp1, calp1);
-    azimuth2 = Azimuth(salp2, calp2);
-    return true;
-}
 
-bool CKvGeodesic::InverseFrom(const SPoint& point1, double lon2, double lat2, double& distance, double& sinAzimuth1,
-                              double& cosAzimuth1) const
-{
-    t_lastEvaluations = 0;
-    if (!point1.valid || !CKvAngle::IsPoint(lon2, lat2)) {
-        distance = sinAzimuth1 = cosAzimuth1 = std::nan("");
-        return false;
-    }
-    double salp2 = 0.0, calp2 = 0.0;
-    _inverse(point1, MakePoint(lon2, lat2), distance, sinAzimuth1, cosAzimuth1, salp2, calp2);
-    return true;
-}
-
-void CKvGeodesic::_inverse(const SPoint& point1, const SPoint& point2, double& distance, double& salp1out,
-                           double& calp1out, double& salp2out, double& calp2out) const
-{
     // A latitude within 1e-20 degree of the equator (some 1e-15 m) is on it,
     // keeping its sign: the azimuths and the distance change by far less than
     // round-off, and the inclination of a geodesic from a point any closer
     // would be too small for the iteration to resolve.
-    SPoint first = point1, second = point2;
-    for (SPoint* q : {&first, &second})
-        if (std::fabs(q->lat) < kEquatorLatitude) {
-            q->lat = q->sbet = std::copysign(0.0, q->lat);
-            q->cbet = q->dn = 1.0;
-        }
+    if (std::fabs(lat1) < kEquatorLatitude)
+        lat1 = std::copysign(0.0, lat1);
+    if (std::fabs(lat2) < kEquatorLatitude)
+        lat2 = std::copysign(0.0, lat2);
 
     // The canonical position: lambda12 >= 0 (mirror in longitude), |phi1| >=
     // |phi2| (exchange the points), phi1 <= 0 (mirror in latitude); a first
     // latitude of +0 is mirrored, which makes the northward one of two
     // symmetric solutions the caller's.
     double lonError = 0.0;
-    double lon12 = LongitudeDifference(first.lon, second.lon, lonError);
+    double lon12 = LongitudeDifference(lon1, lon2, lonError);
     const double lonSign = std::signbit(lon12) ? -1.0 : 1.0;
     lon12 *= lonSign;
     lonError *= lonSign;
-    const bool exchanged = std::fabs(first.lat) < std::fabs(second.lat);
+    const bool exchanged = std::fabs(lat1) < std::fabs(lat2);
     if (exchanged)
-        std::swap(first, second);
-    const double latSign = std::signbit(first.lat) ? 1.0 : -1.0;
-    const double lat1 = first.lat * latSign;
+        std::swap(lat1, lat2);
+    const double latSign = std::signbit(lat1) ? 1.0 : -1.0;
+    lat1 *= latSign;
+    lat2 *= latSign;
 
     SPair p;
-    p.sbet1 = first.sbet * latSign;
-    p.cbet1 = first.cbet;
-    p.dn1 = first.dn;
-    p.sbet2 = second.sbet * latSign;
-    p.cbet2 = second.cbet;
-    p.dn2 = second.dn;
+    double sphi = 0.0, cphi = 0.0;
+    SinCosDegrees(lat1, 0.0, sphi, cphi);
+    p.sbet1 = m_f1 * sphi; // tan beta = (1 - f) tan phi
+    p.cbet1 = cphi;
+    Normalize(p.sbet1, p.cbet1);
+    p.cbet1 = std::max(kTiny, p.cbet1);
+    SinCosDegrees(lat2, 0.0, sphi, cphi);
+    p.sbet2 = m_f1 * sphi;
+    p.cbet2 = cphi;
+    Normalize(p.sbet2, p.cbet2);
+    p.cbet2 = std::max(kTiny, p.cbet2);
+    p.dn1 = std::sqrt(1.0 + m_ep2 * p.sbet1 * p.sbet1);
+    p.dn2 = std::sqrt(1.0 + m_ep2 * p.sbet2 * p.sbet2);
     p.lam12 = (lon12 + lonError) * kDegree;
     SinCosDegrees(lon12, lonError, p.slam12, p.clam12);
 
@@ -594,11 +529,10 @@ void CKvGeodesic::_inverse(const SPoint& point1, const SPoint& point2, double& d
         SEvaluation e;
         for (int i = 0;; ++i) {
             const bool newton = i < kNewtonSteps;
-            _evaluate(p, salp1, calp1, e);
+            _evaluate(p, salp1, calp1, newton, e);
             t_lastEvaluations = i + 1;
             // Converged when |v| is at round-off; after the Newton step that
             // first came within 16 eps one more step, then 8 eps is enough.
-            // The derivative (the reduced length) only for a step to come.
             if (last || i + 1 >= kMaxEvaluations || !(std::fabs(e.v) >= (closing ? 8.0 : 1.0) * kEpsilon))
                 break;
             if (e.v > 0.0 && Before(salp1, calp1, hiS, hiC)) {
@@ -608,12 +542,10 @@ void CKvGeodesic::_inverse(const SPoint& point1, const SPoint& point2, double& d
                 loS = salp1;
                 loC = calp1;
             }
-            const double dv = newton ? _slope(p, e) : 0.0;
-            if (newton && dv > 0.0) {
-                const double step = -e.v / dv;
+            if (newton && e.dv > 0.0) {
+                const double step = -e.v / e.dv;
                 if (std::fabs(step) < kPi) {
-                    double sd = 0.0, cd = 0.0;
-                    CKvMathKernel::SinCosAny(step, sd, cd);
+                    const double sd = std::sin(step), cd = std::cos(step);
                     const double ns = salp1 * cd + calp1 * sd;
                     const double nc = calp1 * cd - salp1 * sd;
                     if (ns > 0.0 && Before(loS, loC, ns, nc) && Before(ns, nc, hiS, hiC)) {
@@ -654,11 +586,14 @@ void CKvGeodesic::_inverse(const SPoint& point1, const SPoint& point2, double& d
         calp1 = -calp1;
         calp2 = -calp2;
     }
+    calp1 *= latSign;
+    calp2 *= latSign;
+    salp1 *= lonSign;
+    salp2 *= lonSign;
     distance = s12;
-    salp1out = salp1 * lonSign;
-    calp1out = calp1 * latSign;
-    salp2out = salp2 * lonSign;
-    calp2out = calp2 * latSign;
+    azimuth1 = Azimuth(salp1, calp1);
+    azimuth2 = Azimuth(salp2, calp2);
+    return true;
 }
 
 bool CKvGeodesic::Direct(double lon1, double lat1, double azimuth1, double distance, double& lon2, double& lat2,
@@ -668,33 +603,17 @@ bool CKvGeodesic::Direct(double lon1, double lat1, double azimuth1, double dista
         lon2 = lat2 = azimuth2 = std::nan("");
         return false;
     }
-    double salp1 = 0.0, calp1 = 0.0, salp2 = 0.0, calp2 = 0.0;
-    SinCosDegrees(azimuth1, 0.0, salp1, calp1);
-    _direct(MakePoint(lon1, lat1), salp1, calp1, distance, lon2, lat2, salp2, calp2);
-    azimuth2 = Azimuth(salp2, calp2);
-    return true;
-}
-
-bool CKvGeodesic::DirectFrom(const SPoint& point1, double sinAzimuth1, double cosAzimuth1, double distance,
-                             double& lon2, double& lat2) const
-{
-    if (!point1.valid || !std::isfinite(sinAzimuth1) || !std::isfinite(cosAzimuth1) || !std::isfinite(distance)) {
-        lon2 = lat2 = std::nan("");
-        return false;
-    }
-    double salp2 = 0.0, calp2 = 0.0;
-    _direct(point1, sinAzimuth1, cosAzimuth1, distance, lon2, lat2, salp2, calp2);
-    return true;
-}
-
-void CKvGeodesic::_direct(const SPoint& point1, double salp1, double calp1, double distance, double& lon2,
-                          double& lat2, double& salp2, double& calp2) const
-{
     // Point 1 on the auxiliary sphere, and the geodesic's equatorial azimuth
     // alpha0 by Clairaut's relation sin alpha0 = sin alpha1 cos beta1.
-    const double sbet1 = point1.sbet, cbet1 = point1.cbet;
+    double sphi = 0.0, cphi = 0.0;
+    SinCosDegrees(lat1, 0.0, sphi, cphi);
+    double sbet1 = m_f1 * sphi, cbet1 = cphi;
+    Normalize(sbet1, cbet1);
+    cbet1 = std::max(kTiny, cbet1);
+    double salp1 = 0.0, calp1 = 0.0;
+    SinCosDegrees(azimuth1, 0.0, salp1, calp1);
     const double salp0 = salp1 * cbet1;
-    const double calp0 = Hypot(calp1, salp1 * sbet1);
+    const double calp0 = std::hypot(calp1, salp1 * sbet1);
     // sigma1 and omega1 from the node; due east or west on the equator, the
     // node is the point itself.
     double ssig1 = sbet1, csig1 = sbet1 != 0.0 || calp1 != 0.0 ? cbet1 * calp1 : 1.0;
@@ -708,17 +627,14 @@ void CKvGeodesic::_direct(const SPoint& point1, double salp1, double calp1, doub
     C1p(eps, c1p);
     _c3(eps, c3);
     const double b11 = SinSeries(ssig1, csig1, c1, 6);
-    double sb = 0.0, cb = 0.0;
-    CKvMathKernel::SinCosAny(b11, sb, cb);
+    const double sb = std::sin(b11), cb = std::cos(b11);
     // tau1 = sigma1 + B11, the normalized distance of point 1 from the node.
     const double stau1 = ssig1 * cb + csig1 * sb, ctau1 = csig1 * cb - ssig1 * sb;
     const double tau12 = distance / (m_b * (1.0 + a1m1));
-    double st = 0.0, ct = 0.0;
-    CKvMathKernel::SinCosAny(tau12, st, ct);
+    const double st = std::sin(tau12), ct = std::cos(tau12);
     const double b12 = -SinSeries(stau1 * ct + ctau1 * st, ctau1 * ct - stau1 * st, c1p, 6);
     double sig12 = tau12 - (b12 - b11);
-    double ssig12 = 0.0, csig12 = 0.0;
-    CKvMathKernel::SinCosAny(sig12, ssig12, csig12);
+    double ssig12 = std::sin(sig12), csig12 = std::cos(sig12);
     if (m_f > 0.01) {
         // The reverted series loses accuracy with the flattening: one Newton
         // step on s(sigma12), whose derivative is b sqrt(1 + k^2 sin^2 sigma2).
@@ -726,25 +642,28 @@ void CKvGeodesic::_direct(const SPoint& point1, double salp1, double calp1, doub
         const double b1 = SinSeries(ssig2, csig2, c1, 6);
         const double error = (1.0 + a1m1) * (sig12 + (b1 - b11)) - distance / m_b;
         sig12 -= error / std::sqrt(1.0 + k2 * ssig2 * ssig2);
-        CKvMathKernel::SinCosAny(sig12, ssig12, csig12);
+        ssig12 = std::sin(sig12);
+        csig12 = std::cos(sig12);
     }
     const double ssig2 = ssig1 * csig12 + csig1 * ssig12;
     double csig2 = csig1 * csig12 - ssig1 * ssig12;
     const double sbet2 = calp0 * ssig2;
-    double cbet2 = Hypot(salp0, calp0 * csig2);
+    double cbet2 = std::hypot(salp0, calp0 * csig2);
     if (cbet2 == 0.0)
         cbet2 = csig2 = kTiny; // a pole: taken on the side of the geodesic's meridian
-    salp2 = salp0;
-    calp2 = calp0 * csig2;
-    // omega12 - f sin(alpha0) I3 gives lambda12. omega12 is wanted modulo a
-    // whole turn only (the longitude is reduced): the angle from omega1 to
-    // omega2, tan omega = sin alpha0 tan sigma, by one atan2 of the sine and
-    // cosine of their difference, whatever turns sigma12 makes.
+    const double salp2 = salp0, calp2 = calp0 * csig2;
+    // omega12, counted along the whole turn of the geodesic (sigma12 may exceed
+    // pi), minus f sin(alpha0) I3 gives lambda12.
     const double somg2 = salp0 * ssig2, comg2 = csig2;
-    const double omg12 = CKvMathKernel::Atan2(somg2 * comg1 - comg2 * somg1, comg2 * comg1 + somg2 * somg1);
+    const double E = std::copysign(1.0, salp0);
+    const double omg12 = E * (sig12 - (std::atan2(ssig2, csig2) - std::atan2(ssig1, csig1)) +
+                              (std::atan2(E * somg2, comg2) - std::atan2(E * somg1, comg1)));
     const double b31 = SinSeries(ssig1, csig1, c3, 5);
     const double b32 = SinSeries(ssig2, csig2, c3, 5);
     const double lam12 = omg12 - m_f * _a3(eps) * salp0 * (sig12 + (b32 - b31));
-    lon2 = CKvAngle::ReduceLongitudeDegrees(point1.lon + CKvAngle::ReduceLongitudeDegrees(lam12 / kDegree));
+    lon2 = CKvAngle::ReduceLongitudeDegrees(CKvAngle::ReduceLongitudeDegrees(lon1) +
+                                            CKvAngle::ReduceLongitudeDegrees(lam12 / kDegree));
     lat2 = Atan2Degrees(sbet2, m_f1 * cbet2);
+    azimuth2 = Azimuth(salp2, calp2);
+    return true;
 }

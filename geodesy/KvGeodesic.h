@@ -71,27 +71,6 @@ public:
     bool Direct(double lon1, double lat1, double azimuth1, double distance, double& lon2, double& lat2,
                 double& azimuth2) const;
 
-    // One end point of many geodesics (the centre of an azimuthal map): its
-    // longitude reduced, and its reduced latitude beta on the auxiliary sphere,
-    // computed once.
-    struct SPoint
-    {
-        double lon, lat;      // degrees; lon reduced to [-180, 180], lat within 1e-20 of 0 taken as 0
-        double sbet, cbet, dn; // sin beta, cos beta (at least 2^-511), sqrt(1 + e'^2 sin^2 beta)
-        bool valid;            // a point, on a valid object
-    };
-    SPoint MakePoint(double lon, double lat) const;
-
-    // The inverse and the direct problem from a point made by MakePoint, with
-    // the azimuth at that point as its sine and cosine (a unit vector, clockwise
-    // from north): the same solutions as Inverse and Direct with no conversion
-    // of the azimuths to and from degrees, and with nothing of the first point
-    // computed again. The vector given to DirectFrom must be of unit length.
-    bool InverseFrom(const SPoint& point1, double lon2, double lat2, double& distance, double& sinAzimuth1,
-                     double& cosAzimuth1) const;
-    bool DirectFrom(const SPoint& point1, double sinAzimuth1, double cosAzimuth1, double distance, double& lon2,
-                    double& lat2) const;
-
     // The number of evaluations of lambda12 that the last Inverse on this thread
     // needed (0 for the meridional and equatorial cases, which need none); for
     // tests of the iteration's bound.
@@ -101,20 +80,10 @@ private:
     struct SPair;
     struct SEvaluation;
 
-    // The inverse problem between two points made by MakePoint: the distance
-    // and the azimuths' sines and cosines at both ends.
-    void _inverse(const SPoint& point1, const SPoint& point2, double& s12, double& salp1, double& calp1,
-                  double& salp2, double& calp2) const;
-    // The direct problem from a point made by MakePoint along the unit azimuth
-    // vector (salp1, calp1): the end point and its azimuth's sine and cosine.
-    void _direct(const SPoint& point1, double salp1, double calp1, double distance, double& lon2, double& lat2,
-                 double& salp2, double& calp2) const;
     // The starting azimuth at the first point (sine and cosine, normalized).
     void _start(const SPair& pair, double& salp1, double& calp1) const;
     // lambda12(alpha1) - lambda12 and the quantities of the geodesic it needs.
-    void _evaluate(const SPair& pair, double salp1, double calp1, SEvaluation& e) const;
-    // Its derivative in alpha1, from the reduced length m12 of the evaluation.
-    double _slope(const SPair& pair, const SEvaluation& e) const;
+    void _evaluate(const SPair& pair, double salp1, double calp1, bool derivative, SEvaluation& e) const;
     // The distance s12 / b and the reduced length m12 / b between sigma1 and sigma2.
     void _lengths(double eps, double sig12, double ssig1, double csig1, double dn1, double ssig2, double csig2,
                   double dn2, double* s12b, double* m12b) const;

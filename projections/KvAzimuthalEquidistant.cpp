@@ -34,7 +34,6 @@ CKvAzimuthalEquidistant::CKvAzimuthalEquidistant(const std::string& name, const 
     m_meridianKernel = _e2() <= 0.01;
     m_invR = 1.0 / m_R;
     m_poleSign = m_lat0 < 0.0 ? -1.0 : 1.0;
-    m_centre = m_geodesic.MakePoint(m_lon0, m_lat0);
 }
 
 void CKvAzimuthalEquidistant::Geo2Proj(double lon, double lat, double* x, double* y) const
@@ -60,9 +59,12 @@ void CKvAzimuthalEquidistant::Geo2Proj(double lon, double lat, double* x, double
         return;
     }
     if (!m_sphere) {
-        // The azimuth at the centre as the geodesic's own sine and cosine.
-        double s12, sa, ca;
-        m_geodesic.InverseFrom(m_centre, lon, lat, s12, sa, ca);
+        double s12, azi1, azi2;
+        m_geodesic.Inverse(m_lon0, m_lat0, lon, lat, s12, azi1, azi2);
+        double sa, ca;
+        CKvMathKernel::SinCosAny(azi1 * kDeg, sa, ca);
+        if (std::fabs(azi1) == 180.0)
+            sa = 0.0;
         *x = m_FE + s12 * sa;
         *y = m_FN + s12 * ca;
         return;
@@ -125,9 +127,9 @@ void CKvAzimuthalEquidistant::Proj2Geo(double x, double y, double* lon, double* 
         return;
     }
     if (!m_sphere) {
-        // The azimuth at the centre is the direction of (X, Y) itself.
-        const double invRho = 1.0 / rho;
-        m_geodesic.DirectFrom(m_centre, X * invRho, Y * invRho, rho, *lon, *lat);
+        const double azimuth = std::atan2(X, Y) / kDeg;
+        double azi2;
+        m_geodesic.Direct(m_lon0, m_lat0, azimuth, rho, *lon, *lat, azi2);
         if (rho > m_farthest) {
             // Near the antipode the geodesic may have passed its cut: the point
             // is the grid point's only if the forward gives it back.

@@ -14,11 +14,10 @@
 // "Geodesics on an ellipsoid of revolution", 2011, sect. 8: the exact
 // azimuthal equidistant projection, as PROJ's aeqd computes it):
 //   x = s12 sin alpha1,   y = s12 cos alpha1,
-// s12 and alpha1 from the inverse geodesic problem (CKvGeodesic::InverseFrom,
-// the azimuth as its sine and cosine), and back by the direct problem
-// (CKvGeodesic::DirectFrom) along the direction of (x, y) for s12 = hypot(x, y),
-// both from the centre's figures computed once. On the sphere Snyder's closed
-// forms (eqs. 25-2, 20-14, 20-15). On the ellipsoid's polar aspect the geodesics from the centre are the
+// s12 and alpha1 from the inverse geodesic problem (CKvGeodesic::Inverse), and
+// back by the direct problem (CKvGeodesic::Direct) along alpha1 = atan2(x, y)
+// for s12 = hypot(x, y). On the sphere Snyder's closed forms (eqs. 25-2, 20-14,
+// 20-15). On the ellipsoid's polar aspect the geodesics from the centre are the
 // meridians: alpha1 is the longitude difference (pi - dlambda from the north
 // pole) and s12 the meridian arc from the pole (Snyder, eqs. 25-16 to 25-19,
 // with M of Helmert's series), so no geodesic is solved there. The map covers the earth once out to the centre's antipode; a grid
@@ -62,7 +61,6 @@ private:
     CKvConformalLatitude::SMeridian m_meridian;
     bool m_meridianKernel; // e^2 <= 0.01: the inline footpoint latitude holds
     CKvGeodesic m_geodesic;
-    CKvGeodesic::SPoint m_centre; // the centre's figures on the geodesic's auxiliary sphere
 };
 
 #endif
