@@ -4,6 +4,22 @@
 
 #include <cmath>
 
+namespace {
+
+// sum c[k-1] sin 2kx for k = 1..6 as sin 2x times a polynomial in cos 2x:
+// sin 2kx = sin 2x U_{k-1}(cos 2x), collected by powers of cos 2x.
+void SinesByPowersOfCosine(const double c[6], double poly[6])
+{
+    poly[0] = c[0] - c[2] + c[4];
+    poly[1] = 2.0 * c[1] - 4.0 * c[3] + 6.0 * c[5];
+    poly[2] = 4.0 * c[2] - 12.0 * c[4];
+    poly[3] = 8.0 * c[3] - 32.0 * c[5];
+    poly[4] = 16.0 * c[4];
+    poly[5] = 32.0 * c[5];
+}
+
+} // namespace
+
 double CKvConformalLatitude::T(double phi, double e)
 {
     const double es = e * std::sin(phi);
@@ -61,12 +77,7 @@ CKvConformalLatitude::SInverse CKvConformalLatitude::MakeInverse(double e)
     d[3] = n * n * n * n * (4279.0 / 630 + n * (-332.0 / 35 + n * (-399572.0 / 14175)));
     d[4] = n * n * n * n * n * (4174.0 / 315 + n * (-144838.0 / 6237));
     d[5] = n * n * n * n * n * n * (601676.0 / 22275);
-    inverse.poly[0] = d[0] - d[2] + d[4];
-    inverse.poly[1] = 2.0 * d[1] - 4.0 * d[3] + 6.0 * d[5];
-    inverse.poly[2] = 4.0 * d[2] - 12.0 * d[4];
-    inverse.poly[3] = 8.0 * d[3] - 32.0 * d[5];
-    inverse.poly[4] = 16.0 * d[4];
-    inverse.poly[5] = 32.0 * d[5];
+    SinesByPowersOfCosine(d, inverse.poly);
     inverse.series = true;
     return inverse;
 }
@@ -114,13 +125,7 @@ CKvConformalLatitude::SAuthalicInverse CKvConformalLatitude::MakeAuthalicInverse
     c[3] = n * n * n * n * (6059.0 / 4725 + n * (41072.0 / 93555 + n * (-1472637812.0 / 638512875)));
     c[4] = n * n * n * n * n * (768272.0 / 467775 + n * (455935736.0 / 638512875));
     c[5] = n * n * n * n * n * n * (4210684958.0 / 1915538625);
-    // sin 2k beta = sin 2beta U_{k-1}(cos 2beta), collected by powers of cos 2beta.
-    inverse.poly[0] = c[0] - c[2] + c[4];
-    inverse.poly[1] = 2.0 * c[1] - 4.0 * c[3] + 6.0 * c[5];
-    inverse.poly[2] = 4.0 * c[2] - 12.0 * c[4];
-    inverse.poly[3] = 8.0 * c[3] - 32.0 * c[5];
-    inverse.poly[4] = 16.0 * c[4];
-    inverse.poly[5] = 32.0 * c[5];
+    SinesByPowersOfCosine(c, inverse.poly);
     inverse.series = true;
     return inverse;
 }
